@@ -1,0 +1,297 @@
+// Controls as models: what the rules of the console read back (text, colours, enabled, visible, checked, tag)
+// with no toolkit behind it. A control belongs to one form, registers there under its name and index, and
+// announces each change to the form's host, the desktop, which repaints that widget alone.
+// A write of the same text still fires `changed`: a cell is pending because it was written, not because it differs.
+#pragma once
+
+#include "platform/colour.h"
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace ecu::platform {
+
+class Form;
+
+enum class Kind : std::uint8_t {
+    label,
+    text_box,
+    check_box,
+    option_button,
+    button,
+    menu_item,
+    frame,
+    tabs,
+    scroll_bar,
+    shape,
+    grid,
+    picture,
+    strip_chart,
+    gauge,
+};
+
+enum class Property : std::uint8_t {
+    text,
+    back_colour,
+    fore_colour,
+    enabled,
+    visible,
+    checked,
+    tool_tip,
+    focus,   // the program asks for the keyboard focus
+    value,   // position of a scroll bar, bar width, current tab, needle of a gauge
+    content, // cells of a grid, drawing of a picture, samples of a chart
+    scale,   // limits and zones of a gauge, column widths of a grid
+};
+
+// A key as the controls report it. A handler that consumes the key sets code to 0.
+struct KeyPress {
+    int code = 0;       // virtual key: 13 Enter, 37 Left, 38 Up, 39 Right, 40 Down, letters as upper case
+    bool shift = false; // Shift held
+    bool ctrl = false;  // Ctrl held
+};
+
+namespace key {
+inline constexpr int enter = 13;
+inline constexpr int shift = 16;
+inline constexpr int left = 37;
+inline constexpr int up = 38;
+inline constexpr int right = 39;
+inline constexpr int down = 40;
+} // namespace key
+
+// The properties that every control has. `index` is -1 for a control that is not in an array.
+class Control {
+public:
+    Control(const Control&) = delete;
+    Control& operator=(const Control&) = delete;
+    virtual ~Control() = default;
+
+    Form& form() const { return *form_; }
+    const std::string& name() const { return name_; }
+    int index() const { return index_; }
+    std::string full_name() const; // "inj_pw(3)" in an array, else the bare name
+    Kind kind() const { return kind_; }
+
+    const std::string& text() const { return text_; }
+    virtual void set_text(std::string_view text);
+    // No colour means that of the desktop's theme.
+    std::optional<Colour> back_colour() const { return back_; }
+    void set_back_colour(std::optional<Colour> colour);
+    std::optional<Colour> fore_colour() const { return fore_; }
+    void set_fore_colour(std::optional<Colour> colour);
+    bool enabled() const { return enabled_; }
+    void set_enabled(bool enabled);
+    bool visible() const { return visible_; }
+    void set_visible(bool visible);
+    const std::string& tool_tip() const { return tool_tip_; }
+    void set_tool_tip(std::string_view tip);
+    const std::string& tag() const { return tag_; }
+    void set_tag(std::string_view tag) { tag_ = tag; }
+    void set_focus() { announce(Property::focus); }
+
+    // Called by the desktop for what the user does, and by tests in its place.
+    std::function<void()> got_focus;
+    std::function<void()> lost_focus;
+    std::function<void(KeyPress&)> key_down;
+    std::function<void()> double_clicked;
+
+protected:
+    Control(Form& form, std::string_view name, int index, Kind kind, std::string_view text);
+    void announce(Property property);
+
+private:
+    Form* form_;
+    std::string name_;
+    int index_;
+    Kind kind_;
+    std::string text_;
+    std::string tool_tip_;
+    std::string tag_;
+    std::optional<Colour> back_;
+    std::optional<Colour> fore_;
+    bool enabled_ = true;
+    bool visible_ = true;
+};
+
+class Label : public Control {
+public:
+    Label(Form& form, std::string_view name, std::string_view text = "", int index = -1)
+        : Control(form, name, index, Kind::label, text) {}
+};
+
+// A line of text. Its background is its edit state; it starts confirmed.
+class TextBox : public Control {
+public:
+    TextBox(Form& form, std::string_view name, std::string_view text = "", int index = -1)
+        : Control(form, name, index, Kind::text_box, text) {
+        set_back_colour(confirmed);
+        set_fore_colour(black);
+    }
+    void set_text(std::string_view text) override; // fires changed, whether or not the text differs
+    // Writes the controller's value: the text first, then the white that the text's own event took away.
+    void confirm(std::string_view text);
+    bool is_pending() const { return back_colour() == pending; }
+    bool multi_line = false; // shown as a text area, read-only for the user
+    std::function<void()> changed;
+};
+
+// A button with two states. Setting a different state from the program fires `clicked`, as a click does.
+class CheckBox : public Control {
+public:
+    CheckBox(Form& form, std::string_view name, std::string_view text = "", int index = -1)
+        : Control(form, name, index, Kind::check_box, text) {}
+    bool checked() const { return checked_; }
+    void set_checked(bool checked);
+    void click(); // what the mouse does
+    std::function<void()> clicked;
+
+private:
+    bool checked_ = false;
+};
+
+// One of a group of which at most one is chosen; the group is the control array of the same name.
+class OptionButton : public Control {
+public:
+    OptionButton(Form& form, std::string_view name, std::string_view text = "", int index = -1)
+        : Control(form, name, index, Kind::option_button, text) {}
+    bool checked() const { return checked_; }
+    void set_checked(bool checked); // choosing one clears its siblings and fires `clicked`
+    void click();
+    std::function<void()> clicked;
+
+private:
+    void clear_siblings();
+    bool checked_ = false;
+};
+
+class Button : public Control {
+public:
+    Button(Form& form, std::string_view name, std::string_view text = "", int index = -1)
+        : Control(form, name, index, Kind::button, text) {}
+    void press(); // runs `clicked` if enabled, as the mouse does
+    std::function<void()> clicked;
+};
+
+// An entry of the form's menu bar, or of another entry. An ampersand in the text marks the access key.
+class MenuItem : public Control {
+public:
+    MenuItem(Form& form, std::string_view name, std::string_view text, int index = -1)
+        : Control(form, name, index, Kind::menu_item, text) {}
+    MenuItem(MenuItem& parent, std::string_view name, std::string_view text, int index = -1)
+        : Control(parent.form(), name, index, Kind::menu_item, text), parent_(&parent) {}
+    MenuItem* parent() const { return parent_; }
+    bool checked() const { return checked_; }
+    void set_checked(bool checked); // never fires `clicked`
+    void click();                   // runs `clicked` if enabled
+    bool separator_before = false;
+    std::function<void()> clicked;
+
+private:
+    MenuItem* parent_ = nullptr;
+    bool checked_ = false;
+};
+
+// A box around other controls; hiding it hides them.
+class Frame : public Control {
+public:
+    Frame(Form& form, std::string_view name, std::string_view text = "", int index = -1)
+        : Control(form, name, index, Kind::frame, text) {}
+};
+
+// Pages of which one shows.
+class Tabs : public Control {
+public:
+    Tabs(Form& form, std::string_view name) : Control(form, name, -1, Kind::tabs, "") {}
+    int current() const { return current_; }
+    void set_current(int page); // fires `changed` when it differs
+    std::function<void()> changed;
+
+private:
+    int current_ = 0;
+};
+
+class ScrollBar : public Control {
+public:
+    ScrollBar(Form& form, std::string_view name, int minimum, int maximum, int value)
+        : Control(form, name, -1, Kind::scroll_bar, ""), minimum_(minimum), maximum_(maximum), value_(value) {}
+    int minimum() const { return minimum_; }
+    int maximum() const { return maximum_; }
+    int value() const { return value_; }
+    void set_value(int value); // held to the limits; fires `changed` when it differs
+    std::function<void()> changed;
+
+private:
+    int minimum_;
+    int maximum_;
+    int value_;
+};
+
+// A drawn shape with a place and an extent in the form's own units: a progress bar, an axis line, a marker, a lamp.
+class Shape : public Control {
+public:
+    Shape(Form& form, std::string_view name, int index = -1) : Control(form, name, index, Kind::shape, "") {}
+    float left() const { return left_; }
+    float top() const { return top_; }
+    float width() const { return width_; }
+    float height() const { return height_; }
+    void place(float left, float top, float width, float height);
+    void set_left(float left) { place(left, top_, width_, height_); }
+    void set_top(float top) { place(left_, top, width_, height_); }
+    void set_width(float width) { place(left_, top_, width, height_); }
+
+private:
+    float left_ = 0;
+    float top_ = 0;
+    float width_ = 0;
+    float height_ = 0;
+};
+
+// A control array: N controls of one name, indices 0 to N - 1.
+template <typename ControlType, std::size_t N> class ControlArray {
+public:
+    // Every element with the same text (or none).
+    ControlArray(Form& form, std::string_view name, std::string_view text = "")
+        : ControlArray(form, name, text, std::make_index_sequence<N>{}) {}
+    // Each element with its own text.
+    ControlArray(Form& form, std::string_view name, const std::array<std::string_view, N>& texts)
+        : ControlArray(form, name, texts, std::make_index_sequence<N>{}) {}
+    // Menu items under one parent, each with its own text.
+    ControlArray(MenuItem& parent, std::string_view name, const std::array<std::string_view, N>& texts)
+        : ControlArray(parent, name, texts, std::make_index_sequence<N>{}) {}
+
+    ControlType& operator[](std::size_t i) { return controls_.at(i); }
+    const ControlType& operator[](std::size_t i) const { return controls_.at(i); }
+    static constexpr std::size_t size() { return N; }
+    auto begin() { return controls_.begin(); }
+    auto end() { return controls_.end(); }
+    auto begin() const { return controls_.begin(); }
+    auto end() const { return controls_.end(); }
+
+private:
+    template <std::size_t... I>
+    ControlArray(Form& form, std::string_view name, std::string_view text, std::index_sequence<I...>)
+        : controls_{{ControlType(form, name, text, static_cast<int>(I))...}} {}
+    template <typename Owner, std::size_t... I>
+    ControlArray(Owner& owner, std::string_view name, const std::array<std::string_view, N>& texts,
+                 std::index_sequence<I...>)
+        : controls_{{ControlType(owner, name, texts[I], static_cast<int>(I))...}} {}
+    std::array<ControlType, N> controls_;
+};
+
+// Index of the first chosen element of an option array, or -1.
+template <std::size_t N> int chosen(const ControlArray<OptionButton, N>& group) {
+    for (std::size_t i = 0; i < N; ++i) {
+        if (group[i].checked()) {
+            return static_cast<int>(i);
+        }
+    }
+    return -1;
+}
+
+} // namespace ecu::platform

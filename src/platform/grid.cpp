@@ -1,0 +1,88 @@
+#include "platform/grid.h"
+
+#include <stdexcept>
+
+namespace ecu::platform {
+
+namespace {
+constexpr int default_width = 43;
+constexpr int default_height = 20;
+} // namespace
+
+Grid::Grid(Form& form, std::string_view name, int rows, int columns)
+    : Control(form, name, -1, Kind::grid, ""), rows_(rows), columns_(columns),
+      cells_(static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns), Cell{.text = "", .back = confirmed}),
+      widths_(static_cast<std::size_t>(columns) + 1, default_width),
+      heights_(static_cast<std::size_t>(rows) + 1, default_height) {}
+
+const Grid::Cell& Grid::cell(int row, int column) const {
+    if (row < 1 || row > rows_ || column < 1 || column > columns_) {
+        throw std::out_of_range("cell (" + std::to_string(row) + ", " + std::to_string(column) + ") of " + name());
+    }
+    return cells_[static_cast<std::size_t>((row - 1) * columns_ + column - 1)];
+}
+
+Grid::Cell& Grid::cell(int row, int column) {
+    return const_cast<Cell&>(static_cast<const Grid&>(*this).cell(row, column));
+}
+
+void Grid::announce_cell(int row, int column) {
+    if (batch_ > 0) {
+        dirty_ = true;
+        return;
+    }
+    changed_row_ = row;
+    changed_column_ = column;
+    announce(Property::content);
+}
+
+void Grid::set_cell_text(int row, int column, std::string_view text) {
+    Cell& target = cell(row, column);
+    if (target.text != text) {
+        target.text = text;
+        announce_cell(row, column);
+    }
+    if (cell_changed) {
+        cell_changed(row, column);
+    }
+}
+
+void Grid::set_cell_back(int row, int column, std::optional<Colour> colour) {
+    Cell& target = cell(row, column);
+    if (target.back != colour) {
+        target.back = colour;
+        announce_cell(row, column);
+    }
+}
+
+void Grid::confirm_cell(int row, int column, std::string_view text) {
+    set_cell_text(row, column, text);
+    set_cell_back(row, column, confirmed);
+}
+
+void Grid::set_column_width(int column, int width) {
+    widths_.at(static_cast<std::size_t>(column)) = width;
+    announce(Property::scale);
+}
+
+void Grid::set_row_height(int row, int height) {
+    heights_.at(static_cast<std::size_t>(row)) = height;
+    announce(Property::scale);
+}
+
+void Grid::set_active_cell(int row, int column) {
+    if (row != active_row_ || column != active_column_) {
+        active_row_ = row;
+        active_column_ = column;
+        announce(Property::focus);
+    }
+}
+
+void Grid::end_batch() {
+    if (--batch_ == 0 && dirty_) {
+        dirty_ = false;
+        announce_cell(0, 0);
+    }
+}
+
+} // namespace ecu::platform

@@ -1,0 +1,80 @@
+// A grid of text cells with headers in row 0 and column 0, as the map editors use it. Every write of a cell's text
+// fires `cell_changed`, by the user or by the program; background colours read back as they were set.
+#pragma once
+
+#include "platform/control.h"
+
+#include <vector>
+
+namespace ecu::platform {
+
+enum class MouseButton : std::uint8_t { none = 0, left = 1, right = 2 };
+
+class Grid : public Control {
+public:
+    // Body rows and columns, the headers not counted: Grid(form, "inj_map", 16, 16).
+    Grid(Form& form, std::string_view name, int rows, int columns);
+    int rows() const { return rows_; }
+    int columns() const { return columns_; }
+
+    // Row and column count from 1; anything outside throws std::out_of_range.
+    const std::string& cell_text(int row, int column) const { return cell(row, column).text; }
+    void set_cell_text(int row, int column, std::string_view text); // fires cell_changed
+    std::optional<Colour> cell_back(int row, int column) const { return cell(row, column).back; }
+    void set_cell_back(int row, int column, std::optional<Colour> colour);
+    // Writes the controller's value: text, then the white that the text's own event took away.
+    void confirm_cell(int row, int column, std::string_view text);
+    bool cell_pending(int row, int column) const { return cell_back(row, column) == pending; }
+
+    int column_width(int column) const { return widths_.at(static_cast<std::size_t>(column)); }
+    void set_column_width(int column, int width); // 0 hides the column; column 0 is the header
+    int row_height(int row) const { return heights_.at(static_cast<std::size_t>(row)); }
+    void set_row_height(int row, int height);
+
+    int active_row() const { return active_row_; }
+    int active_column() const { return active_column_; }
+    void set_active_cell(int row, int column);
+    int mouse_row() const { return mouse_row_; } // -1 when outside
+    int mouse_column() const { return mouse_column_; }
+    void set_mouse_cell(int row, int column) {
+        mouse_row_ = row;
+        mouse_column_ = column;
+    }
+
+    // Announcements between these two are one repaint.
+    void begin_batch() { ++batch_; }
+    void end_batch();
+    // Where the last announced change was; row 0 means anywhere.
+    int changed_row() const { return changed_row_; }
+    int changed_column() const { return changed_column_; }
+
+    std::function<void(int row, int column)> cell_changed;
+    std::function<void(KeyPress&)> key_press; // a character typed; code is the character
+    std::function<void(MouseButton)> mouse_down;
+    std::function<void(MouseButton)> mouse_up;
+
+private:
+    struct Cell {
+        std::string text;
+        std::optional<Colour> back;
+    };
+    const Cell& cell(int row, int column) const;
+    Cell& cell(int row, int column);
+    void announce_cell(int row, int column);
+
+    int rows_;
+    int columns_;
+    std::vector<Cell> cells_;
+    std::vector<int> widths_;
+    std::vector<int> heights_;
+    int active_row_ = 1;
+    int active_column_ = 1;
+    int mouse_row_ = -1;
+    int mouse_column_ = -1;
+    int changed_row_ = 0;
+    int changed_column_ = 0;
+    int batch_ = 0;
+    bool dirty_ = false;
+};
+
+} // namespace ecu::platform

@@ -1,0 +1,30 @@
+// Everything that the console asks of the machine it runs on, handed down from the one place that constructs it.
+#pragma once
+
+#include "platform/clock.h"
+#include "platform/datagram_socket.h"
+#include "platform/dialogs.h"
+#include "platform/serial_port.h"
+#include "platform/timers.h"
+#include "platform/waiting.h"
+
+#include <filesystem>
+
+namespace ecu::platform {
+
+struct Ports {
+    const Clock& clock;
+    Waiting& waiting;
+    Timers& timers;
+    Dialogs& dialogs;
+    Program& program;
+    SerialPorts& serial_ports;
+    DatagramSockets& datagram_sockets;
+    std::filesystem::path folder = "."; // the working directory: port.cfg, lambda.txt, OEM.JPG, ...
+
+    float now() const { return clock.seconds_since_midnight(); }
+    float elapsed_since(float start) const { return elapsed_between(start, now()); }
+    void wait_seconds(float seconds) const { platform::wait_seconds(waiting, clock, seconds); }
+};
+
+} // namespace ecu::platform
