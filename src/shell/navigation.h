@@ -1,0 +1,45 @@
+// Opening and leaving views. One view form at a time is in front; its number is current_view, by which the scheduler
+// polls. A view's own menu never opens another view: it sets that view's pending request and closes its form, and the
+// next free tick opens the target, so that no transaction of the closing form is under way.
+#pragma once
+
+#include "link/ecu_comm.h"
+#include "link/link_selection.h"
+
+#include <array>
+
+namespace ecu::shell {
+
+// Which view a request stands for.
+link::View view_of(link::ViewRequest request);
+
+class Navigation {
+public:
+    // `main_form` is FrmEcu, hidden while a view is open.
+    Navigation(const platform::Ports& ports, link::SharedState& state, link::EcuComm& comm,
+               link::LinkSelection& link_selection, platform::Form& main_form);
+
+    // The view exists: its menu item and button open this form. A view never added stays disabled.
+    void add_view(link::View view, platform::Form& form);
+    bool available(link::View view) const;
+    // What the menu item of the main form does: opens the link, reads C where the view's scales need it, sets
+    // current_view, shows the form, hides the main form.
+    void open(link::View view);
+    // Makes a menu item of view `own` lead to another view: sets its pending request and unloads `own`. Disables the
+    // item, with a tool tip saying so, when that view does not exist (called after all add_view calls).
+    void wire_menu(platform::MenuItem& item, link::ViewRequest request, platform::Form& own);
+    // What every view's unloading ends with: current_view becomes none, the form hides, the main form shows.
+    void view_closed(platform::Form& own);
+    // Runs just before the monitor's form is shown.
+    std::function<void()> before_monitor;
+
+private:
+    const platform::Ports& ports_;
+    link::SharedState& state_;
+    link::EcuComm& comm_;
+    link::LinkSelection& link_selection_;
+    platform::Form& main_form_;
+    std::array<platform::Form*, 9> views_{};
+};
+
+} // namespace ecu::shell
