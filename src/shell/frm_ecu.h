@@ -1,0 +1,87 @@
+// The main window: the menus of the whole console and one button per view. It lives for the whole run and hides
+// while a view is open.
+#pragma once
+
+#include "platform/form.h"
+#include "platform/picture.h"
+
+namespace ecu::shell {
+
+struct FrmEcu {
+    platform::Form form{"FrmEcu", "ECU System Console"};
+
+    platform::MenuItem menu_file{form, "menu_file", "&File"};
+    platform::MenuItem menufileopen{menu_file, "menufileopen", "&Open and upload..."};
+    platform::MenuItem menufilesave{menu_file, "menufilesave", "Download and &save..."};
+    platform::MenuItem menu_file_exit{menu_file, "menu_file_exit", "e&xit"};
+
+    platform::MenuItem menuUnits{form, "menuUnits", "&Units"};
+    platform::ControlArray<platform::MenuItem, 5> menuUnitsLambda{menuUnits,
+                                                                  "menuUnitsLambda",
+                                                                  {"Lamba is &1.0", "Lambda is 1&4.7 (Gasoline)",
+                                                                   "Lambda is 9.&0 (Ethanol)", "Lambda is 9.&765 (E85)",
+                                                                   "Lambda is 6.&4 (Methanol)"}};
+    platform::ControlArray<platform::MenuItem, 2> menuUnitsPressure{
+        menuUnits, "menuUnitsPressure", {"Pressure is &Kpa", "Pressure is &PSIG"}};
+
+    platform::MenuItem menu_comm{form, "menu_comm", "&Comm"};
+    platform::MenuItem menu_comm_1{menu_comm, "menu_comm_1", "COM &1"};
+    platform::MenuItem menu_comm_2{menu_comm, "menu_comm_2", "COM &2"};
+    platform::MenuItem menu_comm_3{menu_comm, "menu_comm_3", "COM &3"};
+    platform::MenuItem menu_comm_4{menu_comm, "menu_comm_4", "COM &4"};
+    platform::MenuItem menu_comm_5{menu_comm, "menu_comm_5", "COM &5"};
+    platform::MenuItem menu_comm_6{menu_comm, "menu_comm_6", "COM &6"};
+    platform::MenuItem menu_comm_7{menu_comm, "menu_comm_7", "COM &7"};
+    platform::MenuItem menu_comm_8{menu_comm, "menu_comm_8", "COM &8"};
+    platform::MenuItem menu_comm_9{menu_comm, "menu_comm_9", "COM &9"};
+    platform::MenuItem menu_comm_10{menu_comm, "menu_comm_10", "COM 1&0"};
+    // Element i is port i + 1.
+    std::array<platform::MenuItem *, 10> ports{&menu_comm_1, &menu_comm_2, &menu_comm_3, &menu_comm_4, &menu_comm_5,
+                                               &menu_comm_6, &menu_comm_7, &menu_comm_8, &menu_comm_9, &menu_comm_10};
+
+    platform::MenuItem menu_view{form, "menu_view", "&View"};
+    platform::MenuItem Menu_View_Monitor{menu_view, "Menu_View_Monitor", "&Monitor"};
+    platform::MenuItem menu_view_dashboard{menu_view, "menu_view_dashboard", "&Dashboard"};
+    platform::MenuItem Menu_View_Injection{menu_view, "Menu_View_Injection", "&Config."};
+    platform::MenuItem menu_View_Mapping{menu_view, "menu_View_Mapping", "&Basic Map"};
+    platform::MenuItem menu_view_temperature{menu_view, "menu_view_temperature", "&Additional Map"};
+    platform::MenuItem menu_View_supp{menu_view, "menu_View_supp", "&GPO Drv."};
+    platform::MenuItem menu_View_Plotter{menu_view, "menu_View_Plotter", "&Plotter"};
+    platform::MenuItem menu_view_diagnostic{menu_view, "menu_view_diagnostic", "D&iagnostics"};
+
+    platform::MenuItem menu_tool{form, "menu_tool", "&Tools"};
+    platform::MenuItem menu_tool_flash_utility{menu_tool, "menu_tool_flash_utility", "Flash &Utility"};
+    platform::MenuItem menu_tool_reflash{menu_tool, "menu_tool_reflash", "Prepare to Re-&Flash"};
+    platform::MenuItem menu_tool_reset{menu_tool, "menu_tool_reset", "&Reset"};
+    platform::MenuItem menu_remote_setup{menu_tool, "menu_remote_setup", "&Remote Setup"};
+    platform::MenuItem menu_remote_setup_start_server{menu_remote_setup, "menu_remote_setup_start_server",
+                                                      "Start &server"};
+    platform::MenuItem menu_remote_setup_start_client{menu_remote_setup, "menu_remote_setup_start_client",
+                                                      "Start &client"};
+    platform::MenuItem menu_remote_setup_halt_client{menu_remote_setup, "menu_remote_setup_halt_client",
+                                                     "&Halt client"};
+
+    platform::MenuItem menu_about{form, "menu_about", "&About"};
+
+    platform::Picture Picture1{form, "Picture1"};
+
+    platform::Button Command3d4{form, "Command3d4", "Monitor"};
+    platform::Button Command1{form, "Command1", "Dashboard"};
+    platform::Button Command3d1{form, "Command3d1", "Configuration"};
+    platform::Button Command3d2{form, "Command3d2", "Basic Map"};
+    platform::Button Command3d7{form, "Command3d7", "Additional Map"};
+    platform::Button Command2{form, "Command2", "GPO Drivers"};
+    platform::Button Command3d3{form, "Command3d3", "Plotter"};
+    platform::Button Command3{form, "Command3", "Diagnostics"};
+    platform::Button Command3d6{form, "Command3d6", "About"};
+    platform::Button Command3d5{form, "Command3d5", "Exit"};
+
+    FrmEcu() {
+        menu_file_exit.separator_before = true;
+        menuUnitsPressure[0].separator_before = true;
+        menu_remote_setup.separator_before = true;
+        Command3d5.set_tool_tip("Click to end the program");
+    }
+};
+
+} // namespace ecu::shell
