@@ -1,0 +1,75 @@
+// Diagnostics: firing injector and ignition drivers, capturing the crank wheel, and dyno runs, a tab each. Only
+// controls; the driver tests start locked.
+#pragma once
+
+#include "platform/form.h"
+#include "platform/picture.h"
+
+namespace ecu::diagnostics {
+
+struct FrmDiagnostics {
+    template <std::size_t N> using Buttons = platform::ControlArray<platform::Button, N>;
+    using Channels = platform::ControlArray<platform::CheckBox, 8>;
+
+    static constexpr std::array<std::string_view, 4> tab_captions{"Injector", "Ignition", "Crank Wheel", "Dyno"};
+    static constexpr int dyno_tab = 3; // the only one that is polled
+    static constexpr std::array<std::string_view, 8> channel_captions{
+        "Channel 1", "Channel 2", "Channel 3", "Channel 4", "Channel 5", "Channel 6", "Channel 7", "Channel 8"};
+
+    platform::Form form{"frm_diagnostics", "Diagnostics"};
+
+    platform::MenuItem menufile{form, "menufile", "&File"};
+    platform::MenuItem menufileexit{menufile, "menufileexit", "e&xit"};
+    platform::MenuItem menuupdate{form, "menuupdate", "&Update"};
+    platform::MenuItem menu_mon{form, "menu_mon", "&Monitor"};
+    platform::MenuItem menu_dash{form, "menu_dash", "&Dashboard"};
+    platform::MenuItem menu_tools{form, "menu_tools", "&Config"};
+    platform::MenuItem menu_3d{form, "menu_3d", "&Basic Map"};
+    platform::MenuItem menu_2d{form, "menu_2d", "&Additional Map"};
+    platform::MenuItem menu_sup{form, "menu_sup", "&GPO Drv."};
+    platform::MenuItem menu_plot{form, "menu_plot", "&Plotter"};
+
+    platform::Tabs diags_tab{form, "diags_tab"};
+    platform::Button Command3d2{form, "Command3d2", "Exit"};
+    platform::Label show_demo_mode{form, "show_demo_mode", "DEMO MODE!"};
+
+    // Driver tests: element 0 and the injector boxes on one panel, element 1 and the ignition boxes on the other
+    Buttons<2> Command3{form, "Command3", "Click this button to enable driver diagnostics!"};
+    Channels inj_chan_test{form, "inj_chan_test", channel_captions};
+    Channels ign_chan_test{form, "ign_chan_test", channel_captions};
+    platform::Button Command1{form, "Command1", "Test"};
+    platform::Button Command2{form, "Command2", "Test"};
+
+    // Crank wheel
+    platform::Button arm_capture{form, "arm_capture", "Arm Capture"};
+    platform::Button get_wheel_plot_data{form, "get_wheel_plot_data", "Get Plot"};
+    platform::Button wheel_diag_continuous{form, "wheel_diag_continuous", "Start"};
+    platform::Button wheel_diag_halt{form, "wheel_diag_halt", "Halt"};
+    platform::Picture wheel_speed_plot{form, "wheel_speed_plot"};
+    platform::Label crank_target_rpm{form, "crank_target_rpm", "XXXXX"};
+
+    // Dyno: "Trig RPM" and "End RPM", "Sample rate MS", "Dyno Status", "Samples", "File Name", "Series"
+    platform::ControlArray<platform::TextBox, 2> dyno_trig_rpm{form, "dyno_trig_rpm",
+                                                               std::array<std::string_view, 2>{"2500", "8000"}};
+    platform::TextBox dyno_sample_rate{form, "dyno_sample_rate", "100"};
+    platform::Button dyno_arm{form, "dyno_arm", "ARM DynoBox"};
+    platform::Button dyno_cancel{form, "dyno_cancel", "Cancel"};
+    platform::Label dyno_stat{form, "dyno_stat"};
+    platform::Label dyno_samples{form, "dyno_samples"};
+    platform::Button dyno_plot{form, "dyno_plot", "Plot Last"};
+    platform::Button dyno_ref_file{form, "dyno_ref_file", "Save Ref Plot"};
+    platform::Button dyno_save{form, "dyno_save", "Save"};
+    platform::TextBox dyno_file_name{form, "dyno_file_name", "dyno"};
+    platform::TextBox dyno_series{form, "dyno_series", "001"};
+    platform::Picture dyno_plot_screen{form, "dyno_plot_screen"};
+
+    FrmDiagnostics() {
+        show_demo_mode.set_visible(false);
+        Command1.set_enabled(false);
+        Command2.set_enabled(false);
+        wheel_diag_halt.set_enabled(false);
+        Command3d2.set_tool_tip("Click to exit back to the console");
+    }
+};
+
+} // namespace ecu::diagnostics
