@@ -1,0 +1,171 @@
+#include "support/sim_desktop.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+
+namespace ecu::test {
+
+namespace {
+
+constexpr double longest_modal_seconds = 60; // that a form may stay open after the user's action
+
+platform::Answer safe_answer(platform::Buttons buttons) {
+    switch (buttons) {
+    case platform::Buttons::ok:
+        return platform::Answer::ok;
+    case platform::Buttons::yes_no:
+        return platform::Answer::no;
+    case platform::Buttons::ok_cancel:
+    case platform::Buttons::yes_no_cancel:
+        return platform::Answer::cancel;
+    }
+    return platform::Answer::cancel;
+}
+
+} // namespace
+
+SimDesktop::SimDesktop() {
+    std::string name = (std::filesystem::temp_directory_path() / "ecu-test-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) {
+        throw std::runtime_error("no temporary folder " + name);
+    }
+    folder_ = name;
+}
+
+SimDesktop::~SimDesktop() {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder_, ignored);
+    for (const BoxAnswer &answer : answers_) {
+        ADD_FAILURE() << "no message box asked for the answer to: " << answer.text;
+    }
+    for (const std::string &file : files_) {
+        ADD_FAILURE() << "no file dialog asked for: " << file;
+    }
+    for (const auto &[form, actions] : modal_actions_) {
+        EXPECT_TRUE(actions.empty()) << "the modal form never came: " << form;
+    }
+}
+
+void SimDesktop::write_file(std::string_view name, std::string_view text) const {
+    std::ofstream(folder_ / name, std::ios::binary) << text;
+}
+
+std::string SimDesktop::read_file(std::string_view name) const {
+    std::ifstream file(folder_ / name, std::ios::binary);
+    EXPECT_TRUE(file.is_open()) << "there is no file " << name;
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+SimSerialLine &SimDesktop::line(std::size_t i) {
+    while (lines_.size() <= i) {
+        lines_.emplace_back(*this);
+    }
+    return lines_[i];
+}
+
+std::unique_ptr<platform::SerialPort> SimDesktop::make_serial_port() {
+    return std::make_unique<SimSerialPort>(line(ports_made_++));
+}
+
+void SimDesktop::answer_box(std::string text, platform::Answer answer, double seconds_open) {
+    answers_.push_back({std::move(text), answer, seconds_open});
+}
+
+std::vector<std::string> SimDesktop::box_texts() const {
+    std::vector<std::string> texts;
+    std::ranges::transform(boxes_, std::back_inserter(texts), &platform::MessageBox::text);
+    return texts;
+}
+
+platform::Answer SimDesktop::message_box(const platform::MessageBox &box) {
+    boxes_.push_back(box);
+    const auto scripted =
+        std::ranges::find_if(answers_, [&](const BoxAnswer &a) { return box.text.find(a.text) != std::string::npos; });
+    if (scripted == answers_.end()) {
+        ADD_FAILURE() << "unexpected message box: " << box.text;
+        return safe_answer(box.buttons);
+    }
+    const BoxAnswer chosen = *scripted;
+    answers_.erase(scripted);
+    if (chosen.seconds_open > 0) {
+        run_for(chosen.seconds_open);
+    }
+    return chosen.answer;
+}
+
+std::string SimDesktop::next_file(const platform::FileDialog &dialog) {
+    file_dialogs_.push_back(dialog);
+    if (files_.empty()) {
+        ADD_FAILURE() << "unexpected file dialog: " << dialog.title;
+        return "";
+    }
+    const std::string file = files_.front();
+    files_.pop_front();
+    return file;
+}
+
+void SimDesktop::form_shown(platform::Form &form) {
+    shown_.push_back(form.name());
+    post([&form] { form.activate(); });
+}
+
+void SimDesktop::on_modal(const std::string &form, std::function<void(platform::Form &)> action) {
+    modal_actions_[form].push_back(std::move(action));
+}
+
+void SimDesktop::run_modal(platform::Form &form) {
+    form_shown(form);
+    process_events();
+    if (!form.visible()) {
+        return; // it closed itself
+    }
+    auto &actions = modal_actions_[form.name()];
+    if (actions.empty()) {
+        ADD_FAILURE() << "unexpected modal form: " << form.name();
+        form.hide();
+        return;
+    }
+    const auto action = std::move(actions.front());
+    actions.pop_front();
+    action(form);
+    await_hidden(form);
+}
+
+void SimDesktop::await_hidden(platform::Form &form) {
+    if (!run_until([&form] { return !form.visible(); }, longest_modal_seconds)) {
+        ADD_FAILURE() << "the modal form stayed open: " << form.name();
+        form.hide();
+    }
+}
+
+void SimDesktop::control_changed(platform::Control &control, platform::Property property) {
+    ++changes_[&control][property];
+}
+
+int SimDesktop::changes(const std::string &form, const std::string &control) const {
+    int count = 0;
+    for (const auto &[changed, properties] : changes_) {
+        if (changed->form().name() == form && changed->full_name() == control) {
+            for (const auto &[property, times] : properties) {
+                count += times;
+            }
+        }
+    }
+    return count;
+}
+
+int SimDesktop::changes(const std::string &form, const std::string &control, platform::Property property) const {
+    int count = 0;
+    for (const auto &[changed, properties] : changes_) {
+        if (changed->form().name() == form && changed->full_name() == control && properties.contains(property)) {
+            count += properties.at(property);
+        }
+    }
+    return count;
+}
+
+} // namespace ecu::test

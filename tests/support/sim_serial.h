@@ -1,0 +1,80 @@
+// A simulated serial line: one end is the SerialPort that the console opens, the other the peer of the test.
+// Lines exist before and after the port that uses them, so a peer can be joined at any time.
+#pragma once
+
+#include "platform/serial_port.h"
+#include "support/sim_events.h"
+
+#include <deque>
+#include <map>
+
+namespace ecu::test {
+
+using Bytes = std::vector<std::uint8_t>;
+
+class SimSerialLine {
+public:
+    explicit SimSerialLine(SimEvents &events) : events_(events) {}
+    SimSerialLine(const SimSerialLine &) = delete;
+    SimSerialLine &operator=(const SimSerialLine &) = delete;
+
+    // Gets the bytes of each write when its last one has left the wire.
+    std::function<void(std::span<const std::uint8_t>)> peer;
+    // 10 bits a byte in both directions; 0, the start value, is no wire time.
+    void pace(int baud) { pace_ = baud; }
+    // Bytes for the console. They come as events, after what is on the wire already; lost when the port is closed.
+    void receive(std::span<const std::uint8_t> bytes, double after_seconds = 0);
+    void fail_open(int number, std::string reason) { failures_[number] = std::move(reason); }
+    void mend(int number) { failures_.erase(number); }
+
+    bool is_open() const { return open_; }
+    int number() const { return number_; }
+    int baud() const { return baud_; }
+    const std::vector<int> &tried() const { return tried_; } // port numbers in the order of open calls
+    const Bytes &written() const { return written_; }        // everything since the start or clear_written
+    void clear_written() { written_.clear(); }
+
+    // The console's side.
+    std::string open(int number, int baud);
+    void close();
+    void write(std::span<const std::uint8_t> bytes);
+    std::size_t available() const { return input_.size(); }
+    Bytes read(std::size_t at_most);
+    std::size_t output_pending() const;
+    void drain_output(int milliseconds);
+
+private:
+    Microseconds byte_time() const { return pace_ > 0 ? 10'000'000 / pace_ : 0; }
+
+    SimEvents &events_;
+    int pace_ = 0;
+    bool open_ = false;
+    int number_ = 0;
+    int baud_ = 0;
+    int opening_ = 0; // counts open and close, so that bytes of an earlier opening are known
+    std::map<int, std::string> failures_;
+    std::vector<int> tried_;
+    Bytes written_;
+    std::deque<std::uint8_t> input_;
+    Microseconds input_free_ = 0;  // when the wire towards the console is free
+    Microseconds output_free_ = 0; // when the wire towards the peer is free
+};
+
+class SimSerialPort final : public platform::SerialPort {
+public:
+    explicit SimSerialPort(SimSerialLine &line) : line_(line) {}
+    std::string open(int number, int baud) override { return line_.open(number, baud); }
+    void close() override { line_.close(); }
+    bool is_open() const override { return line_.is_open(); }
+    void write(std::span<const std::uint8_t> bytes) override { line_.write(bytes); }
+    std::size_t available() const override { return line_.available(); }
+    Bytes read(std::size_t at_most) override { return line_.read(at_most); }
+    std::size_t output_pending() const override { return line_.output_pending(); }
+    void drain_output(int milliseconds) override { line_.drain_output(milliseconds); }
+    std::string device_of(int number) const override { return "/dev/sim" + std::to_string(number); }
+
+private:
+    SimSerialLine &line_;
+};
+
+} // namespace ecu::test
