@@ -35,26 +35,26 @@ enum class ViewRequest : std::uint8_t {
 
 struct SharedState {
     // Link
-    bool demo_mode = false;        // no controller; there is no way back inside a run
-    bool comm_aborted = false;     // the user chose "Abort"; cleared when the link is opened again
-    bool comm_ready = false;       // the link is open or demo mode is settled
+    bool demo_mode = false;    // no controller; there is no way back inside a run
+    bool comm_aborted = false; // the user chose "Abort"; cleared when the link is opened again
+    bool comm_ready = false;   // the link is open or demo mode is settled
     std::int16_t comm_link_opened = 0;
     std::int16_t comm_port_number = 0;
-    std::string link_title_suffix; // " ->COM3", behind the title of every view
-    std::string remote_server_ip;  // empty for the serial port
-    bool remote_answering = false; // the last remote receive saw more than one byte
-    bool reply_accepted = false;   // a decoder recognised the reply of the last try
-    bool reset_comm_watch = false; // the next look at the activity watch counts as none elapsed
+    std::string link_title_suffix;               // " ->COM3", behind the title of every view
+    std::string remote_server_ip;                // empty for the serial port
+    bool remote_answering = false;               // the last remote receive saw more than one byte
+    bool reply_accepted = false;                 // a decoder recognised the reply of the last try
+    bool reset_comm_watch = false;               // the next look at the activity watch counts as none elapsed
     std::array<std::int32_t, 2> tx_byte_count{}; // 0 since start, 1 since the last calibration transfer began
     std::array<std::int32_t, 2> rx_byte_count{};
-    float last_activity_time = 0;  // seconds since midnight
+    float last_activity_time = 0; // seconds since midnight
     float last_reply_time = 0;
     std::array<float, 16> reply_intervals{}; // seconds, the newest last
-    std::string failed_frame_text; // "Buffer = 02 08 ... Cnt = n" of the last message that failed ten times
+    std::string failed_frame_text;           // "Buffer = 02 08 ... Cnt = n" of the last message that failed ten times
 
     // Views
     View current_view = View::none;
-    bool polling_paused = false;   // a screen runs a sequence of its own; the scheduler stays out
+    bool polling_paused = false; // a screen runs a sequence of its own; the scheduler stays out
     bool capabilities_loaded = false;
     bool first_tick_pending = false;
     std::array<bool, 8> pending_view_request{};
