@@ -236,6 +236,8 @@ private:
 class Shape : public Control {
 public:
     Shape(Form& form, std::string_view name, int index = -1) : Control(form, name, index, Kind::shape, "") {}
+    Shape(Form& form, std::string_view name, std::string_view text, int index)
+        : Control(form, name, index, Kind::shape, text) {}
     float left() const { return left_; }
     float top() const { return top_; }
     float width() const { return width_; }
