@@ -20,14 +20,14 @@ constexpr float quiet_link_seconds = 2.0F;
 constexpr float widest_interval_shown = 9999.9F; // ms
 
 // Both counters, held at the top of their range.
-void count_bytes(std::array<std::int32_t, 2> &counters, std::size_t bytes) {
-    for (std::int32_t &counter : counters) {
+void count_bytes(std::array<std::int32_t, 2>& counters, std::size_t bytes) {
+    for (std::int32_t& counter : counters) {
         const std::size_t room = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max() - counter);
         counter += static_cast<std::int32_t>(std::min(bytes, room));
     }
 }
 
-std::string failed_frame(const Request &frame, std::size_t last_count) {
+std::string failed_frame(const Request& frame, std::size_t last_count) {
     constexpr std::string_view digits = "0123456789ABCDEF";
     std::string text = "Buffer = ";
     for (const std::uint8_t byte : frame) {
@@ -39,27 +39,27 @@ std::string failed_frame(const Request &frame, std::size_t last_count) {
 // Counts how deep transactions are nested, also when the program is ended out of one.
 class Nesting {
 public:
-    explicit Nesting(int &depth) : depth_(depth) { ++depth_; }
+    explicit Nesting(int& depth) : depth_(depth) { ++depth_; }
     ~Nesting() { --depth_; }
-    Nesting(const Nesting &) = delete;
-    Nesting &operator=(const Nesting &) = delete;
+    Nesting(const Nesting&) = delete;
+    Nesting& operator=(const Nesting&) = delete;
 
 private:
-    int &depth_;
+    int& depth_;
 };
 
 } // namespace
 
-EcuComm::EcuComm(const platform::Ports &ports, SharedState &state, platform::SerialPort &comm1,
-                 platform::DatagramSocket &outgoing_sock, FrmDialog &dialog, FrmRetries &retries,
-                 platform::Label &group_delay)
+EcuComm::EcuComm(const platform::Ports& ports, SharedState& state, platform::SerialPort& comm1,
+                 platform::DatagramSocket& outgoing_sock, FrmDialog& dialog, FrmRetries& retries,
+                 platform::Label& group_delay)
     : ports_(ports), state_(state), comm1_(comm1), outgoing_sock_(outgoing_sock), dialog_(dialog), retries_(retries),
       group_delay_(group_delay) {}
 
 // Everything that one transaction works on is on its own stack, so that a transaction started by an event inside
 // this one's waits takes bytes from it at worst: both then try again, up to their ten times. A pile of them, as a
 // key held down on a dead link makes, is cut off before it can fill the stack.
-void EcuComm::send_ecu_message(const Message &message, std::int16_t &expected_length) {
+void EcuComm::send_ecu_message(const Message& message, std::int16_t& expected_length) {
     if (state_.comm_aborted || state_.demo_mode || !state_.comm_ready) {
         return;
     }
@@ -108,7 +108,7 @@ void EcuComm::drain_input() {
     }
 }
 
-void EcuComm::write_and_wait(const Request &frame, int wanted_count) {
+void EcuComm::write_and_wait(const Request& frame, int wanted_count) {
     const bool over_network = remote();
     if (over_network) {
         // The far end is told how many bytes to wait for.
@@ -151,9 +151,9 @@ bool EcuComm::receive_ecu_reply() {
 }
 
 // All decoders see every reply; each does nothing for a code that is not its own.
-bool EcuComm::offer_to_decoders(const Reply &reply, int payload_count) {
+bool EcuComm::offer_to_decoders(const Reply& reply, int payload_count) {
     bool accepted = false;
-    for (const Decoder &decode : decoders_) {
+    for (const Decoder& decode : decoders_) {
         ports_.waiting.process_events();
         state_.reply_accepted = false;
         if (decode) {
@@ -168,7 +168,7 @@ void EcuComm::note_reply_interval() {
     const float now = ports_.now();
     const float interval = std::max(0.0F, platform::elapsed_between(state_.last_reply_time, now));
     state_.last_reply_time = now;
-    auto &intervals = state_.reply_intervals;
+    auto& intervals = state_.reply_intervals;
     float sum = 0;
     for (std::size_t i = 0; i + 1 < intervals.size(); ++i) {
         intervals[i] = intervals[i + 1];

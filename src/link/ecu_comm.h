@@ -19,7 +19,7 @@ namespace ecu::link {
 // Command byte and up to three argument bytes; positions not supplied travel as the ASCII digit "0".
 using Message = std::vector<std::uint8_t>;
 // Called with the reply and its payload_count, the frame's length without the two checksum bytes.
-using Decoder = std::function<void(const Reply &reply, int payload_count)>;
+using Decoder = std::function<void(const Reply& reply, int payload_count)>;
 
 struct FrmDialog;
 struct FrmRetries;
@@ -27,9 +27,9 @@ struct FrmRetries;
 class EcuComm {
 public:
     // `group_delay` is the monitor's label of the mean reply interval.
-    EcuComm(const platform::Ports &ports, SharedState &state, platform::SerialPort &comm1,
-            platform::DatagramSocket &outgoing_sock, FrmDialog &dialog, FrmRetries &retries,
-            platform::Label &group_delay);
+    EcuComm(const platform::Ports& ports, SharedState& state, platform::SerialPort& comm1,
+            platform::DatagramSocket& outgoing_sock, FrmDialog& dialog, FrmRetries& retries,
+            platform::Label& group_delay);
 
     void set_decoders(std::array<Decoder, 3> decoders) { decoders_ = std::move(decoders); }
 
@@ -37,8 +37,8 @@ public:
     // let through, and stays raised for the caller. Returns at once in demo mode, after "Abort", and before the
     // link is open. Success is SharedState::reply_accepted. May be called again from an event handled inside its
     // own waits; the 16th of such a pile of messages is dropped.
-    void send_ecu_message(const Message &message, std::int16_t &expected_length);
-    void send_ecu_message(const Message &message, int expected_length) {
+    void send_ecu_message(const Message& message, std::int16_t& expected_length);
+    void send_ecu_message(const Message& message, int expected_length) {
         auto length = static_cast<std::int16_t>(expected_length);
         send_ecu_message(message, length);
     }
@@ -49,20 +49,20 @@ private:
     bool remote() const { return !state_.remote_server_ip.empty(); }
     std::size_t receive_count() const;
     void drain_input();
-    void write_and_wait(const Request &frame, int wanted_count);
+    void write_and_wait(const Request& frame, int wanted_count);
     bool receive_ecu_reply();
-    bool offer_to_decoders(const Reply &reply, int payload_count);
+    bool offer_to_decoders(const Reply& reply, int payload_count);
     void note_reply_interval();
     void watch_activity();
     void ask_after_failure();
 
-    const platform::Ports &ports_;
-    SharedState &state_;
-    platform::SerialPort &comm1_;
-    platform::DatagramSocket &outgoing_sock_;
-    FrmDialog &dialog_;
-    FrmRetries &retries_;
-    platform::Label &group_delay_;
+    const platform::Ports& ports_;
+    SharedState& state_;
+    platform::SerialPort& comm1_;
+    platform::DatagramSocket& outgoing_sock_;
+    FrmDialog& dialog_;
+    FrmRetries& retries_;
+    platform::Label& group_delay_;
     std::array<Decoder, 3> decoders_;
     int depth_ = 0;
 };

@@ -59,7 +59,7 @@ std::vector<std::uint8_t> build_reply(std::uint8_t code, std::span<const std::ui
     return frame;
 }
 
-ReplyCheck check_reply(const Reply &reply, std::size_t count) {
+ReplyCheck check_reply(const Reply& reply, std::size_t count) {
     if (count <= 1) {
         return {.fault = FrameFault::too_short};
     }

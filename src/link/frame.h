@@ -50,6 +50,6 @@ struct ReplyCheck {
 };
 
 // `count` is the number of bytes received, which may be more than `reply` holds. The start byte is not tested.
-ReplyCheck check_reply(const Reply &reply, std::size_t count);
+ReplyCheck check_reply(const Reply& reply, std::size_t count);
 
 } // namespace ecu::link

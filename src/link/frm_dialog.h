@@ -18,7 +18,7 @@ struct FrmDialog {
     platform::ControlArray<platform::Button, 4> dialog_button{form, "dialog_button"};
 
     FrmDialog() {
-        for (platform::Button &button : dialog_button) {
+        for (platform::Button& button : dialog_button) {
             button.clicked = [this, &button] { answer(button.index()); };
         }
         form.on_close = [this] { answer(0); };
@@ -26,7 +26,7 @@ struct FrmDialog {
 
     // Shows the form until the user answers; a button with an empty caption is hidden. No value when the form is up
     // already: a second question can only come from an event handled behind the first, and must not change it.
-    std::optional<int> ask(std::string_view text, const std::array<std::string_view, 4> &captions,
+    std::optional<int> ask(std::string_view text, const std::array<std::string_view, 4>& captions,
                            std::string_view reason = "") {
         if (form.visible()) {
             return std::nullopt;

@@ -8,7 +8,7 @@ constexpr float tick_seconds = 0.25F;
 constexpr float lifetime_seconds = 2.0F;
 } // namespace
 
-FrmRetries::FrmRetries(platform::Timers &timers) : timer_(timers.make_timer(tick_ms)) {
+FrmRetries::FrmRetries(platform::Timers& timers) : timer_(timers.make_timer(tick_ms)) {
     timer_->on_tick = [this] { count_up(); };
     form.on_load = [this] {
         counter_ = 0;

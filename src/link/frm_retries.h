@@ -16,7 +16,7 @@ struct FrmRetries {
     platform::Label retries_label{form, "retries_label", "Comm Retries"};
     platform::Label retries{form, "retries"};
 
-    explicit FrmRetries(platform::Timers &timers);
+    explicit FrmRetries(platform::Timers& timers);
     void write_retries(std::string_view count);
 
 private:

@@ -14,17 +14,17 @@ namespace ecu::link {
 
 namespace {
 
-constexpr const char *port_file = "port.cfg";
+constexpr const char* port_file = "port.cfg";
 
 // "port.cfg in /home/me/session": a file and its folder as the messages name them.
-std::string named(const platform::Ports &ports) {
+std::string named(const platform::Ports& ports) {
     std::error_code ignored;
     const auto folder = std::filesystem::absolute(ports.folder, ignored).lexically_normal();
     return std::string(port_file) + " in the folder " + folder.string();
 }
 
 // The first number of the file is all it holds; any longer text is not looked at.
-std::string start_of(std::ifstream &file) {
+std::string start_of(std::ifstream& file) {
     std::string text(64, '\0');
     file.read(text.data(), static_cast<std::streamsize>(text.size()));
     text.resize(static_cast<std::size_t>(file.gcount()));
@@ -33,8 +33,8 @@ std::string start_of(std::ifstream &file) {
 
 } // namespace
 
-LinkSelection::LinkSelection(const platform::Ports &ports, SharedState &state, platform::SerialPort &comm1,
-                             FrmDialog &dialog, platform::Form &main_form)
+LinkSelection::LinkSelection(const platform::Ports& ports, SharedState& state, platform::SerialPort& comm1,
+                             FrmDialog& dialog, platform::Form& main_form)
     : ports_(ports), state_(state), comm1_(comm1), dialog_(dialog), main_form_(main_form) {}
 
 void LinkSelection::open_comm_link() {
@@ -66,7 +66,7 @@ void LinkSelection::open_comm_link() {
     state_.comm_ready = true;
 }
 
-void LinkSelection::no_port(const std::string &reason) {
+void LinkSelection::no_port(const std::string& reason) {
     const std::string text =
         "No COM port found for COM" + std::to_string(state_.comm_port_number) + ".  Choose and option below.";
     const std::optional<int> answer = dialog_.ask(text, {"Exit", "Demo", "", ""}, reason);
@@ -76,7 +76,7 @@ void LinkSelection::no_port(const std::string &reason) {
         state_.comm_ready = true;
     } else if (answer == 0) {
         std::string list;
-        for (const std::string &port : list_serial_ports()) {
+        for (const std::string& port : list_serial_ports()) {
             list += list.empty() ? port : "\n" + port;
         }
         ports_.dialogs.say(list);

@@ -14,8 +14,8 @@ inline constexpr int controller_baud = 38400;
 class LinkSelection {
 public:
     // `main_form` is FrmEcu, whose caption shows the port.
-    LinkSelection(const platform::Ports &ports, SharedState &state, platform::SerialPort &comm1, FrmDialog &dialog,
-                  platform::Form &main_form);
+    LinkSelection(const platform::Ports& ports, SharedState& state, platform::SerialPort& comm1, FrmDialog& dialog,
+                  platform::Form& main_form);
 
     // Safe to call when the link is already open; clears "Abort".
     void open_comm_link();
@@ -27,13 +27,13 @@ public:
     std::array<std::string, 16> list_serial_ports();
 
 private:
-    void no_port(const std::string &reason);
+    void no_port(const std::string& reason);
 
-    const platform::Ports &ports_;
-    SharedState &state_;
-    platform::SerialPort &comm1_;
-    FrmDialog &dialog_;
-    platform::Form &main_form_;
+    const platform::Ports& ports_;
+    SharedState& state_;
+    platform::SerialPort& comm1_;
+    FrmDialog& dialog_;
+    platform::Form& main_form_;
 };
 
 } // namespace ecu::link

@@ -6,7 +6,7 @@
 
 namespace ecu::platform {
 
-std::string replace_file(const std::filesystem::path &path, std::string_view text) {
+std::string replace_file(const std::filesystem::path& path, std::string_view text) {
     std::filesystem::path beside = path;
     beside += ".new";
     std::error_code failure;

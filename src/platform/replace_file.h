@@ -9,6 +9,6 @@
 namespace ecu::platform {
 
 // Returns an empty text, or the reason why the file could not be written. Line ends are written as given.
-std::string replace_file(const std::filesystem::path &path, std::string_view text);
+std::string replace_file(const std::filesystem::path& path, std::string_view text);
 
 } // namespace ecu::platform
