@@ -1,0 +1,16 @@
+#include "desktop/adapters/qt_program.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace ecu::desktop {
+
+void QtProgram::end(int status) {
+    if (before_end) {
+        before_end();
+    }
+    std::fflush(nullptr);
+    std::_Exit(status);
+}
+
+} // namespace ecu::desktop

@@ -1,0 +1,14 @@
+// Timers on Qt's event loop, precise to the millisecond because they pace polling and logging.
+#pragma once
+
+#include "platform/timers.h"
+
+namespace ecu::desktop {
+
+class QtTimers final : public platform::Timers {
+public:
+    std::unique_ptr<platform::Timer> make_timer(int interval_ms) override;
+    void post(std::function<void()> action) override;
+};
+
+} // namespace ecu::desktop
