@@ -1,0 +1,33 @@
+// The windows of the forms: one function each, in a file of its own. QtHost::add takes them, so that a window is
+// built when its form first shows.
+#pragma once
+
+#include "desktop/form_window.h"
+
+#include <memory>
+
+namespace ecu::link {
+struct FrmDialog;
+struct FrmRetries;
+} // namespace ecu::link
+namespace ecu::calibration {
+struct FrmWait;
+}
+namespace ecu::shell {
+struct FrmEcu;
+struct FrmAbout;
+} // namespace ecu::shell
+namespace ecu::views {
+struct FrmMon;
+}
+
+namespace ecu::desktop {
+
+std::unique_ptr<FormWindow> make_frm_ecu_window(shell::FrmEcu& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_about_window(shell::FrmAbout& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_dialog_window(link::FrmDialog& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_retries_window(link::FrmRetries& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_wait_window(calibration::FrmWait& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_mon_window(views::FrmMon& form, QtHost& host);
+
+} // namespace ecu::desktop
