@@ -1,4 +1,4 @@
-// A chart recorder: up to 21 channels, each fed with fractions of full scale (1.0 is the top), with a colour and an
+// A chart recorder: a number of channels, each fed with fractions of full scale (1.0 is the top), with a colour and an
 // enable of its own, and text stamps at a height. It holds no history: the desktop that draws it keeps what it shows.
 #pragma once
 
@@ -14,30 +14,42 @@ public:
     struct Channel {
         Colour colour;
         bool enabled = false;
-        std::string caption;
+        // For reading off: a fraction stands for offset + fraction * span of this quantity.
+        std::string caption = {};
+        std::string unit = {};
+        float offset = 0;
+        float span = 1;
+        int decimals = 0;
+        friend bool operator==(const Channel&, const Channel&) = default;
     };
     struct Sample {
-        double time = 0;               // seconds since midnight at the sample
-        std::vector<float> fractions;  // one per channel
-        std::vector<double> values;    // the same in the channel's own units, for reading off
+        float time = 0;                   // seconds since midnight
+        std::span<const float> fractions; // one per channel, valid during the call
     };
     StripChart(Form& form, std::string_view name, std::size_t channels)
         : Control(form, name, -1, Kind::strip_chart, ""), channels_(channels) {}
 
     const std::vector<Channel>& channels() const { return channels_; }
     void set_channel(std::size_t i, const Channel& channel) {
-        channels_.at(i) = channel;
-        announce(Property::scale);
+        if (!(channels_.at(i) == channel)) {
+            channels_[i] = channel;
+            announce(Property::scale);
+        }
     }
-    void set_enabled_channel(std::size_t i, bool enabled) {
-        channels_.at(i).enabled = enabled;
-        announce(Property::scale);
+    void set_channel_enabled(std::size_t i, bool enabled) {
+        if (channels_.at(i).enabled != enabled) {
+            channels_[i].enabled = enabled;
+            announce(Property::scale);
+        }
     }
-    double seconds_shown() const { return seconds_shown_; } // width of the time window
+    double seconds_shown() const { return seconds_shown_; } // width of the scrolling window
     void set_seconds_shown(double seconds) {
-        seconds_shown_ = seconds;
-        announce(Property::scale);
+        if (seconds_shown_ != seconds) {
+            seconds_shown_ = seconds;
+            announce(Property::scale);
+        }
     }
+    // Samples come too fast to be announced one by one to the host; they go straight to what draws them, if anything.
     void add_sample(const Sample& sample) {
         if (on_sample) {
             on_sample(sample);
@@ -49,7 +61,7 @@ public:
         }
     }
 
-    // Set by the desktop.
+    // Set by the desktop. A stamp belongs to the present moment; `height` is a fraction of full scale.
     std::function<void(const Sample&)> on_sample;
     std::function<void(std::string_view text, float height)> on_stamp;
     // Called by the desktop for a left click on the chart.
