@@ -34,7 +34,7 @@ Request request_frame(Bytes message) {
     return frame;
 }
 
-ScriptedController::ScriptedController(SimEvents &events, SimSerialLine &line) : events_(events), line_(line) {
+ScriptedController::ScriptedController(SimEvents& events, SimSerialLine& line) : events_(events), line_(line) {
     line_.peer = [this](std::span<const std::uint8_t> bytes) { take(bytes); };
 }
 
@@ -51,7 +51,7 @@ void ScriptedController::take(std::span<const std::uint8_t> bytes) {
     }
 }
 
-void ScriptedController::answer(const Request &request) {
+void ScriptedController::answer(const Request& request) {
     const auto fixed = fixed_.find(request[2]);
     Bytes reply = fixed != fixed_.end() ? fixed->second : responder ? responder(request) : Bytes{};
     if (silent_ || reply.empty()) {
@@ -70,7 +70,7 @@ void ScriptedController::answer(const Request &request) {
 
 std::string ScriptedController::sent_codes() const {
     std::string codes;
-    for (const Request &request : sent_) {
+    for (const Request& request : sent_) {
         codes.push_back(static_cast<char>(request[2]));
     }
     return codes;
@@ -78,7 +78,7 @@ std::string ScriptedController::sent_codes() const {
 
 std::vector<Bytes> ScriptedController::messages() const {
     std::vector<Bytes> messages;
-    for (const Request &request : sent_) {
+    for (const Request& request : sent_) {
         messages.emplace_back(request.begin() + 2, request.begin() + 6);
     }
     return messages;
@@ -86,7 +86,7 @@ std::vector<Bytes> ScriptedController::messages() const {
 
 std::size_t ScriptedController::count(std::uint8_t code) const {
     return static_cast<std::size_t>(
-        std::ranges::count_if(sent_, [&](const Request &request) { return request[2] == code; }));
+        std::ranges::count_if(sent_, [&](const Request& request) { return request[2] == code; }));
 }
 
 } // namespace ecu::test

@@ -18,13 +18,13 @@ Request request_frame(Bytes message);
 
 class ScriptedController {
 public:
-    ScriptedController(SimEvents &events, SimSerialLine &line);
-    ScriptedController(const ScriptedController &) = delete;
-    ScriptedController &operator=(const ScriptedController &) = delete;
+    ScriptedController(SimEvents& events, SimSerialLine& line);
+    ScriptedController(const ScriptedController&) = delete;
+    ScriptedController& operator=(const ScriptedController&) = delete;
     ~ScriptedController() { line_.peer = nullptr; }
 
     // Reply bytes for a request that reply_to does not cover; empty for none. Unset: silence.
-    std::function<Bytes(const Request &)> responder;
+    std::function<Bytes(const Request&)> responder;
     // The same reply to every request of the code of this frame (made by reply_frame).
     void reply_to(std::uint8_t code, Bytes frame) { fixed_[code] = std::move(frame); }
     void set_reply_delay(double seconds) { reply_delay_ = seconds; } // of every reply; 2 ms unless told
@@ -38,7 +38,7 @@ public:
     void silence() { silent_ = true; } // until speak()
     void speak() { silent_ = false; }
 
-    const std::vector<Request> &sent() const { return sent_; }
+    const std::vector<Request>& sent() const { return sent_; }
     std::string sent_codes() const; // the command bytes in order, as characters
     // Each request's command and three arguments.
     std::vector<Bytes> messages() const;
@@ -47,10 +47,10 @@ public:
 
 private:
     void take(std::span<const std::uint8_t> bytes);
-    void answer(const Request &request);
+    void answer(const Request& request);
 
-    SimEvents &events_;
-    SimSerialLine &line_;
+    SimEvents& events_;
+    SimSerialLine& line_;
     Bytes partial_;
     std::vector<Request> sent_;
     std::map<std::uint8_t, Bytes> fixed_;

@@ -39,13 +39,13 @@ SimDesktop::SimDesktop() {
 SimDesktop::~SimDesktop() {
     std::error_code ignored;
     std::filesystem::remove_all(folder_, ignored);
-    for (const BoxAnswer &answer : answers_) {
+    for (const BoxAnswer& answer : answers_) {
         ADD_FAILURE() << "no message box asked for the answer to: " << answer.text;
     }
-    for (const std::string &file : files_) {
+    for (const std::string& file : files_) {
         ADD_FAILURE() << "no file dialog asked for: " << file;
     }
-    for (const auto &[form, actions] : modal_actions_) {
+    for (const auto& [form, actions] : modal_actions_) {
         EXPECT_TRUE(actions.empty()) << "the modal form never came: " << form;
     }
 }
@@ -60,7 +60,7 @@ std::string SimDesktop::read_file(std::string_view name) const {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-SimSerialLine &SimDesktop::line(std::size_t i) {
+SimSerialLine& SimDesktop::line(std::size_t i) {
     while (lines_.size() <= i) {
         lines_.emplace_back(*this);
     }
@@ -81,10 +81,10 @@ std::vector<std::string> SimDesktop::box_texts() const {
     return texts;
 }
 
-platform::Answer SimDesktop::message_box(const platform::MessageBox &box) {
+platform::Answer SimDesktop::message_box(const platform::MessageBox& box) {
     boxes_.push_back(box);
     const auto scripted =
-        std::ranges::find_if(answers_, [&](const BoxAnswer &a) { return box.text.find(a.text) != std::string::npos; });
+        std::ranges::find_if(answers_, [&](const BoxAnswer& a) { return box.text.find(a.text) != std::string::npos; });
     if (scripted == answers_.end()) {
         ADD_FAILURE() << "unexpected message box: " << box.text;
         return safe_answer(box.buttons);
@@ -97,7 +97,7 @@ platform::Answer SimDesktop::message_box(const platform::MessageBox &box) {
     return chosen.answer;
 }
 
-std::string SimDesktop::next_file(const platform::FileDialog &dialog) {
+std::string SimDesktop::next_file(const platform::FileDialog& dialog) {
     file_dialogs_.push_back(dialog);
     if (files_.empty()) {
         ADD_FAILURE() << "unexpected file dialog: " << dialog.title;
@@ -108,22 +108,22 @@ std::string SimDesktop::next_file(const platform::FileDialog &dialog) {
     return file;
 }
 
-void SimDesktop::form_shown(platform::Form &form) {
+void SimDesktop::form_shown(platform::Form& form) {
     shown_.push_back(form.name());
     post([&form] { form.activate(); });
 }
 
-void SimDesktop::on_modal(const std::string &form, std::function<void(platform::Form &)> action) {
+void SimDesktop::on_modal(const std::string& form, std::function<void(platform::Form&)> action) {
     modal_actions_[form].push_back(std::move(action));
 }
 
-void SimDesktop::run_modal(platform::Form &form) {
+void SimDesktop::run_modal(platform::Form& form) {
     form_shown(form);
     process_events();
     if (!form.visible()) {
         return; // it closed itself
     }
-    auto &actions = modal_actions_[form.name()];
+    auto& actions = modal_actions_[form.name()];
     if (actions.empty()) {
         ADD_FAILURE() << "unexpected modal form: " << form.name();
         form.hide();
@@ -135,22 +135,22 @@ void SimDesktop::run_modal(platform::Form &form) {
     await_hidden(form);
 }
 
-void SimDesktop::await_hidden(platform::Form &form) {
+void SimDesktop::await_hidden(platform::Form& form) {
     if (!run_until([&form] { return !form.visible(); }, longest_modal_seconds)) {
         ADD_FAILURE() << "the modal form stayed open: " << form.name();
         form.hide();
     }
 }
 
-void SimDesktop::control_changed(platform::Control &control, platform::Property property) {
+void SimDesktop::control_changed(platform::Control& control, platform::Property property) {
     ++changes_[&control][property];
 }
 
-int SimDesktop::changes(const std::string &form, const std::string &control) const {
+int SimDesktop::changes(const std::string& form, const std::string& control) const {
     int count = 0;
-    for (const auto &[changed, properties] : changes_) {
+    for (const auto& [changed, properties] : changes_) {
         if (changed->form().name() == form && changed->full_name() == control) {
-            for (const auto &[property, times] : properties) {
+            for (const auto& [property, times] : properties) {
                 count += times;
             }
         }
@@ -158,9 +158,9 @@ int SimDesktop::changes(const std::string &form, const std::string &control) con
     return count;
 }
 
-int SimDesktop::changes(const std::string &form, const std::string &control, platform::Property property) const {
+int SimDesktop::changes(const std::string& form, const std::string& control, platform::Property property) const {
     int count = 0;
-    for (const auto &[changed, properties] : changes_) {
+    for (const auto& [changed, properties] : changes_) {
         if (changed->form().name() == form && changed->full_name() == control && properties.contains(property)) {
             count += properties.at(property);
         }

@@ -28,48 +28,48 @@ class SimDesktop final : public SimEvents,
 public:
     SimDesktop();
     ~SimDesktop() override;
-    SimDesktop(const SimDesktop &) = delete;
-    SimDesktop &operator=(const SimDesktop &) = delete;
+    SimDesktop(const SimDesktop&) = delete;
+    SimDesktop& operator=(const SimDesktop&) = delete;
 
     platform::Ports ports() { return {*this, *this, *this, *this, *this, *this, *this, folder_}; }
 
     // The working directory, made for this desktop and removed with it.
-    const std::filesystem::path &folder() const { return folder_; }
+    const std::filesystem::path& folder() const { return folder_; }
     std::string path(std::string_view name) const { return (folder_ / name).string(); }
     void write_file(std::string_view name, std::string_view text) const;
     std::string read_file(std::string_view name) const; // fails the test when there is none
 
     // The line of the i-th serial port that the console makes; usable before that.
-    SimSerialLine &line(std::size_t i = 0);
+    SimSerialLine& line(std::size_t i = 0);
     SimNetwork network{*this};
 
     // Answers the first box yet to come whose text contains this, after keeping it open for a while.
     void answer_box(std::string text, platform::Answer answer, double seconds_open = 0);
     void expect_box(std::string text) { answer_box(std::move(text), platform::Answer::ok); }
     void choose_file(std::string path) { files_.push_back(std::move(path)); } // "" cancels the dialog
-    const std::vector<platform::MessageBox> &boxes() const { return boxes_; }
+    const std::vector<platform::MessageBox>& boxes() const { return boxes_; }
     std::vector<std::string> box_texts() const;
-    const std::vector<platform::FileDialog> &file_dialogs() const { return file_dialogs_; }
+    const std::vector<platform::FileDialog>& file_dialogs() const { return file_dialogs_; }
 
     // What the user does with the next modal showing of the form, once its activation is done.
-    void on_modal(const std::string &form, std::function<void(platform::Form &)> action);
-    const std::vector<std::string> &shown() const { return shown_; } // form names in order of showing, modal or not
+    void on_modal(const std::string& form, std::function<void(platform::Form&)> action);
+    const std::vector<std::string>& shown() const { return shown_; } // form names in order of showing, modal or not
     // How often a control announced a change of any property, or of this one.
-    int changes(const std::string &form, const std::string &control) const;
-    int changes(const std::string &form, const std::string &control, platform::Property property) const;
+    int changes(const std::string& form, const std::string& control) const;
+    int changes(const std::string& form, const std::string& control, platform::Property property) const;
     void clear_changes() { changes_.clear(); }
 
-    platform::Answer message_box(const platform::MessageBox &box) override;
-    std::string open_file(const platform::FileDialog &dialog) override { return next_file(dialog); }
-    std::string save_file(const platform::FileDialog &dialog) override { return next_file(dialog); }
+    platform::Answer message_box(const platform::MessageBox& box) override;
+    std::string open_file(const platform::FileDialog& dialog) override { return next_file(dialog); }
+    std::string save_file(const platform::FileDialog& dialog) override { return next_file(dialog); }
     [[noreturn]] void end(int status) override { throw ProgramEnded{status}; }
     std::unique_ptr<platform::SerialPort> make_serial_port() override;
     std::unique_ptr<platform::DatagramSocket> make_datagram_socket() override { return network.make_socket(); }
-    void form_shown(platform::Form &form) override;
-    void form_hidden(platform::Form &) override {}
-    void form_changed(platform::Form &, platform::FormChange) override {}
-    void run_modal(platform::Form &form) override;
-    void control_changed(platform::Control &control, platform::Property property) override;
+    void form_shown(platform::Form& form) override;
+    void form_hidden(platform::Form&) override {}
+    void form_changed(platform::Form&, platform::FormChange) override {}
+    void run_modal(platform::Form& form) override;
+    void control_changed(platform::Control& control, platform::Property property) override;
 
 private:
     struct BoxAnswer {
@@ -77,8 +77,8 @@ private:
         platform::Answer answer;
         double seconds_open;
     };
-    std::string next_file(const platform::FileDialog &dialog);
-    void await_hidden(platform::Form &form);
+    std::string next_file(const platform::FileDialog& dialog);
+    void await_hidden(platform::Form& form);
 
     std::filesystem::path folder_;
     std::deque<SimSerialLine> lines_;
@@ -87,9 +87,9 @@ private:
     std::deque<std::string> files_;
     std::vector<platform::MessageBox> boxes_;
     std::vector<platform::FileDialog> file_dialogs_;
-    std::map<std::string, std::deque<std::function<void(platform::Form &)>>> modal_actions_;
+    std::map<std::string, std::deque<std::function<void(platform::Form&)>>> modal_actions_;
     std::vector<std::string> shown_;
-    std::map<const platform::Control *, std::map<platform::Property, int>> changes_;
+    std::map<const platform::Control*, std::map<platform::Property, int>> changes_;
 };
 
 } // namespace ecu::test

@@ -14,10 +14,10 @@ constexpr Microseconds day = 86'400'000'000;
 
 class SimTimer final : public platform::Timer {
 public:
-    SimTimer(SimEvents &events, int interval_ms) : events_(events), interval_ms_(interval_ms) {}
+    SimTimer(SimEvents& events, int interval_ms) : events_(events), interval_ms_(interval_ms) {}
     ~SimTimer() override { set_running(false); }
-    SimTimer(const SimTimer &) = delete;
-    SimTimer &operator=(const SimTimer &) = delete;
+    SimTimer(const SimTimer&) = delete;
+    SimTimer& operator=(const SimTimer&) = delete;
 
     int interval_ms() const override { return interval_ms_; }
     void set_interval_ms(int milliseconds) override {
@@ -53,8 +53,8 @@ private:
         }
         arm(due + interval() * ((events_.now() - due) / interval() + 1));
         struct Ticking {
-            bool &flag;
-            explicit Ticking(bool &f) : flag(f) { flag = true; }
+            bool& flag;
+            explicit Ticking(bool& f) : flag(f) { flag = true; }
             ~Ticking() { flag = false; }
         };
         {
@@ -69,7 +69,7 @@ private:
         }
     }
 
-    SimEvents &events_;
+    SimEvents& events_;
     int interval_ms_;
     bool running_ = false;
     bool ticking_ = false;
@@ -127,7 +127,7 @@ void SimEvents::run_for(double seconds) {
     }
 }
 
-bool SimEvents::run_until(const std::function<bool()> &condition, double max_seconds) {
+bool SimEvents::run_until(const std::function<bool()>& condition, double max_seconds) {
     const Microseconds end = now_ + to_microseconds(max_seconds);
     process_events();
     while (!condition()) {

@@ -35,10 +35,10 @@ public:
     // Runs everything that happens in the next `seconds`.
     void run_for(double seconds);
     // Runs events until the condition holds, looked at after every event; false when `max_seconds` went by.
-    bool run_until(const std::function<bool()> &condition, double max_seconds = 60);
+    bool run_until(const std::function<bool()>& condition, double max_seconds = 60);
 
     Key schedule(Microseconds due, std::function<void()> action);
-    void cancel(const Key &key) { queue_.erase(key); }
+    void cancel(const Key& key) { queue_.erase(key); }
 
     float seconds_since_midnight() const override;
     std::string date_text() const override { return "03-05-2021"; }

@@ -47,7 +47,7 @@ void SimDatagramSocket::arrive(std::vector<std::uint8_t> datagram) {
 
 std::size_t SimDatagramSocket::available() const {
     std::size_t bytes = 0;
-    for (const auto &datagram : waiting_) {
+    for (const auto& datagram : waiting_) {
         bytes += datagram.size();
     }
     return bytes;
@@ -56,7 +56,7 @@ std::size_t SimDatagramSocket::available() const {
 std::vector<std::uint8_t> SimDatagramSocket::read(std::size_t at_most) {
     std::vector<std::uint8_t> bytes;
     while (bytes.size() < at_most && !waiting_.empty()) {
-        auto &oldest = waiting_.front();
+        auto& oldest = waiting_.front();
         const auto end = oldest.begin() + static_cast<std::ptrdiff_t>(std::min(at_most - bytes.size(), oldest.size()));
         bytes.insert(bytes.end(), oldest.begin(), end);
         oldest.erase(oldest.begin(), end);

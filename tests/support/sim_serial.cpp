@@ -27,7 +27,7 @@ void SimSerialLine::close() {
 
 void SimSerialLine::receive(std::span<const std::uint8_t> bytes, double after_seconds) {
     Microseconds due = std::max(events_.now() + to_microseconds(after_seconds), input_free_);
-    const auto arrive = [this, opening = opening_](const Bytes &arrived) {
+    const auto arrive = [this, opening = opening_](const Bytes& arrived) {
         if (opening == opening_) {
             input_.insert(input_.end(), arrived.begin(), arrived.end());
         }

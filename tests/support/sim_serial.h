@@ -14,9 +14,9 @@ using Bytes = std::vector<std::uint8_t>;
 
 class SimSerialLine {
 public:
-    explicit SimSerialLine(SimEvents &events) : events_(events) {}
-    SimSerialLine(const SimSerialLine &) = delete;
-    SimSerialLine &operator=(const SimSerialLine &) = delete;
+    explicit SimSerialLine(SimEvents& events) : events_(events) {}
+    SimSerialLine(const SimSerialLine&) = delete;
+    SimSerialLine& operator=(const SimSerialLine&) = delete;
 
     // Gets the bytes of each write when its last one has left the wire.
     std::function<void(std::span<const std::uint8_t>)> peer;
@@ -30,8 +30,8 @@ public:
     bool is_open() const { return open_; }
     int number() const { return number_; }
     int baud() const { return baud_; }
-    const std::vector<int> &tried() const { return tried_; } // port numbers in the order of open calls
-    const Bytes &written() const { return written_; }        // everything since the start or clear_written
+    const std::vector<int>& tried() const { return tried_; } // port numbers in the order of open calls
+    const Bytes& written() const { return written_; }        // everything since the start or clear_written
     void clear_written() { written_.clear(); }
 
     // The console's side.
@@ -46,7 +46,7 @@ public:
 private:
     Microseconds byte_time() const { return pace_ > 0 ? 10'000'000 / pace_ : 0; }
 
-    SimEvents &events_;
+    SimEvents& events_;
     int pace_ = 0;
     bool open_ = false;
     int number_ = 0;
@@ -62,7 +62,7 @@ private:
 
 class SimSerialPort final : public platform::SerialPort {
 public:
-    explicit SimSerialPort(SimSerialLine &line) : line_(line) {}
+    explicit SimSerialPort(SimSerialLine& line) : line_(line) {}
     std::string open(int number, int baud) override { return line_.open(number, baud); }
     void close() override { line_.close(); }
     bool is_open() const override { return line_.is_open(); }
@@ -74,7 +74,7 @@ public:
     std::string device_of(int number) const override { return "/dev/sim" + std::to_string(number); }
 
 private:
-    SimSerialLine &line_;
+    SimSerialLine& line_;
 };
 
 } // namespace ecu::test
