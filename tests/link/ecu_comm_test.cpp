@@ -1,0 +1,226 @@
+#include "link_bench.h"
+
+namespace ecu::test {
+namespace {
+
+using testing::AllOf;
+using testing::Ge;
+using testing::Le;
+
+TEST(Transaction, EndsWithTheLastByteAndOffersTheFrameToAllThreeDecoders) {
+    LinkBench bench;
+    bench.desktop.line().pace(38400);
+    bench.controller.reply_to('A', live_reply());
+    std::int16_t expected_length = 63;
+    const double start = bench.desktop.seconds();
+    bench.comm.send_ecu_message({'A'}, expected_length);
+    EXPECT_NEAR(bench.desktop.seconds() - start, 0.002 + 73 * 10 / 38400.0, 0.0005);
+    EXPECT_TRUE(bench.state.reply_accepted);
+    EXPECT_EQ(expected_length, 65);
+    EXPECT_EQ(bench.offered, "1A63 2A63 3A63 ");
+    EXPECT_EQ(bench.state.tx_byte_count, (std::array{8, 8}));
+    EXPECT_EQ(bench.state.rx_byte_count, (std::array{65, 65}));
+    EXPECT_FALSE(bench.comm.busy());
+}
+
+TEST(Transaction, IsRepeatedForEveryKindOfBadReplyAfterTheWholeTimeOutUnlessTheCountWasRight) {
+    Bytes cut = live_reply();
+    cut.pop_back();
+    Bytes surplus = live_reply();
+    surplus.push_back(0);
+    Bytes corrupt = live_reply();
+    corrupt[9] ^= 1;
+    const std::vector<Bytes> bad{{2}, cut, surplus, corrupt, reply_frame({'A'}, 62), reply_frame({'B'}, 63)};
+    for (const Bytes& reply : bad) {
+        LinkBench bench;
+        bench.controller.responder = [&](const Request&) {
+            return bench.controller.sent().size() == 1 ? reply : live_reply();
+        };
+        const double waited = reply.size() == 65 ? 0.0 : 0.1;
+        EXPECT_NEAR(bench.ask(), waited, 0.01) << reply.size();
+        EXPECT_TRUE(bench.state.reply_accepted);
+        EXPECT_EQ(bench.controller.sent(), (std::vector<Request>(2, {2, 8, 0x41, 0x30, 0x30, 0x30, 0xDB, 0})));
+        EXPECT_EQ(bench.state.rx_byte_count[0], static_cast<int>(reply.size()) + 65);
+    }
+}
+
+TEST(Transaction, TakesALateReplyInTheNextTryAndDrainsAStaleOne) {
+    LinkBench bench;
+    bench.controller.reply_to('A', live_reply());
+    bench.controller.set_reply_delay(0.15);
+    EXPECT_NEAR(bench.ask(), 0.15, 0.01);
+    EXPECT_EQ(bench.controller.sent().size(), 2U);
+    bench.desktop.run_for(0.2); // the second try's reply comes in unasked
+    bench.controller.set_reply_delay(0.002);
+    EXPECT_LT(bench.ask(), 0.01);
+    EXPECT_EQ(bench.controller.sent().size(), 3U);
+}
+
+TEST(Transaction, KeepsItsTimeOutAndItsIntervalAcrossMidnight) {
+    LinkBench bench;
+    bench.state.current_view = View::monitor;
+    bench.controller.reply_to('A', live_reply());
+    bench.desktop.set_time_of_day(86399.0);
+    bench.ask();
+    EXPECT_EQ(bench.group_delay.text(), "9999.9") << "the first interval runs from midnight";
+    bench.desktop.set_time_of_day(86399.95);
+    bench.controller.drop_next_reply();
+    EXPECT_THAT(bench.ask(), AllOf(Ge(0.09), Le(0.13)));
+    EXPECT_LT(bench.state.last_reply_time, 1.0F);
+    EXPECT_NEAR(bench.state.reply_intervals[15], 1.05F, 0.05F);
+}
+
+TEST(Transaction, ShowsTheMeanOfSixteenIntervalsOnTheMonitorOnly) {
+    LinkBench bench;
+    bench.desktop.set_time_of_day(100);
+    bench.controller.reply_to('A', live_reply());
+    for (int i = 0; i < 17; ++i) {
+        bench.ask();
+        bench.desktop.run_for(0.0505);
+    }
+    EXPECT_EQ(bench.group_delay.text(), "");
+    bench.state.current_view = View::monitor;
+    bench.ask();
+    EXPECT_EQ(bench.group_delay.text(), "52.5");
+}
+
+TEST(Transaction, IsRefusedBeforeTheLinkIsOpenInDemoModeAndAfterAbort) {
+    for (bool SharedState::*flag : {&SharedState::comm_ready, &SharedState::demo_mode, &SharedState::comm_aborted}) {
+        LinkBench bench;
+        bench.state.*flag = !(bench.state.*flag);
+        std::int16_t expected_length = 63;
+        bench.comm.send_ecu_message({'A'}, expected_length);
+        EXPECT_EQ(expected_length, 63);
+        EXPECT_TRUE(bench.controller.sent().empty());
+    }
+}
+
+TEST(Transaction, CountsRetriesFromTheThirdTryInANoticeOfTwoSeconds) {
+    LinkBench bench;
+    bench.controller.reply_to('A', live_reply());
+    bench.controller.drop_next_reply(2);
+    bench.ask();
+    EXPECT_FALSE(bench.retries.form.loaded());
+    bench.controller.drop_next_reply(4);
+    bench.ask();
+    EXPECT_EQ(bench.retries.retries.text(), "4");
+    bench.desktop.run_for(1.8); // the first write was 0.1 s before the second
+    EXPECT_TRUE(bench.retries.form.visible());
+    bench.desktop.run_for(0.2);
+    EXPECT_FALSE(bench.retries.form.loaded());
+    bench.retries.write_retries("3");
+    EXPECT_TRUE(bench.retries.form.visible()) << "loaded anew";
+}
+
+TEST(FailureDialog, FollowsTenTriesAndDoesWhatItsButtonsSay) {
+    for (std::size_t button = 0; button < 4; ++button) {
+        LinkBench bench;
+        bench.desktop.on_modal("frm_Dialog", [&](platform::Form&) {
+            EXPECT_EQ(bench.dialog.dialog_caption.text(), "Communications has failed, Run Demo mode?");
+            const std::array<std::string, 4> captions{"Try Again", "Demo", "Abort", "Terminate"};
+            EXPECT_EQ(bench.dialog.dialog_button[button].text(), captions[button]);
+            EXPECT_TRUE(bench.dialog.dialog_button[button].visible());
+            EXPECT_TRUE(bench.comm.busy());
+            bench.comm.send_ecu_message({'A'}, 63); // a timer behind the dialog: fails too, asks no second time
+            bench.dialog.dialog_button[button].press();
+        });
+        if (button == 3) {
+            EXPECT_THROW(bench.ask(), ProgramEnded);
+        } else {
+            EXPECT_THAT(bench.ask(), AllOf(Ge(2.0), Le(2.2)));
+        }
+        EXPECT_FALSE(bench.comm.busy());
+        EXPECT_EQ(bench.state.demo_mode, button == 1);
+        EXPECT_EQ(bench.state.comm_aborted, button == 2);
+        EXPECT_EQ(bench.state.tx_byte_count[0], 160);
+        EXPECT_EQ(bench.retries.retries.text(), "10");
+        EXPECT_EQ(bench.state.failed_frame_text, "Buffer = 02 08 41 30 30 30 DB 00    Cnt = 0");
+    }
+}
+
+TEST(FailureDialog, ComesWhenThePortIsUnpluggedAndItsClosingIsTryAgain) {
+    LinkBench bench;
+    bench.desktop.schedule(bench.desktop.now() + 50'000, [&] { bench.comm1->close(); });
+    bench.desktop.on_modal("frm_Dialog", [](platform::Form& form) { form.close_requested(); });
+    EXPECT_THAT(bench.ask(), AllOf(Ge(1.0), Le(1.1)));
+    EXPECT_EQ(bench.controller.sent().size(), 1U);
+    EXPECT_FALSE(bench.state.demo_mode || bench.state.comm_aborted);
+}
+
+TEST(Nesting, AnInnerTransactionDoesNotVouchForTheOuter) {
+    LinkBench bench;
+    bench.controller.reply_to('A', live_reply());
+    bench.controller.reply_to(174, reply_frame({174, 165}));
+    bench.controller.drop_next_reply();
+    bench.desktop.schedule(bench.desktop.now() + 10'000, [&] {
+        bench.comm.send_ecu_message({174, 165, 0, 0}, 4);
+        EXPECT_TRUE(bench.state.reply_accepted);
+    });
+    bench.ask();
+    EXPECT_TRUE(bench.state.reply_accepted);
+    EXPECT_EQ(bench.controller.count('A'), 2U) << "the lost reply was asked for again";
+}
+
+TEST(Nesting, AKeyHeldDownOnADeadLinkDoesNotFillTheStack) {
+    LinkBench bench;
+    bench.press_in_dialog(1);
+    int presses = 0;
+    std::function<void()> key = [&] {
+        if (++presses < 100) {
+            bench.desktop.post(key);
+        }
+        bench.ask();
+    };
+    key();
+    EXPECT_EQ(bench.controller.sent().size(), 16U * 10U);
+}
+
+// A client's far end on the port that the console sends to.
+struct RemoteBench : LinkBench {
+    std::unique_ptr<platform::DatagramSocket> server = desktop.make_datagram_socket();
+    std::vector<Bytes> requests;
+    std::vector<Bytes> answers;
+
+    RemoteBench() {
+        state.remote_server_ip = "10.0.0.7";
+        socket->set_remote("10.0.0.7", 999);
+        socket->bind(998);
+        server->set_remote("10.0.0.8", 998);
+        server->bind(999);
+        server->on_datagram = [this] {
+            requests.push_back(server->read_datagram());
+            for (const Bytes& answer : answers) {
+                server->send(answer);
+            }
+        };
+    }
+};
+
+TEST(RemoteTransport, SendsTheReplyLengthBeforeTheFrameAndReadsAcrossDatagrams) {
+    RemoteBench bench;
+    bench.server->send(Bytes{1, 2, 3}); // stale
+    bench.desktop.run_for(0.01);
+    const Bytes reply = live_reply();
+    bench.answers = {Bytes(reply.begin(), reply.begin() + 20), Bytes(reply.begin() + 20, reply.end())};
+    EXPECT_LT(bench.ask(), 0.01);
+    EXPECT_TRUE(bench.state.reply_accepted);
+    EXPECT_TRUE(bench.state.remote_answering);
+    EXPECT_EQ(bench.requests, (std::vector<Bytes>{{65, 2, 8, 0x41, 0x30, 0x30, 0x30, 0xDB, 0}}));
+    EXPECT_EQ(bench.state.tx_byte_count[0], 8) << "the length byte is not the controller's";
+    EXPECT_TRUE(bench.desktop.line().written().empty());
+}
+
+TEST(RemoteTransport, FailureTellsWhetherTheServerAnswered) {
+    for (const Bytes& sign : {Bytes{}, Bytes{'P'}, Bytes{'N', 'O', 'R', 'E', 'S', 'P'}}) {
+        RemoteBench bench;
+        bench.answers = {sign};
+        bench.press_in_dialog(0);
+        EXPECT_THAT(bench.ask(), AllOf(Ge(10.0), Le(10.2)));
+        EXPECT_EQ(bench.dialog.dialog_caption.text(),
+                  sign.size() > 1 ? "Communications has failed, Remote server IS responding, ECU hardware is NOT."
+                                  : "Communications has failed, Remote server IS NOT responding");
+    }
+}
+
+} // namespace
+} // namespace ecu::test

@@ -1,0 +1,68 @@
+// The link with nothing above it: one decoder that accepts codes of the right length and notes what it was offered.
+#pragma once
+
+#include "link/ecu_comm.h"
+#include "link/frm_dialog.h"
+#include "link/frm_retries.h"
+#include "link/link_selection.h"
+#include "support/sim_desktop.h"
+
+#include <gmock/gmock.h>
+
+namespace ecu::test {
+
+using namespace ecu::link; // NOLINT: the tests speak of nothing else
+
+struct LinkBench {
+    SimDesktop desktop;
+    platform::Ports ports = desktop.ports();
+    SharedState state;
+    std::unique_ptr<platform::SerialPort> comm1 = desktop.make_serial_port();
+    std::unique_ptr<platform::DatagramSocket> socket = desktop.make_datagram_socket();
+    platform::Form main_form{"FrmEcu", "ECU System Console [Master Mode]"};
+    platform::Form monitor{"frm_mon", ""};
+    platform::Label group_delay{monitor, "group_delay"};
+    FrmDialog dialog;
+    FrmRetries retries{desktop};
+    EcuComm comm{ports, state, *comm1, *socket, dialog, retries, group_delay};
+    LinkSelection selection{ports, state, *comm1, dialog, main_form};
+    ScriptedController controller{desktop, desktop.line()};
+    std::map<int, int> sizes{{'A', 63}, {174, 4}}; // payload_count by code
+    std::string offered;                           // "1A63 2A63 3A63 ": decoder, code, payload_count
+
+    LinkBench() {
+        for (platform::Form* form : {&main_form, &dialog.form, &retries.form}) {
+            form->set_host(&desktop);
+        }
+        const auto note = [this](char decoder, const Reply& reply, int count) {
+            offered += decoder + std::string(1, static_cast<char>(reply[2])) + std::to_string(count) + " ";
+        };
+        comm.set_decoders({[=, this](const Reply& reply, int count) {
+                               note('1', reply, count);
+                               state.reply_accepted = sizes[reply[2]] == count;
+                           },
+                           [=](const Reply& reply, int count) { note('2', reply, count); },
+                           [=](const Reply& reply, int count) { note('3', reply, count); }});
+        state.comm_port_number = 3;
+        selection.open_comm_link();
+    }
+    // A whole `A` transaction; how long it took in seconds.
+    double ask() {
+        const double start = desktop.seconds();
+        comm.send_ecu_message({'A'}, 63);
+        return desktop.seconds() - start;
+    }
+    void press_in_dialog(std::size_t button) {
+        desktop.on_modal("frm_Dialog", [this, button](platform::Form&) { dialog.dialog_button[button].press(); });
+    }
+};
+
+// 2 + 65 + 65 + 60 * 17 = 1152 = 480 hexadecimal.
+inline Bytes live_reply() {
+    Bytes frame{2, 65, 'A'};
+    frame.resize(63, 17);
+    frame.insert(frame.end(), {0x80, 0x04});
+    return frame;
+}
+
+} // namespace ecu::test
