@@ -23,9 +23,7 @@ struct Column {
     std::string (*text)(const EcuLiveData& live, const Moment& moment);
 };
 
-std::string remainder(std::uint8_t of_a_cell) {
-    return masked(static_cast<float>(of_a_cell) / 128.0F, "0.00");
-}
+std::string remainder(std::uint8_t of_a_cell) { return masked(static_cast<float>(of_a_cell) / 128.0F, "0.00"); }
 
 std::string hexadecimal(std::int32_t value) {
     std::array<char, 9> text{};

@@ -53,9 +53,7 @@ void Plotter::wire() {
     form_.plot_file.double_clicked = [this] { choose_file(); };
     form_.Strip1.clicked = [this] { stamp(); };
     for (std::size_t i = 0; i < channel_count; ++i) {
-        form_.Check3d1[i].clicked = [this, i] {
-            form_.Strip1.set_channel_enabled(i, form_.Check3d1[i].checked());
-        };
+        form_.Check3d1[i].clicked = [this, i] { form_.Strip1.set_channel_enabled(i, form_.Check3d1[i].checked()); };
     }
     for (std::size_t i = 0; i < intervals_ms.size(); ++i) {
         form_.menu_log_int[i].clicked = [this, i] { set_interval(i); };

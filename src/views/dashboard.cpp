@@ -1,0 +1,282 @@
+#include "views/dashboard.h"
+
+#include "platform/display_mask.h"
+#include "platform/leading_number.h"
+#include "platform/rounding.h"
+
+#include <algorithm>
+#include <array>
+
+namespace ecu::views {
+
+namespace {
+
+using platform::byte_high;
+using platform::byte_low;
+using platform::Gauge;
+using platform::leading_number;
+using platform::masked;
+using platform::round_to_even;
+
+// Injection times travel in ticks of 1.6 microseconds.
+constexpr double ticks_per_ms = 1 / 0.0000016 / 1000;
+constexpr std::int32_t largest_word = 65535;
+constexpr std::int32_t fuel_offset_bias = 16384;
+constexpr std::int32_t fuel_offset_end = 49152;
+constexpr double highest_timing = 47.75;
+constexpr double lowest_timing = -16;
+constexpr double trim_step = 0.1;
+
+struct Tachometer {
+    float up_to_rpm;
+    float full_scale;
+    float tick_step;
+};
+constexpr std::array<Tachometer, 7> tachometers{
+    {{4000, 4, 0.5F}, {6000, 6, 1}, {8000, 8, 1}, {10000, 10, 1}, {16000, 16, 2}, {24000, 24, 3}, {40000, 40, 5}}};
+// Above the table the full scale is in rpm, not thousands: the needle then hardly moves. It has always been so.
+constexpr Tachometer beyond{0, 50000, 4};
+
+struct Manifold {
+    float sensor_kpa;
+    Gauge::Scale scale;
+};
+constexpr std::array<Manifold, 4> manifolds{{
+    {115, {.full_scale = 120, .tick_step = 12, .zone_a_start = 0, .zone_b_start = 110}},
+    {255, {.full_scale = 250, .tick_step = 25, .zone_a_start = 110, .zone_b_start = 210}},
+    {394, {.full_scale = 400, .tick_step = 40, .zone_a_start = 110, .zone_b_start = 300}},
+    {551, {.full_scale = 650, .tick_step = 65, .zone_a_start = 110, .zone_b_start = 410}},
+}};
+
+constexpr std::array<float, 3> filter_gains{0.2F, 0.5F, 1.0F};
+
+std::array<Gauge*, 10> gauges(FrmDashboard& form) {
+    return {&form.tachometer, &form.manifold_pressure, &form.water_temp,  &form.air_temp,    &form.bat_volts,
+            &form.Timing,     &form.GPO_duty[0],       &form.GPO_duty[1], &form.GPO_duty[2], &form.GPO_duty[3]};
+}
+
+} // namespace
+
+std::size_t lamp_of(float lambda) {
+    const double richness = std::clamp(1.0 / static_cast<double>(lambda) - 0.625, 0.0, 0.975);
+    return static_cast<std::size_t>(std::min(round_to_even(richness / 0.375 * 8), 16));
+}
+
+Gauge::Scale tachometer_scale(float full_scale_rpm) {
+    const auto* const row = std::ranges::find_if(
+        tachometers, [&](const Tachometer& candidate) { return full_scale_rpm <= candidate.up_to_rpm; });
+    const Tachometer& chosen = row == tachometers.end() ? beyond : *row;
+    const double red_line = 920.7 / 1023 * static_cast<double>(full_scale_rpm);
+    return {.full_scale = chosen.full_scale,
+            .tick_step = chosen.tick_step,
+            .zone_a_start = static_cast<float>(red_line * 0.9 / 1000),
+            .zone_b_start = static_cast<float>(red_line / 1000)};
+}
+
+Dashboard::Dashboard(const platform::Ports& ports, link::SharedState& state, link::EcuComm& comm,
+                     shell::Navigation& navigation, calibration::Scales& scales, messages::EcuLiveData& live,
+                     FrmDashboard& form)
+    : ports_(ports), state_(state), comm_(comm), navigation_(navigation), scales_(scales), live_(live), form_(form) {
+    wire();
+}
+
+void Dashboard::wire() {
+    form_.form.on_activate = [this] { activate(); };
+    form_.form.on_unload = [this] { leave(); };
+    form_.Command1.clicked = [this] { form_.form.unload(); };
+    form_.menu_file_exit.clicked = [this] { form_.form.unload(); };
+    form_.Command2.clicked = [this] { update(); };
+    form_.menu_Update.clicked = [this] { update(); };
+    for (platform::TextBox* box : {&form_.ecu_pgm[0], &form_.ecu_pgm[1], &form_.base_offset_deg}) {
+        box->changed = [box] { box->set_back_colour(platform::pending); };
+        box->key_down = [this, box](platform::KeyPress& key) { trim_key(*box, box != &form_.base_offset_deg, key); };
+    }
+    form_.kill_timing.clicked = [this] {
+        const std::uint8_t on = form_.kill_timing.checked() ? 165 : 0;
+        comm_.send_ecu_message({169, on, 0, 0}, 4);
+    };
+    form_.kill_ego.clicked = [this] {
+        const std::uint8_t command = form_.kill_ego.checked() ? 'D' : 'd';
+        comm_.send_ecu_message({command}, 3);
+    };
+    for (std::size_t i = 0; i < form_.menu_opts_tach_filt_num.size(); ++i) {
+        form_.menu_opts_tach_filt_num[i].clicked = [this, i] { filter_tachometer(i); };
+    }
+    for (std::size_t i = 0; i < form_.menu_view_gpo.size(); ++i) {
+        form_.menu_view_gpo[i].clicked = [this, i] { view_gpo(i); };
+    }
+    using link::ViewRequest;
+    navigation_.wire_menu(form_.menu_mon, ViewRequest::monitor, form_.form);
+    navigation_.wire_menu(form_.menu_tools, ViewRequest::configuration, form_.form);
+    navigation_.wire_menu(form_.menu_3d, ViewRequest::basic_mapping, form_.form);
+    navigation_.wire_menu(form_.menu_2d, ViewRequest::additional_mapping, form_.form);
+    navigation_.wire_menu(form_.menu_sup, ViewRequest::gpo_mapping, form_.form);
+    navigation_.wire_menu(form_.menu_diag, ViewRequest::diagnostics, form_.form);
+    navigation_.wire_menu(form_.menu_plot, ViewRequest::plotter, form_.form);
+}
+
+void Dashboard::activate() {
+    form_.form.set_caption("Dashboard" + state_.link_title_suffix);
+    state_.polling_paused = true;
+    ports_.wait_seconds(0.1F);
+    for (platform::TextBox* box : {&form_.ecu_pgm[0], &form_.ecu_pgm[1], &form_.base_offset_deg}) {
+        box->set_back_colour(platform::pending); // unsure until the controller has answered
+    }
+    ports_.waiting.process_events();
+    ports_.wait_seconds(0.2F);
+    comm_.send_ecu_message({163}, 4);
+    comm_.send_ecu_message({'C'}, 21);
+    comm_.send_ecu_message({'B'}, 12);
+    state_.polling_paused = false;
+    ports_.wait_seconds(0.1F);
+    for (Gauge* gauge : gauges(form_)) {
+        gauge->set_back_colour(platform::bright_white);
+    }
+    ports_.waiting.process_events();
+    if (state_.demo_mode) {
+        form_.ecu_pgm[0].confirm("10.200");
+        form_.ecu_pgm[1].confirm("-.520");
+        form_.base_offset_deg.confirm("-8.25");
+        scales_.full_scale_rpm = 8000;
+    }
+    scale_gauges();
+    scale_lamps();
+    if (form_.form.visible()) { // not if the user left during the waits above
+        state_.current_view = link::View::dashboard;
+    }
+}
+
+void Dashboard::scale_gauges() {
+    form_.tachometer.set_scale(tachometer_scale(scales_.full_scale_rpm));
+    const auto* const manifold = std::ranges::find(manifolds, scales_.map_span, &Manifold::sensor_kpa);
+    if (manifold != manifolds.end()) {
+        form_.manifold_pressure.set_scale(manifold->scale);
+    }
+}
+
+void Dashboard::scale_lamps() {
+    const auto stoichiometric = static_cast<double>(scales_.lambda_scale);
+    for (std::size_t i = 0; i < form_.lambda_label.size(); ++i) {
+        form_.lambda_label[8 - i].set_text(masked(stoichiometric * (static_cast<double>(i + 6) / 10), "#0.0"));
+    }
+    form_.lambda_val.set_text(scales_.shows_lambda ? "= 1.0" : "=" + masked(stoichiometric, "#0.0"));
+}
+
+void Dashboard::refresh() {
+    form_.manifold_pressure.set_value(live_.manifold_kpa);
+    form_.control_ego_gain.set_text(masked(live_.ego_correction, "0.000"));
+    show_mixture(live_.lambda);
+    form_.bat_volts.set_value(live_.battery_volts);
+    form_.tachometer.set_value(live_.engine_rpm / 1000.0F);
+    form_.water_temp.set_value(live_.coolant_temp);
+    form_.air_temp.set_value(live_.air_temp);
+    form_.Timing.set_value(live_.ignition_timing);
+    for (std::size_t i = 0; i < form_.GPO_duty.size(); ++i) {
+        form_.GPO_duty[i].set_value(live_.gpo_duty[i]);
+    }
+}
+
+void Dashboard::show_mixture(float lambda) {
+    const auto show = [this](std::size_t lamp, bool lit) {
+        form_.afr_led[lamp].set_back_colour(lit ? lamp_lit(lamp) : lamp_dark);
+    };
+    if (lambda == 0) {
+        show(lit_lamp_, false);
+        show(0, false);
+        lit_lamp_ = 0;
+        return;
+    }
+    const std::size_t lamp = lamp_of(lambda);
+    if (lamp != lit_lamp_) {
+        show(lit_lamp_, false);
+        show(lamp, true);
+        lit_lamp_ = lamp;
+    }
+}
+
+void Dashboard::update() {
+    state_.polling_paused = true;
+    ports_.wait_seconds(0.1F);
+    if (form_.ecu_pgm[0].is_pending()) {
+        update_fuel_scaler();
+    }
+    if (form_.ecu_pgm[1].is_pending()) {
+        update_fuel_offset();
+    }
+    if (form_.base_offset_deg.is_pending()) {
+        update_timing_offset();
+    }
+    state_.polling_paused = false;
+}
+
+void Dashboard::update_fuel_scaler() {
+    platform::TextBox& box = form_.ecu_pgm[0];
+    const std::int32_t ticks = round_to_even(leading_number(box.text()) * ticks_per_ms);
+    if (ticks < 0) {
+        ports_.dialogs.say("The value for the Fuel Scaler is negative, it will not be updated");
+        return;
+    }
+    const std::int32_t raw = std::min(ticks, largest_word);
+    comm_.send_ecu_message({'m', byte_low(raw), byte_high(raw), 0}, 5);
+    box.set_back_colour(platform::confirmed);
+}
+
+void Dashboard::update_fuel_offset() {
+    platform::TextBox& box = form_.ecu_pgm[1];
+    const std::int32_t raw = round_to_even(leading_number(box.text()) * ticks_per_ms + fuel_offset_bias);
+    if (raw >= fuel_offset_end) {
+        ports_.dialogs.say("The value for the Fuel Offset is too high, it will not be updated");
+        return;
+    }
+    if (raw < 0) {
+        ports_.dialogs.say("The value for the Fuel Offset is too negative, it will not be updated");
+        return;
+    }
+    comm_.send_ecu_message({'o', byte_low(raw), byte_high(raw), 0}, 5);
+    box.set_back_colour(platform::confirmed);
+}
+
+void Dashboard::update_timing_offset() {
+    platform::TextBox& box = form_.base_offset_deg;
+    if (leading_number(box.text()) > highest_timing) {
+        box.set_text("47.75");
+    }
+    if (leading_number(box.text()) < lowest_timing) {
+        box.set_text("-16");
+    }
+    const std::int32_t raw = round_to_even((leading_number(box.text()) - lowest_timing) * 4);
+    comm_.send_ecu_message({164, byte_low(raw), 0, 0}, 4);
+}
+
+void Dashboard::trim_key(platform::TextBox& box, bool steps, platform::KeyPress& key) {
+    if (key.code == platform::key::enter) {
+        key.code = 0;
+        update();
+        return;
+    }
+    if (!steps || !key.shift || (key.code != platform::key::up && key.code != platform::key::down)) {
+        return;
+    }
+    const double step = key.code == platform::key::up ? trim_step : -trim_step;
+    key.code = 0;
+    box.set_text(masked(leading_number(box.text()) + step, "##.000"));
+    update();
+}
+
+void Dashboard::filter_tachometer(std::size_t item) {
+    for (platform::MenuItem& entry : form_.menu_opts_tach_filt_num) {
+        entry.set_checked(static_cast<std::size_t>(entry.index()) == item);
+    }
+    live_.rpm_filter_gain = filter_gains.at(item);
+}
+
+void Dashboard::view_gpo(std::size_t channel) {
+    for (std::size_t i = 0; i < form_.GPO_duty.size(); ++i) {
+        form_.menu_view_gpo[i].set_checked(i == channel);
+        form_.GPO_duty[i].set_visible(i == channel);
+    }
+}
+
+void Dashboard::leave() { navigation_.view_closed(form_.form); }
+
+} // namespace ecu::views
