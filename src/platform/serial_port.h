@@ -11,10 +11,6 @@
 
 namespace ecu::platform {
 
-// What a port holds of received and of unsent bytes.
-inline constexpr std::size_t receive_buffer_bytes = 1024;
-inline constexpr std::size_t send_buffer_bytes = 512;
-
 class SerialPort {
 public:
     virtual ~SerialPort() = default;
