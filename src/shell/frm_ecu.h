@@ -36,8 +36,8 @@ struct FrmEcu {
     platform::MenuItem menu_comm_9{menu_comm, "menu_comm_9", "COM &9"};
     platform::MenuItem menu_comm_10{menu_comm, "menu_comm_10", "COM 1&0"};
     // Element i is port i + 1.
-    std::array<platform::MenuItem *, 10> ports{&menu_comm_1, &menu_comm_2, &menu_comm_3, &menu_comm_4, &menu_comm_5,
-                                               &menu_comm_6, &menu_comm_7, &menu_comm_8, &menu_comm_9, &menu_comm_10};
+    std::array<platform::MenuItem*, 10> ports{&menu_comm_1, &menu_comm_2, &menu_comm_3, &menu_comm_4, &menu_comm_5,
+                                              &menu_comm_6, &menu_comm_7, &menu_comm_8, &menu_comm_9, &menu_comm_10};
 
     platform::MenuItem menu_view{form, "menu_view", "&View"};
     platform::MenuItem Menu_View_Monitor{menu_view, "Menu_View_Monitor", "&Monitor"};

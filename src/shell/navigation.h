@@ -12,6 +12,12 @@ namespace ecu::shell {
 
 // Which view a request stands for.
 link::View view_of(link::ViewRequest request);
+link::ViewRequest request_of(link::View view); // of a view that is not none
+
+// The tool tip of what leads to a view or a tool that does not exist.
+inline constexpr std::string_view view_missing = "This view is not part of this version.";
+// Disables the item or button, with the tool tip saying so, unless what it leads to exists.
+void offer(platform::Control& control, bool exists);
 
 class Navigation {
 public:
@@ -23,7 +29,8 @@ public:
     void add_view(link::View view, platform::Form& form);
     bool available(link::View view) const;
     // What the menu item of the main form does: opens the link, reads C where the view's scales need it, sets
-    // current_view, shows the form, hides the main form.
+    // current_view, shows the form, hides the main form, and lets the form's activation run. Inside a transaction it
+    // leaves a request instead; it does nothing inside another opening, or when the user left the link unopened.
     void open(link::View view);
     // Makes a menu item of view `own` lead to another view: sets its pending request and unloads `own`. Disables the
     // item, with a tool tip saying so, when that view does not exist (called after all add_view calls).
@@ -40,6 +47,7 @@ private:
     link::LinkSelection& link_selection_;
     platform::Form& main_form_;
     std::array<platform::Form*, 9> views_{};
+    bool opening_ = false;
 };
 
 } // namespace ecu::shell

@@ -1,0 +1,40 @@
+#include "shell/about.h"
+
+namespace ecu::shell {
+
+namespace {
+
+constexpr float a_moment = 0.1F; // seconds
+
+} // namespace
+
+About::About(const platform::Ports& ports, link::SharedState& state, link::EcuComm& comm,
+             link::LinkSelection& link_selection, FrmAbout& form)
+    : ports_(ports), state_(state), comm_(comm), link_selection_(link_selection), form_(form) {
+    form_.form.on_activate = [this] { activate(); };
+    form_.Command3d1.clicked = [this] { form_.form.unload(); };
+    form_.menu_file_exit.clicked = [this] { form_.form.unload(); };
+}
+
+void About::open() {
+    link_selection_.open_comm_link();
+    state_.polling_paused = false;
+    form_.form.show_modal();
+}
+
+void About::activate() {
+    state_.polling_paused = true;
+    ports_.wait_seconds(a_moment);
+    if (state_.demo_mode) {
+        form_.serial_num.set_text("DEMO MODE");
+    } else {
+        comm_.send_ecu_message({'R'}, 5);
+        comm_.send_ecu_message({'-'}, 6);
+    }
+    form_.comm_details.set_text(state_.failed_frame_text.empty() ? "No message has failed since the start."
+                                                                 : state_.failed_frame_text);
+    state_.polling_paused = false;
+    ports_.wait_seconds(a_moment);
+}
+
+} // namespace ecu::shell

@@ -1,0 +1,157 @@
+#include "shell/main_console.h"
+
+namespace ecu::shell {
+
+namespace {
+
+using link::View;
+
+constexpr std::uint8_t restart_command = 174;
+constexpr std::uint8_t restart_argument = 165;
+constexpr std::uint8_t stop_for_flash_argument = 90;
+
+struct ViewEntry {
+    View view;
+    platform::MenuItem FrmEcu::*item;
+    platform::Button FrmEcu::*button;
+};
+constexpr std::array<ViewEntry, 8> view_entries{{
+    {View::monitor, &FrmEcu::Menu_View_Monitor, &FrmEcu::Command3d4},
+    {View::dashboard, &FrmEcu::menu_view_dashboard, &FrmEcu::Command1},
+    {View::configuration, &FrmEcu::Menu_View_Injection, &FrmEcu::Command3d1},
+    {View::basic_mapping, &FrmEcu::menu_View_Mapping, &FrmEcu::Command3d2},
+    {View::additional_mapping, &FrmEcu::menu_view_temperature, &FrmEcu::Command3d7},
+    {View::gpo_mapping, &FrmEcu::menu_View_supp, &FrmEcu::Command2},
+    {View::plotter, &FrmEcu::menu_View_Plotter, &FrmEcu::Command3d3},
+    {View::diagnostics, &FrmEcu::menu_view_diagnostic, &FrmEcu::Command3},
+}};
+
+} // namespace
+
+MainConsole::MainConsole(const Use& use) : use_(use) {
+    FrmEcu& form = use_.form;
+    form.form.on_activate = [this] { activate(); };
+    form.form.on_unload = [this] { use_.ports.program.end(0); };
+    form.menu_file_exit.clicked = [this] { ask_to_quit(); };
+    form.Command3d5.clicked = [this] { ask_to_quit(); };
+    form.menu_about.clicked = [this] { use_.about.open(); };
+    form.Command3d6.clicked = [this] { use_.about.open(); };
+    wire_views();
+    wire_ports();
+    wire_tools();
+}
+
+void MainConsole::wire_views() {
+    for (const ViewEntry& entry : view_entries) {
+        const auto open = [this, view = entry.view] { use_.navigation.open(view); };
+        (use_.form.*entry.item).clicked = open;
+        (use_.form.*entry.button).clicked = open;
+    }
+}
+
+void MainConsole::wire_ports() {
+    for (std::size_t i = 0; i < use_.form.ports.size(); ++i) {
+        use_.form.ports[i]->clicked = [this, i] { choose_port(i); };
+    }
+    name_ports();
+}
+
+void MainConsole::wire_tools() {
+    FrmEcu& form = use_.form;
+    form.menu_tool_reset.clicked = [this] { reset_controller(); };
+    form.menu_tool_reflash.clicked = [this] { prepare_to_reflash(); };
+    form.menufileopen.clicked = [this] { on_upload(); };
+    form.menufilesave.clicked = [this] { on_download(); };
+    form.menu_remote_setup_start_server.clicked = [this] { on_start_server(); };
+    form.menu_remote_setup_start_client.clicked = [this] { on_start_client(); };
+    form.menu_remote_setup_halt_client.clicked = [this] { on_halt_client(); };
+    // The controller's answer may enable this item in a version that has no utility.
+    form.menu_tool_flash_utility.clicked = [this] {
+        if (on_flash_utility) {
+            on_flash_utility();
+        }
+    };
+    offer_what_exists();
+}
+
+void MainConsole::offer_what_exists() {
+    FrmEcu& form = use_.form;
+    for (const ViewEntry& entry : view_entries) {
+        const bool exists = use_.navigation.available(entry.view);
+        offer(form.*entry.item, exists);
+        offer(form.*entry.button, exists);
+    }
+    offer(form.menufileopen, static_cast<bool>(on_upload));
+    offer(form.menufilesave, static_cast<bool>(on_download));
+    offer(form.menu_remote_setup_start_server, static_cast<bool>(on_start_server));
+    offer(form.menu_remote_setup_start_client, static_cast<bool>(on_start_client));
+    offer(form.menu_remote_setup_halt_client, static_cast<bool>(on_halt_client));
+    offer(form.menu_tool_flash_utility, static_cast<bool>(on_flash_utility));
+    form.menu_remote_setup_halt_client.set_enabled(false);
+    form.menu_tool_flash_utility.set_enabled(false);
+}
+
+void MainConsole::activate() {
+    name_ports();
+    if (!activated_) {
+        activated_ = true;
+        use_.state.first_tick_pending = true;
+        use_.units.keep_choices();
+    }
+}
+
+// Anew at each activation, since an adapter may have been plugged in.
+void MainConsole::name_ports() {
+    for (std::size_t i = 0; i < use_.form.ports.size(); ++i) {
+        const int number = static_cast<int>(i) + 1;
+        const std::string device = use_.comm1.device_of(number);
+        std::string caption = number < 10 ? "COM &" + std::to_string(number) : "COM 1&0";
+        if (!device.empty()) {
+            caption += "  (" + device + ")";
+        }
+        use_.form.ports[i]->set_text(caption);
+        use_.form.ports[i]->set_tool_tip(device.empty() ? "No device stands for port " + std::to_string(number) + " now"
+                                                        : "Port " + std::to_string(number) + " is " + device);
+    }
+}
+
+void MainConsole::choose_port(std::size_t index) {
+    for (std::size_t i = 0; i < use_.form.ports.size(); ++i) {
+        use_.form.ports[i]->set_checked(i == index);
+    }
+    use_.link_selection.choose_port(static_cast<int>(index) + 1);
+}
+
+void MainConsole::reset_controller() {
+    use_.link_selection.open_comm_link();
+    use_.comm.send_ecu_message({restart_command, restart_argument, 0, 0}, 4);
+}
+
+void MainConsole::prepare_to_reflash() {
+    const platform::Answer answer =
+        use_.ports.dialogs.message_box({.text = "Do you really want to stop the controller and re-flash its memory?",
+                                        .buttons = platform::Buttons::ok_cancel,
+                                        .icon = platform::Icon::question});
+    use_.link_selection.open_comm_link();
+    if (answer == platform::Answer::ok) {
+        use_.state.reset_comm_watch = true;
+        use_.comm.send_ecu_message({restart_command, stop_for_flash_argument, 0, 0}, 4);
+    }
+    // The flash utility takes the port for itself, whatever the answer was.
+    use_.state.comm_ready = false;
+    use_.comm1.close();
+    use_.state.link_title_suffix.clear();
+}
+
+void MainConsole::ask_to_quit() {
+    const platform::Answer answer = use_.ports.dialogs.message_box({.text = "Are you sure you want to quit?",
+                                                                    .title = "ECU",
+                                                                    .buttons = platform::Buttons::yes_no,
+                                                                    .icon = platform::Icon::question,
+                                                                    .preset = platform::Answer::yes});
+    if (answer == platform::Answer::yes) {
+        use_.form.form.unload();
+    }
+}
+
+} // namespace ecu::shell

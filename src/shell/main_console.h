@@ -1,0 +1,53 @@
+// The main window's behaviour: its menus and the buttons beside them, the port menu, the controller's reset and its
+// preparation for a new firmware, and the end of the program.
+#pragma once
+
+#include "shell/about.h"
+#include "shell/frm_ecu.h"
+#include "shell/navigation.h"
+#include "shell/units.h"
+
+namespace ecu::shell {
+
+class MainConsole {
+public:
+    struct Use {
+        const platform::Ports& ports;
+        link::SharedState& state;
+        link::EcuComm& comm;
+        link::LinkSelection& link_selection;
+        platform::SerialPort& comm1;
+        Navigation& navigation;
+        Units& units;
+        About& about;
+        FrmEcu& form;
+    };
+    explicit MainConsole(const Use& use);
+
+    // What the remaining menu items do; one that is empty has its item disabled.
+    std::function<void()> on_upload;        // menufileopen: a file to the controller
+    std::function<void()> on_download;      // menufilesave: the controller to a file
+    std::function<void()> on_flash_utility; // enabled by the controller's answer to the preparation only
+    std::function<void()> on_start_server;
+    std::function<void()> on_start_client;
+    std::function<void()> on_halt_client; // its item starts disabled: there is no client yet
+
+    // Enables what leads to an existing view or a hook and disables the rest; called once all of them are there.
+    void offer_what_exists();
+
+private:
+    void wire_views();
+    void wire_ports();
+    void wire_tools();
+    void activate();
+    void name_ports();
+    void choose_port(std::size_t index);
+    void reset_controller();
+    void prepare_to_reflash();
+    void ask_to_quit();
+
+    Use use_;
+    bool activated_ = false;
+};
+
+} // namespace ecu::shell

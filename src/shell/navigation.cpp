@@ -1,0 +1,98 @@
+#include "shell/navigation.h"
+
+#include <algorithm>
+
+namespace ecu::shell {
+
+namespace {
+
+using link::View;
+using link::ViewRequest;
+
+constexpr std::array<View, 8> request_targets{View::monitor,       View::dashboard,          View::configuration,
+                                              View::basic_mapping, View::additional_mapping, View::gpo_mapping,
+                                              View::plotter,       View::diagnostics};
+
+std::size_t index_of(View view) { return static_cast<std::size_t>(view); }
+
+// These show figures that hang on the sensor spans and the rpm range.
+bool needs_scales(View view) {
+    return view == View::basic_mapping || view == View::plotter || view == View::gpo_mapping;
+}
+
+} // namespace
+
+View view_of(ViewRequest request) { return request_targets.at(static_cast<std::size_t>(request)); }
+
+ViewRequest request_of(View view) {
+    return static_cast<ViewRequest>(std::ranges::find(request_targets, view) - request_targets.begin());
+}
+
+void offer(platform::Control& control, bool exists) {
+    control.set_enabled(exists);
+    if (!exists) {
+        control.set_tool_tip(view_missing);
+    } else if (control.tool_tip() == view_missing) {
+        control.set_tool_tip("");
+    }
+}
+
+Navigation::Navigation(const platform::Ports& ports, link::SharedState& state, link::EcuComm& comm,
+                       link::LinkSelection& link_selection, platform::Form& main_form)
+    : ports_(ports), state_(state), comm_(comm), link_selection_(link_selection), main_form_(main_form) {}
+
+void Navigation::add_view(View view, platform::Form& form) { views_.at(index_of(view)) = &form; }
+
+bool Navigation::available(View view) const { return views_.at(index_of(view)) != nullptr; }
+
+void Navigation::open(View view) {
+    platform::Form* form = views_.at(index_of(view));
+    if (form == nullptr || opening_) {
+        return;
+    }
+    if (comm_.busy()) {
+        state_.request_view(request_of(view));
+        return;
+    }
+    struct Opening {
+        explicit Opening(bool& flag) : flag_(flag) { flag_ = true; }
+        ~Opening() { flag_ = false; }
+        bool& flag_;
+    };
+    {
+        const Opening opening(opening_);
+        link_selection_.open_comm_link();
+        if (!state_.comm_ready) {
+            return;
+        }
+        if (needs_scales(view)) {
+            comm_.send_ecu_message({'C'}, 21);
+        }
+        state_.current_view = view;
+        state_.last_activity_time = ports_.now();
+        state_.polling_paused = false;
+        if (view == View::monitor && before_monitor) {
+            before_monitor();
+        }
+        form->show();
+        main_form_.hide();
+    }
+    // The form's own reads start now, while no polling is under way.
+    ports_.waiting.process_events();
+}
+
+void Navigation::wire_menu(platform::MenuItem& item, ViewRequest request, platform::Form& own) {
+    offer(item, available(view_of(request)));
+    item.clicked = [this, request, &own] {
+        state_.request_view(request);
+        own.unload();
+    };
+}
+
+void Navigation::view_closed(platform::Form& own) {
+    state_.current_view = View::none;
+    own.hide();
+    main_form_.show();
+}
+
+} // namespace ecu::shell
