@@ -1,0 +1,118 @@
+#include "views/monitor.h"
+
+#include "platform/display_mask.h"
+
+#include <algorithm>
+
+namespace ecu::views {
+
+namespace {
+
+using platform::masked;
+
+std::string_view idle_valve_state(std::int32_t state) {
+    static constexpr std::array<std::string_view, 6> texts{"SHTDWN", "HOME", "ST_POS", "OPENING", "CLOSING", "CLOSED"};
+    return state >= 1 && state <= static_cast<int>(texts.size()) ? texts[static_cast<std::size_t>(state - 1)] : "????";
+}
+
+// The magnitude, and whether it is before or after top dead centre.
+std::string timing_text(float degrees) {
+    return degrees < 0 ? masked(-degrees, "##0.00") + "A" : masked(degrees, "##0.00") + "B";
+}
+
+} // namespace
+
+Monitor::Monitor(const platform::Ports& ports, link::SharedState& state, messages::EcuLiveData& data,
+                 const calibration::Scales& scales, shell::Navigation& navigation, shell::Polling& polling,
+                 FrmMon& form)
+    : ports_(ports), state_(state), data_(data), scales_(scales), navigation_(navigation), form_(form) {
+    form_.form.on_activate = [this] { activate(); };
+    form_.form.on_unload = [this] { navigation_.view_closed(form_.form); };
+    form_.Command3d1.clicked = [this] { form_.form.unload(); };
+    form_.menufileexit.clicked = [this] { form_.form.unload(); };
+
+    // No reply forms these marks, so the rows that bear one are written at the next refresh.
+    navigation_.add_view(link::View::monitor, form_.form);
+    navigation_.before_monitor = [this] { mark_shown(14, "xxox"); };
+    polling.forget_monitor_strings = [this] { mark_shown(12, "ABCDDBCD"); };
+    polling.leave_monitor = [this] { form_.Command3d1.press(); };
+    polling.on_refresh(link::View::monitor, [this] { refresh_monitor_strings(); });
+}
+
+void Monitor::wire_menu() {
+    using link::ViewRequest;
+    navigation_.wire_menu(form_.menu_dash, ViewRequest::dashboard, form_.form);
+    navigation_.wire_menu(form_.menu_tools, ViewRequest::configuration, form_.form);
+    navigation_.wire_menu(form_.menu_3d, ViewRequest::basic_mapping, form_.form);
+    navigation_.wire_menu(form_.menu_2d, ViewRequest::additional_mapping, form_.form);
+    navigation_.wire_menu(form_.menu_sup, ViewRequest::gpo_mapping, form_.form);
+    navigation_.wire_menu(form_.menu_plot, ViewRequest::plotter, form_.form);
+    navigation_.wire_menu(form_.menu_diag, ViewRequest::diagnostics, form_.form);
+}
+
+void Monitor::activate() {
+    state_.last_activity_time = ports_.now();
+    form_.form.set_caption("Real Time Monitor" + state_.link_title_suffix);
+    unit_text_ = scales_.shows_lambda ? "Lambda" : "AFR";
+    form_.unit_of_lambda.set_text(unit_text_);
+    form_.unit_of_setpoint.set_text(unit_text_);
+}
+
+void Monitor::mark_shown(std::size_t count, std::string_view mark) { std::fill_n(shown_.begin(), count, mark); }
+
+void Monitor::refresh_monitor_strings() {
+    data_.engine_rpm = std::min(data_.engine_rpm, 40000.0F);
+    data_.throttle_percent = std::min(data_.throttle_percent, 100.0F);
+    data_.coolant_temp = std::min(data_.coolant_temp, 125.0F);
+    form_strings();
+    form_.tx_bytes.set_text(std::to_string(state_.tx_byte_count[0]));
+    form_.rx_bytes.set_text(std::to_string(state_.rx_byte_count[0]));
+    for (std::size_t row = 0; row < rows; ++row) {
+        if (wanted_[row] != shown_[row]) {
+            form_.ECU_Data[row].set_text(wanted_[row]);
+            shown_[row] = wanted_[row];
+            ports_.waiting.process_events();
+        }
+    }
+}
+
+void Monitor::form_strings() {
+    wanted_[0] = masked(data_.engine_rpm, "###0");
+    form_mixture_strings();
+    wanted_[2] = masked(data_.coolant_temp, "##0");
+    wanted_[3] = masked(data_.throttle_raw_percent, "##0.0");
+    wanted_[4] = masked(data_.manifold_kpa, "###.0");
+    wanted_[5] = masked(data_.injector_pw * 1000, "##.##0");
+    wanted_[6] = masked(data_.ego_correction, "0.000");
+    wanted_[7] = masked(data_.map_enrichment, "0.000");
+    wanted_[8] = masked(data_.accel_enrichment, "##.000");
+    wanted_[9] = masked(data_.clt_enrichment, "0.000");
+    wanted_[10] = masked(data_.battery_volts, "#0.00");
+    wanted_[11] = masked(data_.air_temp, "##0");
+    wanted_[12] = masked(data_.aux_volts, "0.000");
+    wanted_[14] = masked(data_.baro_kpa, "###.0");
+    wanted_[15] = idle_valve_state(data_.iac_state);
+    wanted_[16] = data_.iac_error == 0 ? "OK" : "ERR" + std::to_string(data_.iac_error);
+    wanted_[17] = masked(data_.iac_position, "###0");
+    wanted_[18] = masked(data_.iac_rpm_setpoint, "###0");
+    wanted_[19] = timing_text(data_.ignition_timing);
+}
+
+void Monitor::form_mixture_strings() {
+    const auto mixture_text = [this](float lambda) {
+        return scales_.shows_lambda ? masked(lambda, "#.000") : masked(scales_.lambda_to_display(lambda), "##.00");
+    };
+    wanted_[1] = mixture_text(data_.lambda);
+    form_.ego_lambda_setpoint.set_text(mixture_text(data_.ego_lambda_setpoint));
+    if (data_.sensor_reads_lambda()) {
+        form_.unit_of_lambda.set_text(unit_text_);
+    } else {
+        wanted_[1] = masked(data_.oxygen_percent, "##.0");
+        form_.unit_of_lambda.set_text("%O2");
+    }
+    if (data_.sensor_fault()) {
+        wanted_[1] = "ERR";
+    }
+}
+
+} // namespace ecu::views
