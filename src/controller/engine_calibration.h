@@ -1,0 +1,83 @@
+// The controller's memory as its engine functions read it: interpolated tables and parameters in engineering units,
+// for one operating point. Read afresh on every step, so that whatever the console writes acts at once.
+#pragma once
+
+#include "controller/memory.h"
+
+#include <array>
+#include <cstdint>
+
+namespace ecu::controller {
+
+// Where the engine runs, in engineering units.
+struct OperatingPoint {
+    double rpm = 0;
+    double manifold_kpa = 100;
+    double baro_kpa = 100;
+    double throttle_percent = 0;
+    double coolant = 20; // degrees C
+    double air = 20;
+    double battery = 12.5; // volts
+    double aux_volts = 0;
+    double iac_position = 0;
+    int gear = 0;
+};
+
+struct Fuelling {
+    double map_gain = 0; // ratio of the fuel map
+    double tps_mix = 0;  // 0 to 1, share of the throttle's map
+    double clt_gain = 0; // ratio of the coolant's table
+    double pulse_ms = 0; // injector opening, oxygen feedback not counted
+};
+
+class EngineCalibration {
+public:
+    explicit EngineCalibration(const ControllerMemory& memory);
+
+    double full_scale_rpm() const;
+    double map_span() const;
+    double map_base() const;
+    // Places along the axes, held to 0 to 1.
+    double rpm_position(double rpm) const;
+    double map_position(double kpa) const;
+
+    Fuelling fuelling(const OperatingPoint& at) const;
+    double lambda_setpoint(const OperatingPoint& at) const;
+    double timing(const OperatingPoint& at) const; // degrees before top dead centre
+    double dwell_ms(const OperatingPoint& at) const;
+    double idle_rpm(const OperatingPoint& at) const;
+    double accel_gain(const OperatingPoint& at) const; // ratio of acceleration enrichment
+    // What the throttle sensor's share of its full scale stands for, by the closed and opened values.
+    double throttle_percent(double sensor) const;
+    std::array<double, 4> gpo_duties(const OperatingPoint& at) const; // 0 to 1
+    // The gear whose range holds the ratio, 0 for none.
+    int gear_of(double rpm_per_mph) const;
+
+    double raw(std::size_t slot, std::size_t element = 0) const { return memory_.value(slot + element); }
+    std::uint16_t bits(std::size_t slot, std::size_t element = 0) const { return memory_.value(slot + element); }
+
+    // Slots that the engine reads directly.
+    struct Slots {
+        std::size_t fs_rpm, map_type, fuel_b, fuel_mx, tps_rpm, bat_comp, acc_rate, acc_sen, acc_minp, acc_maxp;
+        std::size_t ego_secs, ego_flgs, ego_a_lo, ego_a_hi, tps_base, tps_fs, tps_ego, tps_enr, ign_tdwl;
+        std::size_t iac_clos, iac_open, iac_tpse, iac_dead, rli_hrd1, rlf_hrd1;
+        std::size_t gpos, gpov, rpms, ggpo, rpsl, rpsh;
+    };
+    const Slots& slots() const { return slots_; }
+
+private:
+    struct Tables {
+        std::size_t egol, cltm, matm, auxm, mapm, ignm, ignr, barg, idle, ignt, dwel, bari, ignc, igna, accc, batd;
+        std::size_t ign3, tpfm, tpfp;
+        std::array<std::size_t, 4> gpo;
+    };
+    double nine(std::size_t base, double position) const;
+    double square(std::size_t base, std::size_t side, double x, double y) const;
+    double gpo_duty(std::size_t channel, const OperatingPoint& at) const;
+
+    const ControllerMemory& memory_;
+    Slots slots_;
+    Tables tables_;
+};
+
+} // namespace ecu::controller

@@ -1,0 +1,56 @@
+// What befalls replies on their way: each kind strikes at its rate, drawn from a seed, or exactly the next replies
+// when a test asks for it. The request itself has been carried out in every case; only silence and a pulled plug
+// keep the controller from hearing it.
+#pragma once
+
+#include "controller/noise.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace ecu::controller {
+
+enum class Fault : std::uint8_t { lost, late, cut, corrupted, surplus };
+inline constexpr std::size_t fault_count = 5;
+
+struct FaultPlan {
+    std::array<double, fault_count> rate{};    // 0 to 1, by Fault; the first kind that strikes is the one that does
+    double late_by = 0.15;                     // seconds; the console gives a try 0.1
+    bool silent = false;                       // hears nothing, says nothing
+    std::optional<std::uint64_t> unplug_after; // so many replies; the request after them pulls the plug
+
+    double& operator[](Fault fault) { return rate[static_cast<std::size_t>(fault)]; }
+};
+
+class Faults {
+public:
+    Faults(const FaultPlan& plan, std::uint64_t seed) : plan_(plan), noise_(seed) {}
+
+    // The next `times` replies suffer `fault`, whatever the rates say.
+    void strike_next(Fault fault, int times = 1);
+    void set_silent(bool silent) { plan_.silent = silent; }
+    void unplug() { unplugged_ = true; }
+    void plug_in();
+
+    bool silent() const { return plan_.silent; }
+    bool unplugged() const { return unplugged_; }
+
+    // Called for every good request before it is carried out; pulls the plug when its time has come.
+    void note_request();
+    // Changes `reply` (a lost one is left empty) and returns the seconds by which it is held back.
+    double befall(std::vector<std::uint8_t>& reply);
+
+private:
+    std::optional<Fault> draw();
+
+    FaultPlan plan_;
+    Noise noise_;
+    std::optional<Fault> forced_;
+    int forced_times_ = 0;
+    std::uint64_t replies_ = 0;
+    bool unplugged_ = false;
+};
+
+} // namespace ecu::controller
