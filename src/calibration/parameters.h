@@ -11,10 +11,11 @@
 
 namespace ecu::calibration {
 
-// Scalars first, map_change_time behind them, then the vectors.
+// Scalars first, map_change_time behind them, then the vectors. References to rows are to these.
 inline constexpr std::array<Parameter, 96> parameters = [] {
     std::array<Parameter, 96> all;
-    std::copy(vectors.begin(), vectors.end(), std::copy(scalars.begin(), scalars.end(), all.begin()));
+    std::copy(rows::vectors.begin(), rows::vectors.end(),
+              std::copy(rows::scalars.begin(), rows::scalars.end(), all.begin()));
     return all;
 }();
 
@@ -233,7 +234,7 @@ consteval int count_lines(bool vector_elements, bool table_cells) {
 }
 
 static_assert(rows_are_sound());
-static_assert(scalars.size() == 74 + 1 && vectors.size() == 21 && tables.size() == 29);
+static_assert(rows::scalars.size() == 74 + 1 && rows::vectors.size() == 21 && tables.size() == 29);
 static_assert(count_lines(true, false) == 120 + 32 && count_lines(false, true) == 1897);
 static_assert(3 + count_lines(true, true) == 2126);
 static_assert(download_batch.size() == 67);
