@@ -1,0 +1,251 @@
+#include "messages/live_decoder.h"
+#include "messages/live_forms.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace ecu::messages {
+namespace {
+
+using link::View;
+
+// clang-format off
+const std::vector<std::uint8_t> live_block{
+    'A', 0x00,
+    0x34, 0x12,                         // 4: frames received
+    0x01, 0x00,                         // 6: the sensor reads lambda
+    110, 135, 32,                       // 8: set point, sensor, throttle
+    0xBA, 0x13,                         // 11: pulse width
+    90, 0xF6, 180,                      // 13: coolant, air, battery
+    63, 144, 0x00, 0x80, 72,            // 16: corrections
+    0x30, 0x03,                         // 21: barometer
+    0xEC, 0xFF,                         // 23: timing
+    0x27,                               // 25: inputs 0, 1, 2 and 5
+    0x92, 0x01, 0xFF, 0xFF,             // 26: manifold, two bytes not read
+    0x80, 0x0C,                         // 30: rpm
+    0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE,
+    0x99, 0x00,                         // 39: raw throttle
+    5, 64, 8, 0, 3, 96,                 // 41: cells and remainders
+    2, 0xB8, 0x0B, 0xEE,                // 47: dyno
+    1, 1, 2, 2, 3, 3, 4, 4, 5, 5,       // 51: wideband
+    0xE4, 0x2E};                        // 61: exhaust
+const std::vector<std::uint8_t> second_block{
+    129,
+    2, 0x39, 0x30, 0x07, 0x00, 1, 4,    // 3: map, triggers, cams, indices
+    0x10, 0x27, 9,                      // 10: seconds, errors
+    0x88, 0x03, 0x41, 0x06, 5,          // 13: speed, ratio, gear
+    0, 51, 128, 255,                    // 18: output duties
+    0x00, 0x02,                         // 22: auxiliary input
+    4, 3, 0x2C, 0x01, 0x52, 0x03};      // 24: idle valve
+const std::vector<std::uint8_t> channel_block{
+    207,
+    0xE8, 0x03, 0x64, 0x00, 0xD0, 0x07, 0xC8, 0x00, 0x00, 0x00, 0xFF, 0xFF, 0x0A, 0x00, 0x14, 0x00,
+    191, 192, 217, 218, 255, 0, 1, 13,  // 19: injector duties
+    102, 103, 127, 129, 0, 0, 0, 5,     // 27: ignition duties
+    0, 0};
+// clang-format on
+
+class LiveDecoderTest : public testing::Test {
+protected:
+    bool decode(const std::vector<std::uint8_t>& code_and_data, int payload_count = 0) {
+        link::Reply reply{2, static_cast<std::uint8_t>(code_and_data.size() + 4)};
+        std::ranges::copy(code_and_data, reply.begin() + 2);
+        state.reply_accepted = false;
+        const int size = static_cast<int>(code_and_data.size()) + 2;
+        return decoder.decode(reply, payload_count == 0 ? size : payload_count) && state.reply_accepted;
+    }
+    // The live block with the bytes from `offset` on replaced.
+    bool decode_live(std::size_t offset, std::vector<std::uint8_t> bytes) {
+        std::vector<std::uint8_t> block = live_block;
+        std::ranges::copy(bytes, block.begin() + static_cast<std::ptrdiff_t>(offset) - 2);
+        return decode(block);
+    }
+    std::string mon(std::string_view name, int index = -1) { return forms.mon.form.at(name, index).text(); }
+
+    test::LiveForms forms;
+    link::SharedState state;
+    EcuLiveData data;
+    LiveDecoder decoder{state, data, forms.registry};
+};
+
+TEST_F(LiveDecoderTest, EveryFieldOfTheLiveBlock) {
+    state.current_view = View::monitor;
+    data.rpm_filter_gain = 1;
+    ASSERT_TRUE(decode(live_block));
+    EXPECT_EQ(data.can_rx_frames, 4660);
+    EXPECT_EQ(data.status_flags, 1);
+    const std::vector<std::pair<float, double>> values{{data.ego_lambda_setpoint, 0.859375},
+                                                       {data.lambda, 1.0546875},
+                                                       {data.oxygen_percent, 0},
+                                                       {data.tps_pcnt, 50},
+                                                       {data.injector_pw, 0.00808},
+                                                       {data.coolant_temp, 90},
+                                                       {data.air_temp, -10},
+                                                       {data.battery_volts, 14.117647},
+                                                       {data.ego_correction, 0.984375},
+                                                       {data.map_enrichment, 1.125},
+                                                       {data.accel_enrichment, 52.4288},
+                                                       {data.clt_enrichment, 1.125},
+                                                       {data.baro_kpa, 101.730205},
+                                                       {data.ignition_timing, -5},
+                                                       {data.manifold_kpa, 100.5},
+                                                       {data.engine_rpm, 3200},
+                                                       {data.throttle_raw_percent, 14.95601},
+                                                       {data.throttle_percent, 14.95601},
+                                                       {data.map_position, 0.34375},
+                                                       {data.rpm_position, 0.5},
+                                                       {data.tps_position, 0.234375},
+                                                       {data.egt, 750.25}};
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        EXPECT_FLOAT_EQ(values[i].first, static_cast<float>(values[i].second)) << "value " << i;
+    }
+    const std::vector<std::int32_t> integers{data.ego_correction_raw, data.map_enrichment_raw,
+                                             data.engine_rpm_raw,     data.input_flags,
+                                             data.map_cell,           data.map_rem,
+                                             data.rpm_cell,           data.rpm_rem,
+                                             data.tps_cell,           data.tps_rem,
+                                             data.dyno_state,         data.dyno_samples,
+                                             data.wb_feedback,        data.wb_pump_current,
+                                             data.wb_pump_dac,        data.wb_heater_pw,
+                                             data.wb_heater_temp};
+    EXPECT_EQ(integers,
+              (std::vector<std::int32_t>{63, 144, 3200, 0x27, 5, 64, 8, 0, 3, 96, 2, 3000, 257, 514, 771, 1028, 1285}));
+    EXPECT_EQ(mon("can_rx_frames"), "4660");
+    EXPECT_EQ(mon("EGT"), "750.3");
+    EXPECT_EQ(mon("aux_stat") + mon("map_sel_stat") + mon("trig_b_stat"), "HIGHHIGHHIGH");
+    EXPECT_EQ(mon("rev_limit_stat") + mon("flat_shift_stat"), "RPM1flat-");
+    ASSERT_TRUE(decode_live(25, {0x58}));
+    EXPECT_EQ(mon("aux_stat") + mon("map_sel_stat") + mon("trig_b_stat"), "LOWLOWLOW");
+    EXPECT_EQ(mon("rev_limit_stat") + mon("flat_shift_stat"), "RPM2FLAT+");
+    EXPECT_EQ(forms.diagnostics.dyno_stat.text(), "") << "only the diagnostics view follows the dyno";
+}
+
+TEST_F(LiveDecoderTest, SignsLimitsAndAnOxygenSensor) {
+    ASSERT_TRUE(decode_live(6, {0x00, 0x01}));
+    EXPECT_FLOAT_EQ(data.oxygen_percent, 13.5F);
+    EXPECT_EQ(data.lambda, 2.0F);
+    EXPECT_TRUE(data.sensor_fault());
+    ASSERT_TRUE(decode_live(10, {65}));
+    EXPECT_EQ(data.tps_pcnt, 100.0F);
+    ASSERT_TRUE(decode_live(13, {0x80, 0x7F}));
+    EXPECT_EQ(data.coolant_temp, -128);
+    EXPECT_EQ(data.air_temp, 127);
+    ASSERT_TRUE(decode_live(23, {0xFF, 0x7F}));
+    EXPECT_FLOAT_EQ(data.ignition_timing, 8191.75F);
+    ASSERT_TRUE(decode_live(39, {0xF6, 0xFF}));
+    EXPECT_NEAR(data.throttle_raw_percent, -0.97752, 1e-5);
+    EXPECT_EQ(data.throttle_percent, 0);
+    ASSERT_TRUE(decode_live(39, {0x00, 0x04}));
+    EXPECT_GT(data.throttle_raw_percent, 100);
+    EXPECT_EQ(data.throttle_percent, 100);
+}
+
+TEST_F(LiveDecoderTest, RpmApproachesTheRawFigureByTheFilterGain) {
+    data.rpm_filter_gain = 0.8F;
+    ASSERT_TRUE(decode(live_block));
+    EXPECT_FLOAT_EQ(data.engine_rpm, 2560);
+    ASSERT_TRUE(decode(live_block));
+    EXPECT_FLOAT_EQ(data.engine_rpm, 3072);
+    EXPECT_EQ(data.engine_rpm_raw, 3200);
+}
+
+TEST_F(LiveDecoderTest, EveryFieldOfTheSecondBlockAndItsRelatives) {
+    ASSERT_TRUE(decode(second_block));
+    EXPECT_EQ(data.gpo_duty[0], 0);
+    EXPECT_FLOAT_EQ(data.gpo_duty[1], 20);
+    EXPECT_FLOAT_EQ(data.gpo_duty[2], 50.196078F);
+    EXPECT_FLOAT_EQ(data.gpo_duty[3], 100);
+    EXPECT_FLOAT_EQ(data.aux_volts, 1.65F);
+    EXPECT_FLOAT_EQ(data.aux_egt, 200);
+    EXPECT_EQ(data.iac_state, 4);
+    EXPECT_EQ(data.iac_error, 3);
+    EXPECT_EQ(data.iac_position, 300);
+    EXPECT_EQ(data.iac_rpm_setpoint, 850);
+    EXPECT_FLOAT_EQ(data.speed_MPH, 56.5F);
+    EXPECT_FLOAT_EQ(data.rpm_mph_ratio, 100.0625F);
+    const std::vector<std::pair<const char*, const char*>> texts{
+        {"map_num", "2"},       {"num_trigs", "12345"},     {"num_cams", "7"}, {"wheel_idx_num", "1"},
+        {"cam_idx_num", "4"},   {"cpu_secs", "10000"},      {"err_flgs", "9"}, {"gear_number", "5"},
+        {"speed_MPH", "56.50"}, {"rpm_mph_ratio", "100.06"}};
+    for (const auto& [label, text] : texts) {
+        EXPECT_EQ(mon(label), text) << label;
+    }
+    std::vector<std::uint8_t> relative(second_block.begin(), second_block.begin() + 16);
+    relative[0] = 178;
+    relative[1] = 3;
+    ASSERT_TRUE(decode(relative));
+    EXPECT_EQ(mon("map_num"), "3");
+    ASSERT_TRUE(decode({152, 6, 0, 0x01, 0x02, 0x20, 0x03}));
+    EXPECT_EQ(data.iac_state, 6);
+    EXPECT_EQ(data.iac_position, 513);
+    EXPECT_EQ(data.iac_rpm_setpoint, 800);
+}
+
+TEST_F(LiveDecoderTest, ChannelsWithDutiesReadFromTheBytesOfTheLastFourWordsToo) {
+    ASSERT_TRUE(decode(channel_block));
+    EXPECT_EQ(mon("inj_pw", 0), "1.600");
+    EXPECT_EQ(mon("ign_dwell", 0), "1.000");
+    EXPECT_EQ(mon("inj_pw", 1) + " " + mon("ign_dwell", 1), "3.200 2.000");
+    EXPECT_EQ(mon("ign_dwell", 2), "655.350");
+    EXPECT_EQ(mon("inj_pw", 4), "78.949") << "191 + 256 * 192";
+    EXPECT_EQ(mon("ign_dwell", 7), "12.800") << "256 * 5";
+    EXPECT_EQ(data.inj_duty, (std::array<std::int16_t, 16>{75, 75, 85, 85, 100, 0, 0, 5}));
+    EXPECT_EQ(data.ign_duty, (std::array<std::int16_t, 16>{40, 40, 50, 51, 0, 0, 0, 2}));
+    EXPECT_EQ(mon("inj_duty", 4) + mon("ign_duty", 3), "10051");
+    const platform::Colour blue{0, 0, 255};
+    const platform::Colour orange{255, 128, 0};
+    EXPECT_EQ(forms.mon.inj_duty[1].fore_colour(), blue);
+    EXPECT_EQ(forms.mon.inj_duty[3].fore_colour(), orange);
+    EXPECT_EQ(forms.mon.inj_duty[4].fore_colour(), platform::light_red);
+    EXPECT_EQ(forms.mon.ign_duty[1].fore_colour(), blue);
+    EXPECT_EQ(forms.mon.ign_duty[2].fore_colour(), orange);
+    EXPECT_EQ(forms.mon.ign_duty[3].fore_colour(), platform::light_red);
+}
+
+TEST_F(LiveDecoderTest, InThePlotterTheRecordMovesAndTheLabelsStand) {
+    state.current_view = View::plotter;
+    ASSERT_TRUE(decode(live_block));
+    ASSERT_TRUE(decode(second_block));
+    ASSERT_TRUE(decode(channel_block));
+    for (const platform::Control* control : forms.mon.form.controls()) {
+        const bool is_reading = control->kind() == platform::Kind::label && control->name() != "Label1" &&
+                                control->name() != "show_demo_mode";
+        EXPECT_TRUE(!is_reading || control->text().empty()) << control->full_name();
+    }
+    EXPECT_EQ(data.engine_rpm_raw, 3200);
+    EXPECT_EQ(data.gear_number, 5);
+    EXPECT_EQ(data.inj_duty[4], 100);
+    state.current_view = View::dashboard;
+    ASSERT_TRUE(decode(live_block));
+    EXPECT_EQ(mon("EGT"), "750.3");
+    EXPECT_EQ(mon("can_rx_frames"), "") << "of the monitor alone";
+}
+
+TEST_F(LiveDecoderTest, TheDiagnosticsViewFollowsTheDynoState) {
+    std::string calls;
+    decoder.on_dyno_row = [&] { calls += "row "; };
+    decoder.on_dyno_finish = [&] { calls += "finish "; };
+    state.current_view = View::diagnostics;
+    std::string shown;
+    for (const std::uint8_t dyno_state : std::vector<std::uint8_t>{0, 1, 2, 3, 200}) {
+        ASSERT_TRUE(decode_live(47, {dyno_state}));
+        shown += forms.diagnostics.dyno_stat.text() + " " + forms.diagnostics.dyno_samples.text() + " ";
+    }
+    EXPECT_EQ(shown, "Disarmed --- Armed --- Running 3000 Finished --- Finished --- ");
+    EXPECT_EQ(calls, "row finish finish ");
+}
+
+TEST_F(LiveDecoderTest, TheCapabilityWordIsKeptAndWrongSizesTouchNothing) {
+    EXPECT_FALSE(decode({179, 0x34, 0x12}, 6));
+    EXPECT_FALSE(state.capabilities_loaded);
+    EXPECT_FALSE(decode(live_block, 62));
+    EXPECT_FALSE(decode({'B', 0, 0}));
+    EXPECT_EQ(data.can_rx_frames, 0);
+    ASSERT_TRUE(decode({179, 0x34, 0x12}));
+    EXPECT_TRUE(state.capabilities_loaded);
+    EXPECT_EQ(decoder.capabilities().word(), 0x1234);
+}
+
+} // namespace
+} // namespace ecu::messages
