@@ -8,6 +8,7 @@
 #include "calibration/vectors.h"
 
 #include <algorithm>
+#include <span>
 
 namespace ecu::calibration {
 
@@ -18,6 +19,8 @@ inline constexpr std::array<Parameter, 96> parameters = [] {
               std::copy(rows::scalars.begin(), rows::scalars.end(), all.begin()));
     return all;
 }();
+inline constexpr std::span<const Parameter> scalars{parameters.data(), rows::scalars.size()};
+inline constexpr std::span<const Parameter> vectors{parameters.data() + rows::scalars.size(), rows::vectors.size()};
 
 // -- Lookups. Null when there is none.
 
