@@ -1,0 +1,223 @@
+#include "autotune/autotune.h"
+
+#include "autotune/log_fields.h"
+#include "logging/log_file.h"
+#include "maps/editing_rules.h"
+#include "platform/display_mask.h"
+#include "platform/leading_number.h"
+#include "platform/rounding.h"
+
+#include <cmath>
+#include <fstream>
+
+namespace ecu::autotune {
+
+namespace {
+
+constexpr int cells = 256;
+constexpr int column_width = 38;
+constexpr int fields_read = 34; // of a row's 37; the reader does not skip the others
+constexpr std::string_view log_version = "LOG_FILE V1.00.02";
+
+float number_of(std::string_view text) { return static_cast<float>(platform::leading_number(text)); }
+
+bool is_skipped(std::string_view factor) { return factor.empty() || factor == "X" || factor == "x"; }
+
+void apply_factor(const platform::Grid& factors, platform::Grid& map, int n) {
+    const std::string& factor = maps::text_at(factors, n);
+    const float product = number_of(factor) * number_of(maps::text_at(map, n));
+    if (!is_skipped(factor)) {
+        maps::write_at(map, n, platform::masked(product, "0.000"));
+    }
+}
+
+// What one row leaves for the next.
+struct Previous {
+    float cpu_t = -1;
+    float rpm = 0, lambda = 0, tps = 0, map = 0;
+};
+
+float change(float& previous, float value) {
+    const float difference = value - previous;
+    previous = value;
+    return difference;
+}
+
+// Not the time between two rows: the comparison of their times as a number, -1 when equal and 0 when not, a negative
+// one a day later. So the first row of every log divides by zero.
+float time_step(float& previous, float now) {
+    float dt = 0;
+    if (previous != -1) {
+        dt = previous == now ? -1.0F : 0.0F;
+        if (dt < 0) {
+            dt += 86400;
+        }
+    }
+    previous = now;
+    return dt;
+}
+
+std::int16_t integer_of(float value) { return static_cast<std::int16_t>(platform::round_to_even(value)); }
+
+void take_field(int number, float value, LogRow& row, Previous& previous) {
+    switch (number) {
+    case 2:
+        row.dt = time_step(previous.cpu_t, value);
+        break;
+    case 3:
+        row.d_rpm = change(previous.rpm, value);
+        break;
+    case 4:
+        row.d_lambda = change(previous.lambda, value);
+        break;
+    case 6:
+        row.d_tps = change(previous.tps, value);
+        break;
+    case 7:
+        row.d_map = change(previous.map, value);
+        break;
+    case 10:
+        row.corr = value;
+        break;
+    case 25:
+        row.ego_sp = value;
+        break;
+    case 28:
+        row.map_c = integer_of(value);
+        break;
+    case 29:
+        row.map_r = value;
+        break;
+    case 30:
+        row.rpm_c = integer_of(value);
+        break;
+    case 31:
+        row.rpm_r = value;
+        break;
+    case 32:
+        row.tps_c = integer_of(value);
+        break;
+    case 33:
+        row.tps_r = value;
+        break;
+    case 34:
+        row.tps_pcnt = value;
+        break;
+    default:
+        break;
+    }
+}
+
+} // namespace
+
+Autotune::Autotune(const platform::Ports& ports, link::SharedState& state, FrmAutotune& form, maps::Frm3d& frm_3d)
+    : ports_(ports), state_(state), form_(form), frm_3d_(frm_3d) {
+    form_.form.on_load = [this] {
+        size_grids();
+        autotune_reset();
+    };
+    form_.form.on_close = [this] { leave(); };
+    form_.Command3d1.clicked = [this] { leave(); };
+    form_.apply_to_maps.clicked = [this] { apply_to_maps(); };
+    form_.reset_autotune_params.clicked = [this] { autotune_reset(); };
+    form_.menu_load_logfile.clicked = [this] { load_logfile(); };
+    frm_3d_.menu_autotune.clicked = [this] { open(); };
+}
+
+// No polling while the screen shows. An opening read that runs behind it keeps the pause it made.
+void Autotune::open() {
+    const bool paused_before = state_.polling_paused;
+    state_.polling_paused = true;
+    frm_3d_.form.hide();
+    form_.form.show_modal();
+    state_.polling_paused = paused_before;
+}
+
+void Autotune::leave() {
+    form_.form.hide();
+    frm_3d_.form.show();
+}
+
+void Autotune::size_grids() {
+    for (platform::Grid* grid : {&form_.autotune_inj_factors, &form_.autotune_tps_factors}) {
+        grid->set_column_width(0, 0);
+        grid->set_row_height(0, 0);
+        for (int column = 1; column <= grid->columns(); ++column) {
+            grid->set_column_width(column, column_width);
+        }
+    }
+}
+
+void Autotune::autotune_reset() {
+    maps::write_all(form_.autotune_inj_factors, "");
+    maps::write_all(form_.autotune_tps_factors, "");
+    inj_point_count_.fill(0);
+    tps_point_count_.fill(0);
+    for (Samples* samples : {&inj_point_samples_, &tps_point_samples_}) {
+        for (auto& slot : *samples) {
+            slot.fill(0);
+        }
+    }
+}
+
+void Autotune::apply_to_maps() {
+    const maps::Repaint fuel(frm_3d_.inj_map);
+    const maps::Repaint tps(frm_3d_.TPS_map);
+    for (int n = 0; n < cells; ++n) {
+        apply_factor(form_.autotune_inj_factors, frm_3d_.inj_map, n);
+        apply_factor(form_.autotune_tps_factors, frm_3d_.TPS_map, n);
+    }
+}
+
+bool Autotune::autotune_routine(LogRow& row) {
+    for (const float difference : {row.d_map, row.d_rpm, row.d_tps, row.d_lambda}) {
+        if (row.dt == 0 || !std::isfinite(difference / row.dt)) {
+            return false;
+        }
+    }
+    row.ego_sp = 0.8F;
+    maps::write_at(form_.autotune_inj_factors, 0, "");
+    maps::write_at(form_.autotune_tps_factors, 0, "");
+    return true;
+}
+
+// Whatever goes wrong past the version line ends the loader without a word.
+void Autotune::load_logfile() {
+    const std::string name = ports_.dialogs.open_file({.title = "Load Logfile",
+                                                       .default_extension = "csv",
+                                                       .filter = "Setup Files (*.csv)|",
+                                                       .initial_name = "*.CSV"});
+    if (name.empty() || name == "*.CSV") {
+        return;
+    }
+    std::ifstream in(logging::path_of(ports_.folder, name), std::ios::binary);
+    std::optional<std::string> line;
+    for (int i = 0; i < 3; ++i) {
+        line = read_line(in);
+        if (!line) {
+            return;
+        }
+    }
+    if (*line != log_version) {
+        ports_.dialogs.say("Incompatible log file for this version of Autotune");
+        return;
+    }
+    read_line(in);
+
+    LogRow row;
+    Previous previous;
+    while (!at_end(in)) {
+        for (int number = 1; number <= fields_read; ++number) {
+            const auto field = read_field(in);
+            if (!field) {
+                return;
+            }
+            take_field(number, number_of(*field), row, previous);
+        }
+        if (!autotune_routine(row)) {
+            return;
+        }
+    }
+}
+
+} // namespace ecu::autotune

@@ -1,0 +1,80 @@
+#include "maps/block_modifier.h"
+
+#include "platform/display_mask.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace ecu::maps {
+
+namespace {
+
+float number_of(const std::string& text) { return static_cast<float>(platform::leading_number(text)); }
+
+// No result leaves the cell as it is.
+std::optional<float> result_of(CellOperation operation, float x, const FrmCellblockModifier& form) {
+    switch (operation) {
+    case CellOperation::cancel:
+        return std::nullopt;
+    case CellOperation::multiply:
+        return x * number_of(form.multiply.text());
+    case CellOperation::add:
+        return x + number_of(form.Add.text());
+    case CellOperation::set_all:
+        return number_of(form.set_value.text());
+    case CellOperation::subtract:
+        return x - number_of(form.Add.text());
+    case CellOperation::divide: {
+        const float operand = number_of(form.multiply.text());
+        return operand == 0 ? std::nullopt : std::optional(x / operand);
+    }
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+BlockModifier::BlockModifier(const platform::Ports& ports, link::SharedState& state,
+                             const platform::FormRegistry& registry, FrmCellblockModifier& form,
+                             BlockSelection& selection)
+    : ports_(ports), state_(state), form_(form), selection_(selection) {
+    std::ranges::transform(block_tables, grids_.begin(), [&](const BlockTable& table) {
+        return &registry.get<platform::Grid>(table.form, table.grid);
+    });
+    for (std::size_t k = 0; k < form_.cell_operation.size(); ++k) {
+        form_.cell_operation[k].clicked = [this, k] { run(static_cast<CellOperation>(k)); };
+    }
+    form_.form.on_close = [this] { form_.form.hide(); };
+    selection.open_modifier = [this] {
+        form_.form.show();
+        form_.form.raise();
+    };
+}
+
+void BlockModifier::run(CellOperation operation) {
+    state_.reset_comm_watch = true;
+    if (operation != CellOperation::cancel &&
+        ask_caution(ports_.dialogs, "This operation will modify a group of cells and cannot be undone. Continue?")) {
+        apply(operation);
+    }
+    form_.form.hide();
+}
+
+void BlockModifier::apply(CellOperation operation) {
+    const auto table = std::ranges::find(block_tables, selection_.block_table_id, &BlockTable::id);
+    if (table == block_tables.end()) {
+        return;
+    }
+    platform::Grid& grid = *grids_[static_cast<std::size_t>(table - block_tables.begin())];
+    const Repaint repaint(grid);
+    for (int i = 0; i < cells_of(grid); ++i) {
+        if (!selection_.contains(row_of(grid, i), column_of(grid, i))) {
+            continue;
+        }
+        if (const auto result = result_of(operation, number_of(text_at(grid, i)), form_)) {
+            write_at(grid, i, platform::masked(*result, table->mask));
+        }
+    }
+}
+
+} // namespace ecu::maps

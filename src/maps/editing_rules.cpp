@@ -1,0 +1,197 @@
+#include "maps/editing_rules.h"
+
+#include "platform/display_mask.h"
+
+#include <algorithm>
+#include <tuple>
+
+namespace ecu::maps {
+
+using platform::Grid;
+using platform::KeyPress;
+using platform::MouseButton;
+using platform::TextBox;
+namespace key = platform::key;
+
+int row_of(const Grid& grid, int index) {
+    return grid.rows() == 16 ? calibration::map_row_16(index) : calibration::map_row_9(index);
+}
+
+int column_of(const Grid& grid, int index) {
+    return grid.rows() == 16 ? calibration::map_col_16(index) : calibration::map_col_9(index);
+}
+
+const std::string& text_at(const Grid& grid, int index) {
+    return grid.cell_text(row_of(grid, index), column_of(grid, index));
+}
+
+void write_at(Grid& grid, int index, std::string_view text) {
+    grid.set_cell_text(row_of(grid, index), column_of(grid, index), text);
+}
+
+int pending_cells(const Grid& grid) {
+    int count = 0;
+    for (int i = 0; i < cells_of(grid); ++i) {
+        count += grid.cell_pending(row_of(grid, i), column_of(grid, i)) ? 1 : 0;
+    }
+    return count;
+}
+
+void write_all(Grid& grid, std::string_view text) {
+    const Repaint repaint(grid);
+    for (int i = 0; i < cells_of(grid); ++i) {
+        write_at(grid, i, text);
+    }
+}
+
+void blank(Grid& grid) {
+    const Repaint repaint(grid);
+    for (int i = 0; i < cells_of(grid); ++i) {
+        write_at(grid, i, "");
+        grid.set_cell_back(row_of(grid, i), column_of(grid, i), platform::pending);
+    }
+}
+
+void confirm_all(Grid& grid, std::string_view text) {
+    const Repaint repaint(grid);
+    for (int i = 0; i < cells_of(grid); ++i) {
+        grid.confirm_cell(row_of(grid, i), column_of(grid, i), text);
+    }
+}
+
+bool ask_caution(platform::Dialogs& dialogs, std::string_view question) {
+    return dialogs.message_box({.text = std::string(question),
+                                .title = "CAUTION!",
+                                .buttons = platform::Buttons::yes_no,
+                                .icon = platform::Icon::warning,
+                                .preset = platform::Answer::no}) == platform::Answer::yes;
+}
+
+std::string stepped(std::string_view text, const KeyStep& step, bool up) {
+    const double value = platform::leading_number(text);
+    const double next = up ? std::min(value + step.step, step.maximum) : std::max(value - step.step, step.minimum);
+    return platform::masked(next, step.mask);
+}
+
+void BlockSelection::anchor_at(int row, int column) {
+    block_anchor_row = static_cast<std::int16_t>(row);
+    block_anchor_col = static_cast<std::int16_t>(column);
+}
+
+void BlockSelection::end_at(int row, int column) {
+    block_end_row = static_cast<std::int16_t>(row);
+    block_end_col = static_cast<std::int16_t>(column);
+}
+
+void BlockSelection::take(int table_id, const Grid& grid) {
+    std::tie(block_row_low, block_row_high) = std::minmax(block_anchor_row, block_end_row);
+    std::tie(block_col_low, block_col_high) = std::minmax(block_anchor_col, block_end_col);
+    block_table_id = static_cast<std::int16_t>(table_id);
+    block_grid_rows = static_cast<std::int16_t>(grid.rows());
+    block_grid_cols = static_cast<std::int16_t>(grid.columns());
+}
+
+bool BlockSelection::contains(int row, int column) const {
+    return block_col_low <= column && column <= block_col_high && block_row_low <= row && row <= block_row_high;
+}
+
+void wire_grid(Grid& grid, const GridKeys& keys, BlockSelection& selection, std::function<void()> update) {
+    const auto open_block = [&grid, &selection, id = keys.block_table_id](bool open) {
+        selection.take(id, grid);
+        if (open && selection.open_modifier) {
+            selection.open_modifier();
+        }
+    };
+    grid.key_down = [&grid, &selection, keys, open_block](KeyPress& press) {
+        const int row = grid.active_row();
+        const int column = grid.active_column();
+        if (press.shift && !press.ctrl && (press.code == key::up || press.code == key::down)) {
+            const bool up = press.code == key::up;
+            press.code = key::shift; // so that the grid does not move its cursor as well
+            grid.set_cell_text(row, column, stepped(grid.cell_text(row, column), keys.step, up));
+        } else if (press.ctrl && !press.shift && press.code == 'S') {
+            selection.anchor_at(row, column);
+        } else if (press.ctrl && !press.shift && press.code == 'F') {
+            selection.end_at(row, column);
+            open_block(true);
+        }
+    };
+    grid.key_press = [update = std::move(update)](KeyPress& press) {
+        if (press.code == key::enter) {
+            press.code = 0;
+            update();
+        }
+    };
+    grid.mouse_down = [&grid, &selection, open_block](MouseButton button) {
+        if (button == MouseButton::left) {
+            selection.anchor_at(grid.mouse_row(), grid.mouse_column());
+            selection.block_invalid = false;
+        } else if (button == MouseButton::right) {
+            open_block(!selection.block_invalid);
+        }
+    };
+    grid.mouse_up = [&grid, &selection](MouseButton button) {
+        if (button == MouseButton::left) {
+            selection.end_at(grid.mouse_row(), grid.mouse_column());
+            selection.block_invalid = grid.mouse_row() == -1 || grid.mouse_column() == -1;
+        }
+    };
+}
+
+void pend_on_change(TextBox& box) {
+    box.changed = [&box] { box.set_back_colour(platform::pending); };
+}
+
+void colour_by_focus(TextBox& box) {
+    box.got_focus = [&box] { box.set_fore_colour(platform::light_red); };
+    box.lost_focus = [&box] { box.set_fore_colour(platform::black); };
+}
+
+bool step_box(TextBox& box, const KeyStep& step, KeyPress& press) {
+    if (!press.shift || press.ctrl || (press.code != key::up && press.code != key::down)) {
+        return false;
+    }
+    const bool up = press.code == key::up;
+    press.code = key::shift;
+    box.set_text(stepped(box.text(), step, up));
+    return true;
+}
+
+bool move_along(std::span<TextBox> boxes, std::size_t index, KeyPress& press) {
+    const bool left = press.code == key::left && index > 0;
+    const bool right = press.code == key::right && index + 1 < boxes.size();
+    if (press.shift || press.ctrl || (!left && !right)) {
+        return false;
+    }
+    press.code = 0;
+    boxes[left ? index - 1 : index + 1].set_focus();
+    return true;
+}
+
+void EditorLink::pause_polling(float seconds) {
+    state_.polling_paused = true;
+    ports_.wait_seconds(seconds);
+}
+
+void EditorLink::resume_polling(float seconds) {
+    state_.polling_paused = false;
+    ports_.wait_seconds(seconds);
+}
+
+void EditorLink::write_cell(int address, int raw) {
+    send(calibration::cell_write_message(address, raw), calibration::cell_reply);
+}
+
+bool EditorLink::read_blocks(const calibration::BlockRead& block, int address, int count,
+                             const std::function<void(int)>& progress, const std::function<bool()>& stop) {
+    for (int k = 0; k < count; ++k) {
+        progress(k);
+        send(calibration::block_read_message(block, address + k * block.cells), block.reply());
+        if (state_.comm_aborted || stop()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace ecu::maps
