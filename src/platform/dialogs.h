@@ -21,10 +21,10 @@ struct MessageBox {
 };
 
 struct FileDialog {
-    std::string title;
-    std::string default_extension; // without the point
-    std::string filter;            // "Setup Files (*.set)|"
-    std::string initial_name;      // "*.SET"
+    std::string title = {};
+    std::string default_extension = {}; // without the point
+    std::string filter = {};            // "Setup Files (*.set)|"
+    std::string initial_name = {};      // "*.SET"
 };
 
 class Dialogs {
