@@ -11,7 +11,6 @@
 
 #include <functional>
 #include <map>
-#include <memory>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -37,6 +36,8 @@ public:
     void bind_custom(platform::Control& control, QWidget* widget, Update update, const QString& spoken_name = {});
     // A caption or unit that shows, hides and greys with the control beside it.
     void follow(const platform::Control& control, QWidget* companion);
+    // Whether the widget is a plain caption, bound to no control.
+    bool is_fixed_text(const QObject& widget) const { return !controls_.contains(&widget); }
     // Builds the menu bar from the form's menu items in their order; items that have children become menus.
     void build_menus(QMenuBar& bar);
 
@@ -72,7 +73,7 @@ private:
     platform::Form& form_;
     std::unordered_map<const platform::Control*, Bound> bound_;
     std::unordered_map<const QObject*, platform::Control*> controls_;
-    std::map<std::string, std::unique_ptr<QButtonGroup>> groups_;
+    std::map<std::string, QButtonGroup*> groups_; // children of this object
     platform::Control* focused_ = nullptr;
 };
 

@@ -1,0 +1,405 @@
+#include "desktop/binding.h"
+
+#include "desktop/grid_view.h"
+#include "desktop/keys.h"
+#include "desktop/panel.h"
+#include "desktop/picture_view.h"
+#include "desktop/qt_text.h"
+#include "desktop/theme.h"
+
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QFocusEvent>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScrollBar>
+#include <QSignalBlocker>
+
+#include <array>
+#include <stdexcept>
+
+namespace ecu::desktop {
+
+using platform::Control;
+using platform::Kind;
+using platform::Property;
+
+Binding::Bound& Binding::add(Control& control) {
+    if (&control.form() != &form_) {
+        throw std::logic_error("window of " + form_.name() + ": " + control.full_name() + " belongs to " +
+                               control.form().name());
+    }
+    const auto [place, is_new] = bound_.try_emplace(&control);
+    if (!is_new) {
+        throw std::logic_error("window of " + form_.name() + ": " + control.full_name() + " is bound twice");
+    }
+    return place->second;
+}
+
+QWidget* Binding::make(Control& control, const QString& spoken_name) {
+    switch (control.kind()) {
+    case Kind::label:
+        make_label(static_cast<platform::Label&>(control));
+        break;
+    case Kind::text_box: {
+        auto& box = static_cast<platform::TextBox&>(control);
+        box.multi_line ? make_text_area(box) : make_text_box(box);
+        break;
+    }
+    case Kind::check_box:
+        make_check_box(static_cast<platform::CheckBox&>(control));
+        break;
+    case Kind::option_button:
+        make_option(static_cast<platform::OptionButton&>(control));
+        break;
+    case Kind::button:
+        make_button(static_cast<platform::Button&>(control));
+        break;
+    case Kind::frame:
+        make_frame(static_cast<platform::Frame&>(control));
+        break;
+    case Kind::scroll_bar:
+        make_scroll_bar(static_cast<platform::ScrollBar&>(control));
+        break;
+    case Kind::grid: {
+        auto* view = new GridView(static_cast<platform::Grid&>(control));
+        bind_custom(control, view, [view](Property property) { view->refresh(property); });
+        break;
+    }
+    case Kind::picture: {
+        auto* view = new PictureView(static_cast<platform::Picture&>(control));
+        bind_custom(control, view, [view](Property) { view->update(); });
+        break;
+    }
+    case Kind::menu_item:
+    case Kind::tabs:
+    case Kind::shape:
+    case Kind::strip_chart:
+    case Kind::gauge:
+        throw std::logic_error("window of " + form_.name() + ": " + control.full_name() + " has no plain widget");
+    }
+    QWidget* widget = widget_of(control);
+    if (!spoken_name.isEmpty()) {
+        widget->setAccessibleName(spoken(spoken_name));
+    }
+    return widget;
+}
+
+void Binding::bind_custom(Control& control, QWidget* widget, Update update, const QString& spoken_name) {
+    Bound& bound = add(control);
+    bound.widget = widget;
+    bound.update = std::move(update);
+    controls_.emplace(widget, &control);
+    widget->setObjectName(qt(control.full_name()));
+    if (widget->accessibleName().isEmpty()) {
+        const QString text = spoken_name.isEmpty() ? qt(control.text()) : spoken_name;
+        widget->setAccessibleName(spoken(text.isEmpty() ? qt(control.full_name()).replace('_', ' ') : text));
+    }
+    widget->installEventFilter(this);
+    for (const Property property :
+         {Property::scale, Property::value, Property::text, Property::content, Property::checked, Property::fore_colour,
+          Property::back_colour, Property::tool_tip, Property::enabled}) {
+        refresh(control, property);
+    }
+    if (!control.visible()) {
+        refresh(control, Property::visible);
+    }
+}
+
+void Binding::follow(const Control& control, QWidget* companion) {
+    Bound& bound = bound_.at(&control);
+    bound.companions.emplace_back(companion);
+    companion->setEnabled(control.enabled());
+    if (!control.visible()) {
+        companion->hide();
+    }
+}
+
+QWidget* Binding::widget_of(const Control& control) const {
+    const auto found = bound_.find(&control);
+    return found == bound_.end() ? nullptr : found->second.widget;
+}
+
+std::vector<Control*> Binding::unbound() const {
+    std::vector<Control*> result;
+    for (Control* control : form_.controls()) {
+        if (!bound_.contains(control)) {
+            result.push_back(control);
+        }
+    }
+    return result;
+}
+
+void Binding::refresh(Control& control, Property property) {
+    const auto found = bound_.find(&control);
+    if (found == bound_.end()) {
+        return;
+    }
+    if (found->second.widget != nullptr) {
+        refresh_common(control, found->second, property);
+    }
+    if (found->second.update) {
+        found->second.update(property);
+    }
+}
+
+void Binding::refresh_common(Control& control, Bound& bound, Property property) {
+    QWidget& widget = *bound.widget;
+    switch (property) {
+    case Property::enabled:
+        widget.setEnabled(control.enabled());
+        for (const auto& companion : bound.companions) {
+            if (companion != nullptr) {
+                companion->setEnabled(control.enabled());
+            }
+        }
+        break;
+    case Property::visible:
+        widget.setVisible(control.visible());
+        for (const auto& companion : bound.companions) {
+            if (companion != nullptr) {
+                companion->setVisible(control.visible());
+            }
+        }
+        break;
+    case Property::tool_tip:
+        widget.setToolTip(qt(control.tool_tip()));
+        break;
+    case Property::focus:
+        if (control.kind() != Kind::grid) { // a grid tells its active cell by the same announcement
+            widget.setFocus(Qt::OtherFocusReason);
+        }
+        break;
+    case Property::back_colour:
+    case Property::fore_colour:
+        paint_colours(control, widget);
+        break;
+    case Property::text:
+    case Property::checked:
+    case Property::value:
+    case Property::content:
+    case Property::scale:
+        break;
+    }
+}
+
+void Binding::paint_colours(Control& control, QWidget& widget) {
+    QPalette palette; // what is not set here comes from the theme
+    const auto back = control.back_colour();
+    const auto fore = control.fore_colour();
+    switch (control.kind()) {
+    case Kind::text_box:
+        widget.setPalette(theme::edit_palette(palette, back, fore));
+        return;
+    case Kind::label:
+    case Kind::check_box:
+    case Kind::option_button:
+    case Kind::frame:
+        if (back) {
+            palette.setColor(QPalette::Window, theme::to_qt(*back));
+            palette.setColor(QPalette::WindowText, theme::text_on(theme::to_qt(*back)));
+        }
+        if (fore) {
+            palette.setColor(
+                QPalette::WindowText,
+                theme::readable_on(theme::to_qt(*fore), back ? theme::to_qt(*back) : theme::panel_fill(QPalette())));
+        }
+        widget.setAutoFillBackground(back.has_value());
+        break;
+    case Kind::button:
+        if (back) {
+            palette.setColor(QPalette::Button, theme::to_qt(*back));
+            palette.setColor(QPalette::ButtonText, theme::text_on(theme::to_qt(*back)));
+        }
+        if (fore) {
+            palette.setColor(QPalette::ButtonText,
+                             theme::readable_on(theme::to_qt(*fore), palette.color(QPalette::Button)));
+        }
+        break;
+    case Kind::menu_item:
+    case Kind::tabs:
+    case Kind::scroll_bar:
+    case Kind::shape:
+    case Kind::grid:
+    case Kind::picture:
+    case Kind::strip_chart:
+    case Kind::gauge:
+        return; // these paint themselves
+    }
+    if (!back && !fore) {
+        palette = QPalette();
+    }
+    widget.setPalette(palette);
+}
+
+// Focus as the forms know it: it stays with a control while another window or a menu is in front.
+void Binding::move_focus(Control* to) {
+    if (focused_ == to) {
+        return;
+    }
+    Control* from = std::exchange(focused_, to);
+    if (from != nullptr && from->lost_focus) {
+        from->lost_focus();
+    }
+    if (to != nullptr && focused_ == to && to->got_focus) {
+        to->got_focus();
+    }
+}
+
+bool Binding::eventFilter(QObject* watched, QEvent* event) {
+    const auto found = controls_.find(watched);
+    if (found == controls_.end()) {
+        return false;
+    }
+    Control& control = *found->second;
+    switch (event->type()) {
+    case QEvent::FocusIn:
+        move_focus(&control);
+        return false;
+    case QEvent::FocusOut: {
+        const auto reason = static_cast<QFocusEvent*>(event)->reason();
+        if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason && focused_ == &control) {
+            move_focus(nullptr);
+        }
+        return false;
+    }
+    case QEvent::KeyPress: {
+        if (control.kind() == Kind::grid || !control.key_down) {
+            return false; // a grid's view reports its keys itself
+        }
+        platform::KeyPress key = key_of(*static_cast<QKeyEvent*>(event));
+        const int code = key.code;
+        if (code != 0) {
+            control.key_down(key);
+        }
+        return key.code != code;
+    }
+    case QEvent::MouseButtonDblClick:
+        if (control.double_clicked && control.enabled()) {
+            control.double_clicked();
+        }
+        return false;
+    default:
+        return false;
+    }
+}
+
+QWidget* Binding::make_label(platform::Label& control) {
+    auto* label = new QLabel;
+    label->setTextFormat(Qt::PlainText);
+    bind_custom(control, label, [&control, label](Property property) {
+        if (property == Property::text) {
+            label->setText(qt(control.text()));
+        }
+    });
+    return label;
+}
+
+QWidget* Binding::make_text_box(platform::TextBox& control) {
+    auto* edit = new QLineEdit;
+    connect(edit, &QLineEdit::textEdited, this,
+            [&control](const QString& text) { control.set_text(text.toStdString()); });
+    bind_custom(control, edit, [&control, edit](Property property) {
+        if (property == Property::text && edit->text() != qt(control.text())) {
+            edit->setText(qt(control.text()));
+            edit->setCursorPosition(0); // a long text is read from its beginning
+        }
+    });
+    return edit;
+}
+
+QWidget* Binding::make_text_area(platform::TextBox& control) {
+    auto* area = new QPlainTextEdit;
+    area->setReadOnly(true);
+    area->setTabChangesFocus(true);
+    bind_custom(control, area, [&control, area](Property property) {
+        if (property == Property::text && area->toPlainText() != qt(control.text())) {
+            area->setPlainText(qt(control.text()));
+        }
+    });
+    return area;
+}
+
+QWidget* Binding::make_check_box(platform::CheckBox& control) {
+    auto* box = new QCheckBox;
+    connect(box, &QCheckBox::clicked, this, [&control, box] {
+        control.click();
+        box->setChecked(control.checked());
+    });
+    bind_custom(control, box, [&control, box](Property property) {
+        if (property == Property::text) {
+            box->setText(qt(control.text()));
+        } else if (property == Property::checked) {
+            box->setChecked(control.checked());
+        }
+    });
+    return box;
+}
+
+QWidget* Binding::make_option(platform::OptionButton& control) {
+    auto* option = new QRadioButton;
+    QButtonGroup*& options = groups_[control.name()];
+    if (options == nullptr) {
+        options = new QButtonGroup(this);
+    }
+    options->addButton(option, control.index());
+    const auto show = [&control, option, options = options] {
+        options->setExclusive(false); // an exclusive group would not let the last one go
+        option->setChecked(control.checked());
+        options->setExclusive(true);
+    };
+    connect(option, &QRadioButton::clicked, this, [&control, show] {
+        control.click();
+        show();
+    });
+    bind_custom(control, option, [&control, option, show](Property property) {
+        if (property == Property::text) {
+            option->setText(qt(control.text()));
+        } else if (property == Property::checked) {
+            show();
+        }
+    });
+    return option;
+}
+
+QWidget* Binding::make_button(platform::Button& control) {
+    auto* button = new QPushButton;
+    button->setAutoDefault(false);
+    connect(button, &QPushButton::clicked, this, [&control] { control.press(); });
+    bind_custom(control, button, [&control, button](Property property) {
+        if (property == Property::text) {
+            button->setText(qt(control.text()));
+        }
+    });
+    return button;
+}
+
+QWidget* Binding::make_scroll_bar(platform::ScrollBar& control) {
+    auto* bar = new QScrollBar(Qt::Horizontal);
+    bar->setRange(control.minimum(), control.maximum());
+    bar->setFocusPolicy(Qt::StrongFocus);
+    connect(bar, &QScrollBar::valueChanged, this, [&control](int value) { control.set_value(value); });
+    bind_custom(control, bar, [&control, bar](Property property) {
+        if (property == Property::value) {
+            const QSignalBlocker quiet(bar);
+            bar->setValue(control.value());
+        }
+    });
+    return bar;
+}
+
+QWidget* Binding::make_frame(platform::Frame& control) {
+    auto* box = new PanelBox(qt(control.text()));
+    bind_custom(control, box, [&control, box](Property property) {
+        if (property == Property::text) {
+            box->setTitle(qt(control.text()));
+        }
+    });
+    return box;
+}
+
+} // namespace ecu::desktop

@@ -1,0 +1,33 @@
+#include "desktop/figure_label.h"
+
+#include "desktop/theme.h"
+
+#include <QFontMetrics>
+
+namespace ecu::desktop {
+
+FigureLabel::FigureLabel(const QString& widest) : widest_(widest) {
+    setTextFormat(Qt::PlainText);
+    setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    set_points(14);
+}
+
+void FigureLabel::set_points(double points) {
+    setFont(theme::figure_font(points));
+    make_room();
+}
+
+void FigureLabel::show_text(const QString& text) {
+    setText(text);
+    if (fontMetrics().horizontalAdvance(text) + 2 > width()) {
+        widest_ = text;
+        make_room();
+    }
+}
+
+void FigureLabel::make_room() {
+    const QFontMetrics metrics(font());
+    setFixedSize(metrics.horizontalAdvance(widest_) + 4, metrics.height());
+}
+
+} // namespace ecu::desktop

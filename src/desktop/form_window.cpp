@@ -1,0 +1,293 @@
+#include "desktop/form_window.h"
+
+#include "desktop/figure_label.h"
+#include "desktop/qt_host.h"
+#include "desktop/qt_text.h"
+#include "desktop/theme.h"
+
+#include <QApplication>
+#include <QBoxLayout>
+#include <QCloseEvent>
+#include <QLabel>
+#include <QMenuBar>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QStatusBar>
+#include <QTabWidget>
+
+#include <algorithm>
+
+namespace ecu::desktop {
+
+using platform::Property;
+
+namespace {
+
+constexpr int full_bar = 1000;
+
+// A scroll area that is as small as the screen demands, not as small as its content allows.
+class BodyArea final : public QScrollArea {
+public:
+    BodyArea() {
+        setWidgetResizable(true);
+        setFrameShape(QFrame::NoFrame);
+        setFocusPolicy(Qt::NoFocus);
+    }
+    QSize sizeHint() const override { return widget() != nullptr ? widget()->sizeHint() : QSize(); }
+};
+
+QBoxLayout* make_layout(QWidget& parent, bool horizontal) {
+    auto* layout = new QBoxLayout(horizontal ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom, &parent);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(theme::margin);
+    return layout;
+}
+
+} // namespace
+
+FormWindow::FormWindow(platform::Form& form, QtHost& host, WindowKind kind)
+    : form_(form), host_(host), kind_(kind), binding_(form) {
+    setObjectName(qt(form.name()));
+    setWindowTitle(qt(form.caption()));
+    if (kind == WindowKind::dialog) {
+        setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
+    }
+    auto* content = new QWidget;
+    outer_ = new QVBoxLayout(content);
+    outer_->setContentsMargins(theme::margin, theme::margin, theme::margin, theme::margin);
+    outer_->setSpacing(theme::margin);
+    setCentralWidget(content);
+    const auto controls = form.controls();
+    if (std::ranges::any_of(controls, [](const auto* c) { return c->kind() == platform::Kind::menu_item; })) {
+        binding_.build_menus(*menuBar());
+    }
+    setEnabled(form.enabled());
+    host.attach(form, *this);
+}
+
+FormWindow::~FormWindow() { host_.detach(form_); }
+
+Panel FormWindow::panel(const char* title) { return {*this, new PanelBox(QString::fromUtf8(title))}; }
+
+Panel FormWindow::frame(platform::Frame& control) { return {*this, static_cast<QGroupBox*>(binding_.make(control))}; }
+
+QWidget* FormWindow::make(platform::Control& control, const Caption& name) {
+    return binding_.make(control, name.text());
+}
+
+FigureLabel* FormWindow::make_figure(platform::Label& control, const Caption& name, const char* widest) {
+    auto* label = new FigureLabel(QString::fromUtf8(widest));
+    binding_.bind_custom(
+        control, label,
+        [&control, label](Property property) {
+            if (property == Property::text) {
+                label->show_text(qt(control.text()));
+            }
+        },
+        name.text());
+    figures_.push_back(label);
+    return label;
+}
+
+QTabWidget* FormWindow::tabs(platform::Tabs& control, const std::vector<std::pair<QString, QWidget*>>& pages) {
+    auto* tabs = new QTabWidget;
+    tabs->setDocumentMode(true);
+    for (const auto& [title, page] : pages) {
+        tabs->addTab(page, title);
+    }
+    binding_.bind_custom(
+        control, tabs,
+        [&control, tabs](Property property) {
+            if (property == Property::value) {
+                tabs->setCurrentIndex(control.current());
+            }
+        },
+        qt(form_.caption()));
+    QObject::connect(tabs, &QTabWidget::currentChanged, tabs, [&control](int page) { control.set_current(page); });
+    return tabs;
+}
+
+QWidget* FormWindow::progress(platform::Shape& track, platform::Shape& fill, const Caption& name) {
+    auto* frame = new QWidget;
+    auto* layout = make_layout(*frame, true);
+    auto* bar = new QProgressBar;
+    bar->setRange(0, full_bar);
+    bar->setTextVisible(false);
+    layout->addWidget(bar);
+    const auto show = [&track, &fill, bar](Property property) {
+        if (property == Property::value) {
+            const float share = track.width() > 0 ? fill.width() / track.width() : 0.0F;
+            bar->setValue(std::clamp(static_cast<int>(share * full_bar), 0, full_bar));
+        }
+    };
+    binding_.bind_custom(track, frame, show, name.text());
+    binding_.bind_custom(fill, bar, show, name.text());
+    return frame;
+}
+
+void FormWindow::keep_hidden(platform::Control& control) {
+    auto* widget = new QWidget(centralWidget());
+    binding_.bind_custom(control, widget, {});
+    widget->setFixedSize(0, 0);
+    widget->setFocusPolicy(Qt::NoFocus);
+}
+
+QWidget* FormWindow::box(bool horizontal, std::initializer_list<QWidget*> parts, std::initializer_list<int> stretches) {
+    auto* holder = new QWidget;
+    auto* layout = make_layout(*holder, horizontal);
+    auto stretch = stretches.begin();
+    for (QWidget* part : parts) {
+        layout->addWidget(part, stretch != stretches.end() ? *stretch++ : 1);
+    }
+    return holder;
+}
+
+QWidget* FormWindow::across(std::initializer_list<QWidget*> parts, std::initializer_list<int> stretches) {
+    return box(true, parts, stretches);
+}
+
+QWidget* FormWindow::down(std::initializer_list<QWidget*> parts, std::initializer_list<int> stretches) {
+    return box(false, parts, stretches);
+}
+
+QWidget* FormWindow::stack(std::initializer_list<QWidget*> parts) {
+    auto* holder = new QWidget;
+    auto* layout = make_layout(*holder, false);
+    for (QWidget* part : parts) {
+        layout->addWidget(part);
+    }
+    layout->addStretch(1);
+    return holder;
+}
+
+QWidget* FormWindow::buttons(std::initializer_list<platform::Button*> row) {
+    auto* holder = new QWidget;
+    auto* layout = make_layout(*holder, true);
+    layout->addStretch(1);
+    for (platform::Button* button : row) {
+        QWidget* widget = make(*button);
+        widget->setMinimumWidth(96);
+        layout->addWidget(widget);
+    }
+    return holder;
+}
+
+void FormWindow::set_body(QWidget* body) {
+    body_ = body;
+    if (kind_ == WindowKind::dialog) {
+        outer_->insertWidget(0, body, 1);
+        outer_->setSizeConstraint(QLayout::SetMinimumSize);
+        return;
+    }
+    scroll_ = new BodyArea;
+    scroll_->setWidget(body);
+    outer_->insertWidget(0, scroll_, 1);
+}
+
+void FormWindow::set_footer(QWidget* footer) { outer_->addWidget(footer); }
+
+void FormWindow::demo_badge(platform::Label& label) {
+    QWidget* badge = make(label, "Demo mode");
+    QFont bold = badge->font();
+    bold.setBold(true);
+    badge->setFont(bold);
+    QPalette palette;
+    palette.setColor(QPalette::WindowText,
+                     theme::readable_on(QColor(0xd9, 0x82, 0x00), QPalette().color(QPalette::Window)));
+    badge->setPalette(palette);
+    badge->setContentsMargins(0, 0, theme::margin, 0);
+    menuBar()->setCornerWidget(badge);
+    badge->setVisible(label.visible()); // the corner shows what it is given
+}
+
+QWidget* FormWindow::status(platform::Label& label) {
+    QWidget* widget = make(label);
+    statusBar()->addWidget(widget);
+    return widget;
+}
+
+void FormWindow::scale_figures(double smallest_points, double largest_points) {
+    figure_points_ = {smallest_points, largest_points};
+    for (FigureLabel* figure : figures_) {
+        figure->set_points(smallest_points);
+    }
+    fitted_points_ = smallest_points;
+}
+
+// The largest half point at which the body still fits; what is left of the window goes to the gaps.
+void FormWindow::fit_figures() {
+    if (figures_.empty() || scroll_ == nullptr || figure_points_.first >= figure_points_.second) {
+        return;
+    }
+    const QSize room = scroll_->viewport()->size();
+    const auto fits = [&](double points) {
+        for (FigureLabel* figure : figures_) {
+            figure->set_points(points);
+        }
+        fitted_points_ = points;
+        body_->layout()->activate();
+        const QSize needed = body_->minimumSizeHint();
+        return needed.width() <= room.width() && needed.height() <= room.height();
+    };
+    int low = static_cast<int>(figure_points_.first * 2);
+    int high = static_cast<int>(figure_points_.second * 2);
+    while (low < high) {
+        const int middle = (low + high + 1) / 2;
+        fits(middle / 2.0) ? low = middle : high = middle - 1;
+    }
+    if (fitted_points_ != low / 2.0) {
+        fits(low / 2.0);
+    }
+}
+
+QSize FormWindow::wanted_size() const {
+    const QSize wanted = sizeHint();
+    const QScreen* on = screen() != nullptr ? screen() : QApplication::primaryScreen();
+    return on != nullptr ? wanted.boundedTo(on->availableSize() - QSize(8, 40)) : wanted;
+}
+
+void FormWindow::open() {
+    if (!opened_) {
+        opened_ = true;
+        kind_ == WindowKind::dialog ? adjustSize() : resize(wanted_size().expandedTo(size() / 4));
+    } else if (!geometry_.isEmpty()) {
+        restoreGeometry(geometry_);
+    }
+    const QWidget* front = QApplication::activeWindow();
+    if (kind_ == WindowKind::dialog && front != nullptr && front != this) {
+        adjustSize();
+        move(front->geometry().center() - rect().center());
+    }
+    show();
+    raise();
+    activateWindow();
+}
+
+void FormWindow::put_away() {
+    geometry_ = saveGeometry();
+    hide();
+}
+
+void FormWindow::show_caption() {
+    setWindowTitle(qt(form_.caption()));
+    if (on_caption) {
+        on_caption(windowTitle());
+    }
+}
+
+void FormWindow::closeEvent(QCloseEvent* event) {
+    event->ignore(); // the form decides, and hides the window itself
+    if (form_.enabled()) {
+        form_.close_requested();
+    }
+}
+
+void FormWindow::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    layout()->activate();
+    fit_figures();
+}
+
+} // namespace ecu::desktop

@@ -1,0 +1,48 @@
+#include "desktop/grid_model.h"
+
+#include "desktop/qt_text.h"
+#include "desktop/theme.h"
+
+#include <QBrush>
+
+namespace ecu::desktop {
+
+QVariant GridModel::data(const QModelIndex& index, int role) const {
+    const int row = index.row() + 1;
+    const int column = index.column() + 1;
+    const auto back = grid_.cell_back(row, column);
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole:
+        return qt(grid_.cell_text(row, column));
+    case Qt::BackgroundRole:
+        return back ? QVariant(QBrush(theme::to_qt(*back))) : QVariant();
+    case Qt::ForegroundRole:
+        return back ? QVariant(QBrush(theme::text_on(theme::to_qt(*back)))) : QVariant();
+    case Qt::TextAlignmentRole:
+        return QVariant(Qt::AlignCenter);
+    default:
+        return {};
+    }
+}
+
+bool GridModel::setData(const QModelIndex& index, const QVariant& value, int role) {
+    if (role != Qt::EditRole || !index.isValid()) {
+        return false;
+    }
+    grid_.set_cell_text(index.row() + 1, index.column() + 1, value.toString().toStdString());
+    return true;
+}
+
+Qt::ItemFlags GridModel::flags(const QModelIndex& index) const {
+    return index.isValid() ? Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsEditable : Qt::NoItemFlags;
+}
+
+void GridModel::announce_change() {
+    const int row = grid_.changed_row();
+    const QModelIndex first = row == 0 ? index(0, 0) : index(row - 1, grid_.changed_column() - 1);
+    const QModelIndex last = row == 0 ? index(grid_.rows() - 1, grid_.columns() - 1) : first;
+    emit dataChanged(first, last, {Qt::DisplayRole, Qt::BackgroundRole});
+}
+
+} // namespace ecu::desktop

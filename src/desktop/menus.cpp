@@ -1,0 +1,93 @@
+// The menu bar of a form, built from its menu items alone: order of declaration, access keys from the texts.
+#include "desktop/binding.h"
+#include "desktop/qt_text.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QMenuBar>
+
+#include <set>
+
+namespace ecu::desktop {
+
+using platform::MenuItem;
+using platform::Property;
+
+namespace {
+
+void show_item(const MenuItem& item, QAction& action, Property property) {
+    switch (property) {
+    case Property::text:
+        action.setText(qt(item.text()));
+        break;
+    case Property::enabled:
+        action.setEnabled(item.enabled());
+        break;
+    case Property::visible:
+        action.setVisible(item.visible());
+        break;
+    case Property::tool_tip:
+        action.setToolTip(qt(item.tool_tip().empty() ? item.text() : item.tool_tip()).remove('&'));
+        break;
+    case Property::checked:
+        if (item.checked()) {
+            action.setCheckable(true);
+        }
+        action.setChecked(item.checked());
+        break;
+    default:
+        break;
+    }
+}
+
+} // namespace
+
+void Binding::build_menus(QMenuBar& bar) {
+    bar.setNativeMenuBar(false);
+    std::set<const MenuItem*> parents;
+    for (platform::Control* control : form_.controls()) {
+        if (const auto* item = dynamic_cast<MenuItem*>(control)) {
+            parents.insert(item->parent());
+        }
+    }
+    std::map<const MenuItem*, QMenu*> menus;
+    for (platform::Control* control : form_.controls()) {
+        auto* item = dynamic_cast<MenuItem*>(control);
+        if (item == nullptr) {
+            continue;
+        }
+        QMenu* above = item->parent() != nullptr ? menus.at(item->parent()) : nullptr;
+        QWidget& place = above != nullptr ? static_cast<QWidget&>(*above) : bar;
+        if (item->separator_before) {
+            auto* separator = new QAction(&place);
+            separator->setSeparator(true);
+            place.addAction(separator);
+        }
+        QAction* action = nullptr;
+        if (parents.contains(item)) {
+            auto* menu = new QMenu(&place);
+            menu->setToolTipsVisible(true); // a disabled item says why
+            menu->setObjectName(qt(item->full_name()));
+            menus.emplace(item, menu);
+            action = menu->menuAction();
+        } else {
+            action = new QAction(&place);
+            connect(action, &QAction::triggered, this, [item, action] {
+                action->setChecked(item->checked()); // a click alone never moves the mark
+                item->click();
+            });
+        }
+        action->setMenuRole(QAction::NoRole);
+        action->setObjectName(qt(item->full_name()));
+        place.addAction(action);
+        Bound& bound = add(*item);
+        bound.action = action;
+        bound.update = [item, action](Property property) { show_item(*item, *action, property); };
+        for (const Property property :
+             {Property::text, Property::enabled, Property::visible, Property::tool_tip, Property::checked}) {
+            bound.update(property);
+        }
+    }
+}
+
+} // namespace ecu::desktop

@@ -1,0 +1,33 @@
+#include "desktop/windows/desktop_console.h"
+
+#include "desktop/windows/windows.h"
+
+namespace ecu::desktop {
+
+DesktopConsole::DesktopConsole()
+    : console_({clock_, waiting_, timers_, dialogs_, program_, serial_ports_, datagram_sockets_}) {
+    program_.before_end = [this] { console_.comm1->close(); };
+    add_windows();
+    console_.forms.registry.set_host(&host_);
+}
+
+void DesktopConsole::add_windows() {
+    console::Forms& forms = console_.forms;
+    const auto add = [this](auto& form, auto make) {
+        host_.add(form.form, [this, &form, make] { return make(form, host_); });
+    };
+    add(forms.frm_ecu, make_frm_ecu_window);
+    add(forms.frm_about, make_frm_about_window);
+    add(forms.frm_dialog, make_frm_dialog_window);
+    add(forms.frm_retries, make_frm_retries_window);
+    add(forms.frm_wait, make_frm_wait_window);
+    add(forms.frm_mon, make_frm_mon_window);
+    add(forms.frm_dashboard, make_frm_dashboard_window);
+    add(forms.frm_plotter, make_frm_plotter_window);
+    add(forms.frm_3d, make_frm_3d_window);
+    add(forms.frm_3d_graph, make_frm_3d_graph_window);
+    add(forms.frm_cellblock_modifier, make_frm_cellblock_modifier_window);
+    add(forms.frm_autotune, make_frm_autotune_window);
+}
+
+} // namespace ecu::desktop

@@ -1,0 +1,58 @@
+// The main window: the installer's picture, a button per view, and the state of the link in the status bar.
+#include "desktop/qt_text.h"
+#include "desktop/windows/windows.h"
+#include "shell/frm_ecu.h"
+
+#include <QGridLayout>
+#include <QLabel>
+#include <QStatusBar>
+
+namespace ecu::desktop {
+
+namespace {
+
+// The buttons in three rows: watching, setting up, the console itself.
+QWidget* button_rows(FormWindow& window, shell::FrmEcu& f) {
+    auto* holder = new QWidget;
+    auto* layout = new QGridLayout(holder);
+    layout->setContentsMargins(0, 0, 0, 0);
+    const std::array<std::array<platform::Button*, 4>, 3> rows{
+        {{&f.Command3d4, &f.Command1, &f.Command3d3, &f.Command3},
+         {&f.Command3d2, &f.Command3d7, &f.Command2, &f.Command3d1},
+         {nullptr, nullptr, &f.Command3d6, &f.Command3d5}}};
+    for (int row = 0; row < 3; ++row) {
+        for (int column = 0; column < 4; ++column) {
+            platform::Button* button = rows[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)];
+            if (button == nullptr) {
+                continue;
+            }
+            QWidget* widget = window.make(*button);
+            widget->setMinimumSize(132, row < 2 ? 46 : 30);
+            layout->addWidget(widget, row, column);
+        }
+    }
+    return holder;
+}
+
+} // namespace
+
+std::unique_ptr<FormWindow> make_frm_ecu_window(shell::FrmEcu& f, QtHost& host) {
+    auto window = std::make_unique<FormWindow>(f.form, host);
+    QWidget* picture = window->make(f.Picture1, "Picture of the installation");
+    picture->setMinimumHeight(180);
+    window->set_body(window->down({picture, button_rows(*window, f)}, {1, 0}));
+
+    auto* link = new QLabel;
+    link->setTextFormat(Qt::PlainText);
+    link->setAccessibleName("Link");
+    window->statusBar()->addWidget(link);
+    // The caption carries the link's state behind the arrow.
+    window->on_caption = [link](const QString& caption) {
+        const qsizetype arrow = caption.indexOf("->");
+        link->setText(arrow < 0 ? QStringLiteral("Link not opened") : "Link: " + caption.mid(arrow + 2));
+    };
+    window->on_caption(qt(f.form.caption()));
+    return window;
+}
+
+} // namespace ecu::desktop
