@@ -1,5 +1,6 @@
 #include "views/dashboard.h"
 
+#include "calibration/encoding.h"
 #include "platform/display_mask.h"
 #include "platform/leading_number.h"
 #include "platform/rounding.h"
@@ -11,20 +12,11 @@ namespace ecu::views {
 
 namespace {
 
-using platform::byte_high;
-using platform::byte_low;
 using platform::Gauge;
 using platform::leading_number;
 using platform::masked;
 using platform::round_to_even;
 
-// Injection times travel in ticks of 1.6 microseconds.
-constexpr double ticks_per_ms = 1 / 0.0000016 / 1000;
-constexpr std::int32_t largest_word = 65535;
-constexpr std::int32_t fuel_offset_bias = 16384;
-constexpr std::int32_t fuel_offset_end = 49152;
-constexpr double highest_timing = 47.75;
-constexpr double lowest_timing = -16;
 constexpr double trim_step = 0.1;
 
 struct Tachometer {
@@ -197,55 +189,31 @@ void Dashboard::show_mixture(float lambda) {
 void Dashboard::update() {
     state_.polling_paused = true;
     ports_.wait_seconds(0.1F);
-    if (form_.ecu_pgm[0].is_pending()) {
-        update_fuel_scaler();
-    }
-    if (form_.ecu_pgm[1].is_pending()) {
-        update_fuel_offset();
-    }
-    if (form_.base_offset_deg.is_pending()) {
-        update_timing_offset();
+    const std::array<std::pair<platform::TextBox*, const calibration::Parameter*>, 3> trims{
+        {{&form_.ecu_pgm[0], &calibration::parameter("FUEL_MX")},
+         {&form_.ecu_pgm[1], &calibration::parameter("FUEL_B")},
+         {&form_.base_offset_deg, &calibration::parameter("BASE_DEG")}}};
+    for (const auto& [box, row] : trims) {
+        if (box->is_pending()) {
+            send_trim(*box, *row);
+        }
     }
     state_.polling_paused = false;
 }
 
-void Dashboard::update_fuel_scaler() {
-    platform::TextBox& box = form_.ecu_pgm[0];
-    const std::int32_t ticks = round_to_even(leading_number(box.text()) * ticks_per_ms);
-    if (ticks < 0) {
-        ports_.dialogs.say("The value for the Fuel Scaler is negative, it will not be updated");
+void Dashboard::send_trim(platform::TextBox& box, const calibration::Parameter& row) {
+    const calibration::EncodedEntry entry = calibration::raw_from_entry(row, box.text(), scales_);
+    if (!entry.replaced.empty()) {
+        box.set_text(entry.replaced);
+    }
+    if (!entry.refusal.empty()) {
+        ports_.dialogs.say(entry.refusal);
         return;
     }
-    const std::int32_t raw = std::min(ticks, largest_word);
-    comm_.send_ecu_message({'m', byte_low(raw), byte_high(raw), 0}, 5);
-    box.set_back_colour(platform::confirmed);
-}
-
-void Dashboard::update_fuel_offset() {
-    platform::TextBox& box = form_.ecu_pgm[1];
-    const std::int32_t raw = round_to_even(leading_number(box.text()) * ticks_per_ms + fuel_offset_bias);
-    if (raw >= fuel_offset_end) {
-        ports_.dialogs.say("The value for the Fuel Offset is too high, it will not be updated");
-        return;
+    comm_.send_ecu_message(calibration::write_message(row, 0, entry.raw), row.write.reply);
+    if (&box != &form_.base_offset_deg) { // that one waits for the echo
+        box.set_back_colour(platform::confirmed);
     }
-    if (raw < 0) {
-        ports_.dialogs.say("The value for the Fuel Offset is too negative, it will not be updated");
-        return;
-    }
-    comm_.send_ecu_message({'o', byte_low(raw), byte_high(raw), 0}, 5);
-    box.set_back_colour(platform::confirmed);
-}
-
-void Dashboard::update_timing_offset() {
-    platform::TextBox& box = form_.base_offset_deg;
-    if (leading_number(box.text()) > highest_timing) {
-        box.set_text("47.75");
-    }
-    if (leading_number(box.text()) < lowest_timing) {
-        box.set_text("-16");
-    }
-    const std::int32_t raw = round_to_even((leading_number(box.text()) - lowest_timing) * 4);
-    comm_.send_ecu_message({164, byte_low(raw), 0, 0}, 4);
 }
 
 void Dashboard::trim_key(platform::TextBox& box, bool steps, platform::KeyPress& key) {

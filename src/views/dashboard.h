@@ -2,6 +2,7 @@
 // tachometer filter and the choice of the output driver shown. The scheduler polls; refresh() shows what came.
 #pragma once
 
+#include "calibration/parameter_types.h"
 #include "calibration/scales.h"
 #include "link/ecu_comm.h"
 #include "messages/live_data.h"
@@ -36,9 +37,7 @@ private:
     void scale_gauges();
     void scale_lamps();
     void show_mixture(float lambda);
-    void update_fuel_scaler();
-    void update_fuel_offset();
-    void update_timing_offset();
+    void send_trim(platform::TextBox& box, const calibration::Parameter& row);
     void trim_key(platform::TextBox& box, bool steps, platform::KeyPress& key);
     void leave();
 
