@@ -1,0 +1,84 @@
+// Moves a whole calibration between controller and setup file. One long sequence of messages on the one thread, with
+// frm_wait in front, the main form disabled and the scheduler kept out; nothing but the start is checked, a message
+// without an answer is followed by the next one. A download goes to a new file beside the target, which takes the
+// target's name at the end: whatever happens on the way, the older file stays whole.
+#pragma once
+
+#include "calibration/calibration_image.h"
+#include "calibration/frm_wait.h"
+#include "link/ecu_comm.h"
+#include "link/link_selection.h"
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace ecu::calibration {
+
+struct TransferResult {
+    enum class Outcome : std::uint8_t {
+        done,
+        demo_mode,   // refused
+        no_answer,   // to the probe
+        cancelled,   // in the file dialog
+        file_failed, // could not be read or written; `trouble` says what and what to do
+        stopped,     // by a line that fits no message; `trouble` says which
+    };
+    Outcome outcome = Outcome::cancelled;
+    std::string trouble;
+    int lines = 0;               // written, or gone through
+    int messages = 0;            // sent, the probe not counted
+    int unanswered = 0;          // of these; in a file they left older values
+    std::vector<int> unknown_at; // numbers of the lines whose key stands in no row, from 1
+};
+
+class Transfer {
+public:
+    struct Use {
+        const platform::Ports& ports;
+        link::SharedState& state;
+        link::EcuComm& comm;
+        link::LinkSelection& link_selection;
+        const CalibrationImage& image;
+        FrmWait& form;
+        platform::Form& main_form;        // FrmEcu, disabled meanwhile
+        std::string_view console_version; // of the SW_REV line
+    };
+    explicit Transfer(const Use& use) : use_(use) {}
+
+    // Closes every file that the console has open; may be empty.
+    std::function<void()> close_files;
+
+    void menufilesave_Click(); // the controller to a file
+    void menufileopen_Click(); // a file to the controller
+
+    // The same without the file dialog. `path` is relative to the working folder unless absolute, in UTF-8. What goes
+    // wrong is said in a message box and comes back in the result; an exception out of a dialog passes through and
+    // leaves the forms usable and no unfinished file.
+    TransferResult download_to(const std::string& path);
+    TransferResult upload_from(const std::string& path);
+    // A download whose lines, each with its line end, go to `sink` instead of a file; it ends when `sink` returns
+    // false. `name` stands for the path in the caption.
+    TransferResult download_lines(const std::string& name, const std::function<bool(std::string_view)>& sink);
+
+private:
+    class Running;
+    class Progress;
+    enum class Direction : std::uint8_t { download, upload };
+
+    TransferResult run(Direction direction, const std::function<std::string()>& choose_path);
+    TransferResult::Outcome start(Direction direction);
+    TransferResult download(const std::string& path);
+    TransferResult upload(const std::string& path);
+    void write_lines(const std::function<bool(std::string_view)>& sink, Progress& progress, TransferResult& result);
+    void read_batch(Progress& progress, TransferResult& result);
+    void send(const link::Message& message, int reply, TransferResult& result);
+    void say(const std::string& trouble);
+    std::filesystem::path full_path(const std::string& path) const;
+
+    Use use_;
+    bool running_ = false;
+};
+
+} // namespace ecu::calibration
