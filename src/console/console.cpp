@@ -1,0 +1,65 @@
+#include "console/console.h"
+
+#include "maps/correction_axes.h"
+
+namespace ecu::console {
+
+using link::View;
+
+Console::Console(const platform::Ports& machine)
+    : ports(machine), image(scales), forms(ports.timers), comm1(ports.serial_ports.make_serial_port()),
+      outgoing_sock(ports.datagram_sockets.make_datagram_socket()),
+      comm(ports, state, *comm1, *outgoing_sock, forms.frm_dialog, forms.frm_retries, forms.frm_mon.group_delay),
+      link_selection(ports, state, *comm1, forms.frm_dialog, forms.frm_ecu.form),
+      live_decoder(state, live, forms.registry), reply_decoders(ports, state, image, scales, forms.registry,
+                                                                [this](const link::Reply& reply, int payload_count) {
+                                                                    return live_decoder.decode(reply, payload_count);
+                                                                }),
+      navigation(with_views(ports, state, comm, link_selection, forms)),
+      polling({ports, state, live, scales, comm, navigation, forms.frm_ecu, forms.registry}),
+      units(ports, scales, forms.frm_ecu), about(ports, state, comm, link_selection, forms.frm_about),
+      main_console({ports, state, comm, link_selection, *comm1, navigation, units, about, forms.frm_ecu}),
+      monitor(ports, state, live, scales, navigation, polling, forms.frm_mon),
+      dashboard(ports, state, comm, navigation, scales, live, forms.frm_dashboard),
+      graphing(ports, state, forms.frm_3d, forms.frm_3d_graph, forms.frm_2d, map_cell_colours),
+      surface_window(forms.frm_3d_graph, graphing),
+      block_modifier(ports, state, forms.registry, forms.frm_cellblock_modifier, block_selection),
+      basic_mapping(ports, state, comm, scales, live, forms.frm_3d, forms.frm_tool.TPS_mapped, navigation,
+                    block_selection, surface_window, map_cell_colours),
+      plotter(ports, state, comm, navigation, polling.timer3(), scales, live,
+              {forms.frm_mon.inj_duty[0], forms.frm_mon.ign_duty[0], forms.frm_mon.wheel_idx_num}, forms.frm_plotter),
+      autotune(ports, state, forms.frm_autotune, forms.frm_3d) {
+    wire();
+}
+
+// The views that this version has. They are known before the first menu is wired, since an item that leads to a view
+// that does not exist stays disabled.
+shell::Navigation Console::with_views(const platform::Ports& ports, link::SharedState& state, link::EcuComm& comm,
+                                      link::LinkSelection& link_selection, Forms& forms) {
+    shell::Navigation navigation(ports, state, comm, link_selection, forms.frm_ecu.form);
+    navigation.add_view(View::monitor, forms.frm_mon.form);
+    navigation.add_view(View::dashboard, forms.frm_dashboard.form);
+    navigation.add_view(View::basic_mapping, forms.frm_3d.form);
+    navigation.add_view(View::plotter, forms.frm_plotter.form);
+    return navigation;
+}
+
+void Console::wire() {
+    comm.set_decoders(reply_decoders.in_order());
+    polling.on_refresh(View::dashboard, [this] { dashboard.refresh(); });
+    polling.on_refresh(View::basic_mapping, [this] { basic_mapping.refresh_live(); });
+    polling.plot_and_log_sample = [this] { plotter.plot_and_log_sample(); };
+    monitor.wire_menu();
+    basic_mapping.wire_menus();
+    main_console.offer_what_exists();
+}
+
+void Console::start(std::string_view command_line) {
+    shell::start_up({ports, state, scales, link_selection, units, forms.frm_ecu, forms.frm_about, forms.registry,
+                     [this] { maps::label_correction_axes(forms.frm_2d, scales); }},
+                    command_line);
+    forms.frm_ecu.form.show();
+    polling.start();
+}
+
+} // namespace ecu::console

@@ -1,0 +1,75 @@
+// The whole console with no window: every form, all shared state and everything that acts on them, constructed in the
+// order in which they need one another, and wired together. The desktop shows the forms, the command line and the
+// tests use them without.
+#pragma once
+
+#include "autotune/autotune.h"
+#include "calibration/calibration_image.h"
+#include "console/forms.h"
+#include "link/ecu_comm.h"
+#include "link/link_selection.h"
+#include "logging/plotter.h"
+#include "maps/basic_mapping.h"
+#include "maps/block_modifier.h"
+#include "maps/graphing.h"
+#include "maps/surface_window.h"
+#include "messages/live_decoder.h"
+#include "messages/reply_decoders.h"
+#include "shell/about.h"
+#include "shell/main_console.h"
+#include "shell/polling.h"
+#include "shell/start_up.h"
+#include "shell/units.h"
+#include "views/dashboard.h"
+#include "views/monitor.h"
+
+namespace ecu::console {
+
+class Console {
+public:
+    // Everything that `ports` refers to must outlive the console. Whoever shows the forms sets the registry's host.
+    explicit Console(const platform::Ports& ports);
+    Console(const Console&) = delete;
+    Console& operator=(const Console&) = delete;
+
+    // Start-up by the files of the working folder, then the main window and the timers. `command_line` is "demo" or
+    // empty. Ends the program where a start-up file is missing.
+    void start(std::string_view command_line);
+
+    // In the order of construction. What a program without windows needs of the console it takes from here.
+    const platform::Ports ports;
+    link::SharedState state;
+    calibration::Scales scales;
+    messages::EcuLiveData live;
+    calibration::CalibrationImage image;
+    Forms forms;
+
+    std::unique_ptr<platform::SerialPort> comm1;
+    std::unique_ptr<platform::DatagramSocket> outgoing_sock;
+    link::EcuComm comm;
+    link::LinkSelection link_selection;
+    messages::LiveDecoder live_decoder;
+    messages::ReplyDecoders reply_decoders;
+    shell::Navigation navigation;
+    shell::Polling polling;
+    shell::Units units;
+    shell::About about;
+    shell::MainConsole main_console;
+    views::Monitor monitor;
+    views::Dashboard dashboard;
+    maps::MapCellColours map_cell_colours;
+    maps::BlockSelection block_selection;
+    maps::Graphing graphing;
+    maps::SurfaceWindow surface_window;
+    maps::BlockModifier block_modifier;
+    maps::BasicMapping basic_mapping;
+    logging::Plotter plotter;
+    autotune::Autotune autotune;
+
+private:
+    static shell::Navigation with_views(const platform::Ports& ports, link::SharedState& state, link::EcuComm& comm,
+                                        link::LinkSelection& link_selection, Forms& forms);
+    void wire();
+};
+
+} // namespace ecu::console

@@ -1,0 +1,53 @@
+// Every form of the console, living for the whole run, and the register by which the decoders, the table of parameters
+// and the desktop find their controls.
+#pragma once
+
+#include "autotune/frm_autotune.h"
+#include "calibration/frm_wait.h"
+#include "diagnostics/frm_diagnostics.h"
+#include "link/frm_dialog.h"
+#include "link/frm_retries.h"
+#include "logging/frm_plotter.h"
+#include "maps/frm_2d.h"
+#include "maps/frm_3d.h"
+#include "maps/frm_3d_graph.h"
+#include "maps/frm_cellblock_modifier.h"
+#include "maps/frm_sup.h"
+#include "maps/frm_tool.h"
+#include "shell/frm_about.h"
+#include "shell/frm_ecu.h"
+#include "views/frm_dashboard.h"
+#include "views/frm_mon.h"
+
+namespace ecu::console {
+
+struct Forms {
+    explicit Forms(platform::Timers& timers) : frm_retries(timers) {
+        for (platform::Form* form :
+             {&frm_ecu.form, &frm_about.form, &frm_dialog.form, &frm_retries.form, &frm_wait.form, &frm_mon.form,
+              &frm_dashboard.form, &frm_tool.form, &frm_3d.form, &frm_3d_graph.form, &frm_cellblock_modifier.form,
+              &frm_2d.form, &frm_sup.form, &frm_plotter.form, &frm_diagnostics.form, &frm_autotune.form}) {
+            registry.add(*form);
+        }
+    }
+
+    shell::FrmEcu frm_ecu;
+    shell::FrmAbout frm_about;
+    link::FrmDialog frm_dialog;
+    link::FrmRetries frm_retries;
+    calibration::FrmWait frm_wait;
+    views::FrmMon frm_mon;
+    views::FrmDashboard frm_dashboard;
+    maps::FrmTool frm_tool;
+    maps::Frm3d frm_3d;
+    maps::Frm3dGraph frm_3d_graph;
+    maps::FrmCellblockModifier frm_cellblock_modifier;
+    maps::Frm2d frm_2d;
+    maps::FrmSup frm_sup;
+    logging::FrmPlotter frm_plotter;
+    diagnostics::FrmDiagnostics frm_diagnostics;
+    autotune::FrmAutotune frm_autotune;
+    platform::FormRegistry registry;
+};
+
+} // namespace ecu::console
