@@ -1,6 +1,6 @@
 #include "controller/commands.h"
 
-#include "calibration/tables.h"
+#include "controller/parameter_commands.h"
 
 #include <algorithm>
 
@@ -44,7 +44,7 @@ std::vector<std::uint8_t> Firmware::answer(const link::Request& request) {
 std::optional<Data> Firmware::data_of(std::uint8_t command, Arguments arguments) {
     std::optional<Data> data = live_state(command);
     if (!data) {
-        data = parameters_.answer(memory_, command, arguments);
+        data = answer_parameter(memory_, command, arguments);
     }
     if (!data) {
         data = table_memory(command, arguments);
@@ -150,14 +150,13 @@ std::optional<Data> Firmware::diagnostics(std::uint8_t command, Arguments argume
     }
 }
 
-std::uint8_t Firmware::measure_throttle(std::size_t slot) {
+std::uint8_t Firmware::measure_throttle(std::size_t place) {
     const double raw = std::clamp(engine_.state().tps_sensor * 255, 0.0, 255.0);
-    memory_.store(slot, static_cast<std::uint16_t>(raw + 0.5));
-    return static_cast<std::uint8_t>(memory_.value(slot));
+    memory_.store(place, static_cast<std::uint16_t>(raw + 0.5));
+    return static_cast<std::uint8_t>(memory_.value(place));
 }
 
 std::optional<Data> Firmware::control(std::uint8_t command, Arguments arguments) {
-    const auto& slots = engine_.calibration().slots();
     switch (command) {
     case 'D':
     case 'd': // the upper-case letter stops the oxygen feedback
@@ -187,9 +186,9 @@ std::optional<Data> Firmware::control(std::uint8_t command, Arguments arguments)
         }
         return Data{arguments[0]};
     case 215: // the throttle stands closed
-        return Data{measure_throttle(slots.tps_base)};
+        return Data{measure_throttle(slot("TPS_BASE"))};
     case 216: // the throttle stands opened
-        return Data{measure_throttle(slots.tps_fs)};
+        return Data{measure_throttle(slot("TPS_FS"))};
     default:
         return std::nullopt;
     }

@@ -5,8 +5,8 @@
 
 #include "controller/dyno_run.h"
 #include "controller/engine_model.h"
+#include "controller/live_blocks.h"
 #include "controller/memory.h"
-#include "controller/parameter_commands.h"
 #include "controller/wheel_capture.h"
 #include "link/frame.h"
 
@@ -59,10 +59,9 @@ private:
     std::optional<Data> identity(std::uint8_t command) const;
     std::optional<Data> diagnostics(std::uint8_t command, Arguments arguments);
     std::optional<Data> control(std::uint8_t command, Arguments arguments);
-    std::uint8_t measure_throttle(std::size_t slot);
+    std::uint8_t measure_throttle(std::size_t place);
 
     FirmwareSettings settings_;
-    ParameterCommands parameters_;
     ControllerMemory memory_;
     EngineModel engine_;
     DynoRun dyno_;

@@ -46,7 +46,7 @@ const std::initializer_list<Default> parameter_defaults{
     {"IAC_TPSC", {31}},
     {"IAC_MAXR", {200}},
     {"IAC_ERRR", {100}},
-    {"IAC_DEAD", {50}},
+    {"IAC_DEAD", {8}},
     {"IGN_TDWL", {320}}, // 3.20 ms
     {"IGN_MDEG", {40}},  // 10 degrees
     {"TDC_TETH", {14}},
@@ -95,7 +95,7 @@ const std::initializer_list<Default> parameter_defaults{
     {"IGNP", {1, 2, 4, 8, 0}},
     {"PHBT", {0, 720, 1440, 2160, 0}}, // 180 degrees apart
     {"GPOS", {6, 7, 1, 3}},            // fuel pump, coolant fan, rpm and pressure, rpm and throttle
-    {"GPOV", {0, 92, 0}},
+    {"GPOV", {0, 88, 0}},
     {"RPMS", {0, 0, 5500, 6500}},
     {"RPSL", {1760, 1104, 768, 592, 480, 0}}, // 110, 69, 48, 37 and 30 rpm for a mile per hour
     {"RPSH", {2240, 1392, 992, 752, 576, 0}},
@@ -143,7 +143,7 @@ std::uint8_t cell_of(double raw) { return static_cast<std::uint8_t>(std::clamp(s
 template <typename Function>
 void fill_square(ControllerMemory& memory, std::string_view key, std::size_t side, Function raw) {
     const double steps = side == 16 ? 16 : 8;
-    const std::size_t base = ControllerMemory::table_at(key);
+    const std::size_t base = calibration::find_table(key)->base;
     for (std::size_t column = 0; column < side; ++column) {
         for (std::size_t row = 0; row < side; ++row) {
             const double rpm = 10000.0 * static_cast<double>(column) / steps;
@@ -167,15 +167,15 @@ double target_kpa(double rpm) { return 100 + 80 * std::clamp((rpm - 2000) / 2300
 
 void load_default_calibration(ControllerMemory& memory) {
     for (const Default& item : parameter_defaults) {
-        const ParameterSlot& place = ControllerMemory::parameter(item.key);
-        for (std::size_t i = 0; i < place.elements; ++i) {
-            memory.store(place.first + i, static_cast<std::uint16_t>(element(item, i)));
+        const calibration::Parameter& row = *calibration::find_parameter(item.key);
+        for (std::size_t i = 0; i < row.count; ++i) {
+            memory.store(calibration::first_element(row) + i, static_cast<std::uint16_t>(element(item, i)));
         }
     }
-    std::ranges::fill(memory.cells(), std::uint8_t{0});
+    memory.clear_cells();
     for (const Default& item : nine_cell_defaults) {
         for (std::size_t i = 0; i < 9; ++i) {
-            memory.store_cell(ControllerMemory::table_at(item.key) + i, static_cast<std::uint8_t>(element(item, i)));
+            memory.store_cell(calibration::find_table(item.key)->base + i, static_cast<std::uint8_t>(element(item, i)));
         }
     }
     fill_square(memory, "MAPM", 16,

@@ -32,7 +32,7 @@ struct Fuelling {
 
 class EngineCalibration {
 public:
-    explicit EngineCalibration(const ControllerMemory& memory);
+    explicit EngineCalibration(const ControllerMemory& memory) : memory_(memory) {}
 
     double full_scale_rpm() const;
     double map_span() const;
@@ -53,31 +53,16 @@ public:
     // The gear whose range holds the ratio, 0 for none.
     int gear_of(double rpm_per_mph) const;
 
-    double raw(std::size_t slot, std::size_t element = 0) const { return memory_.value(slot + element); }
-    std::uint16_t bits(std::size_t slot, std::size_t element = 0) const { return memory_.value(slot + element); }
-
-    // Slots that the engine reads directly.
-    struct Slots {
-        std::size_t fs_rpm, map_type, fuel_b, fuel_mx, tps_rpm, bat_comp, acc_rate, acc_sen, acc_minp, acc_maxp;
-        std::size_t ego_secs, ego_flgs, ego_a_lo, ego_a_hi, tps_base, tps_fs, tps_ego, tps_enr, ign_tdwl;
-        std::size_t iac_clos, iac_open, iac_tpse, iac_dead, rli_hrd1, rlf_hrd1;
-        std::size_t gpos, gpov, rpms, ggpo, rpsl, rpsh;
-    };
-    const Slots& slots() const { return slots_; }
+    double raw(std::size_t slot) const { return memory_.value(slot); }
+    bool wideband() const { return (memory_.value(slot("EGO_FLGS")) & 3U) != 0; }
+    bool sensor_on_can() const { return (memory_.value(slot("EGO_FLGS")) & 3U) == 2; }
 
 private:
-    struct Tables {
-        std::size_t egol, cltm, matm, auxm, mapm, ignm, ignr, barg, idle, ignt, dwel, bari, ignc, igna, accc, batd;
-        std::size_t ign3, tpfm, tpfp;
-        std::array<std::size_t, 4> gpo;
-    };
     double nine(std::size_t base, double position) const;
     double square(std::size_t base, std::size_t side, double x, double y) const;
     double gpo_duty(std::size_t channel, const OperatingPoint& at) const;
 
     const ControllerMemory& memory_;
-    Slots slots_;
-    Tables tables_;
 };
 
 } // namespace ecu::controller

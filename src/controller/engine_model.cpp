@@ -13,6 +13,7 @@ constexpr double cruise_seconds = 20;
 constexpr double pull_from_rpm = 1900;
 constexpr double pull_to_rpm = 8300;
 constexpr double throttle_speed = 4; // of its travel a second
+constexpr double start_steps = 60;   // of the idle air valve
 constexpr double lean_out = 1.98;    // lambda of an engine without fuel
 // What the throttle sensor reads when closed, and how much more when opened.
 constexpr double sensor_closed = 0.12;
@@ -36,7 +37,7 @@ EngineModel::EngineModel(const ControllerMemory& memory, Driving driving, std::u
       phase_(driving == Driving::cruise ? Phase::cruise : Phase::idle) {
     state_.at = {.rpm = 1100, .manifold_kpa = 45, .baro_kpa = 100.2, .coolant = 24, .air = 21, .battery = 13.9};
     state_.at.aux_volts = 1.2;
-    state_.at.iac_position = 20;
+    state_.at.iac_position = start_steps;
     step();
 }
 
@@ -76,8 +77,7 @@ void EngineModel::choose_phase() {
         break;
     case Driving::pull:
     case Driving::cycle:
-        if (phase_ == Phase::pull &&
-            state_.at.rpm >= std::min(pull_to_rpm, calibration_.raw(calibration_.slots().rli_hrd1))) {
+        if (phase_ == Phase::pull && state_.at.rpm >= std::min(pull_to_rpm, calibration_.raw(slot("RLI_HRD1")))) {
             phase_ = Phase::coast;
             pulled_ = true;
         } else if (phase_ == Phase::coast && state_.at.rpm <= pull_from_rpm) {
@@ -140,7 +140,7 @@ void EngineModel::move_crank() {
 
 void EngineModel::fill_manifold() {
     OperatingPoint& at = state_.at;
-    const double opening = 0.009 + 0.00013 * at.iac_position + std::pow(throttle_, 1.4);
+    const double opening = 0.014 + 0.00013 * at.iac_position + std::pow(throttle_, 1.4);
     const double supply = 2.6 * opening / (at.rpm / 6500);
     const double natural = std::max(0.2, supply / std::sqrt(1 + supply * supply));
     const double spool = std::clamp((at.rpm - 2200) / 2300, 0.0, 1.0);
@@ -151,7 +151,7 @@ void EngineModel::fill_manifold() {
 void EngineModel::warm_up() {
     OperatingPoint& at = state_.at;
     const double work = at.manifold_kpa * at.rpm / 1e6; // about 0.03 at idle, 1.5 at full power
-    follow(at.coolant, 87 + 8 * work + 2 * wave(state_.time, 70), 70);
+    follow(at.coolant, 87 + 8 * work + 2 * wave(state_.time, 70), 50);
     follow(at.air, 27 + 14 * work, 40);
     const double charging = phase_ == Phase::idle ? 13.9 : 14.2;
     follow(at.battery, charging + flicker(0.4), 0.3);
@@ -162,30 +162,29 @@ void EngineModel::warm_up() {
 }
 
 void EngineModel::control_idle_air() {
-    const auto& slots = calibration_.slots();
     OperatingPoint& at = state_.at;
     state_.idle_setpoint = calibration_.idle_rpm(at);
     const double error = state_.idle_setpoint - at.rpm;
-    const bool throttle_closed = at.throttle_percent < calibration_.raw(slots.iac_tpse) * 100 / 1024;
-    double target = calibration_.raw(slots.iac_clos) * 0.1;
+    const bool throttle_closed = at.throttle_percent < calibration_.raw(slot("IAC_TPSE")) * 100 / 1024;
+    double target = start_steps;
     if (state_.firmware_seconds < 1) {
         state_.iac_state = IacState::home;
     } else if (state_.firmware_seconds < 2) {
         state_.iac_state = IacState::start_position;
     } else if (!throttle_closed) {
         state_.iac_state = IacState::closed;
+        target = calibration_.raw(slot("IAC_CLOS")) * 0.1;
     } else {
-        if (std::abs(error) > calibration_.raw(slots.iac_dead)) {
+        if (state_.iac_state < IacState::opening || std::abs(error) > calibration_.raw(slot("IAC_DEAD"))) {
             state_.iac_state = error > 0 ? IacState::opening : IacState::closing;
         }
         target =
-            std::clamp(40 + (state_.idle_setpoint - 800) * 0.12 + error * 0.1, 0.0, calibration_.raw(slots.iac_open));
+            std::clamp(40 + (state_.idle_setpoint - 800) * 0.12 + error * 0.1, 0.0, calibration_.raw(slot("IAC_OPEN")));
     }
     follow(at.iac_position, target, 0.8);
 }
 
 void EngineModel::inject() {
-    const auto& slots = calibration_.slots();
     const OperatingPoint& at = state_.at;
     state_.fuel = calibration_.fuelling(at);
     state_.lambda_setpoint = calibration_.lambda_setpoint(at);
@@ -193,9 +192,10 @@ void EngineModel::inject() {
     // Volts of throttle movement a second; slower movements than ACC_RATE enrich nothing.
     const double volts = throttle_rate_ * sensor_travel * 5;
     double enrichment = 0;
-    if (volts > calibration_.raw(slots.acc_rate) * 76.3 / 819) {
-        const double full = calibration_.raw(slots.acc_sen) * 0.205 * volts * 0.1 * calibration_.accel_gain(at);
-        enrichment = held(full, calibration_.raw(slots.acc_minp) * 1.6e-3, calibration_.raw(slots.acc_maxp) * 1.6e-3);
+    if (volts > calibration_.raw(slot("ACC_RATE")) * 76.3 / 819) {
+        const double full = calibration_.raw(slot("ACC_SEN")) * 0.205 * volts * 0.1 * calibration_.accel_gain(at);
+        enrichment =
+            held(full, calibration_.raw(slot("ACC_MINP")) * 1.6e-3, calibration_.raw(slot("ACC_MAXP")) * 1.6e-3);
     }
     state_.accel_ms = std::max(enrichment, state_.accel_ms * (1 - engine_step / 0.25));
     if (state_.accel_ms < 0.002) {
@@ -203,22 +203,23 @@ void EngineModel::inject() {
     }
 
     const bool cut =
-        phase_ == Phase::coast && at.rpm > 1500 && at.throttle_percent < calibration_.raw(slots.tps_enr) * 100 / 255;
+        phase_ == Phase::coast && at.rpm > 1500 && at.throttle_percent < calibration_.raw(slot("TPS_ENR")) * 100 / 255;
     state_.injector_ms = cut ? 0 : state_.fuel.pulse_ms * state_.ego_correction + state_.accel_ms;
     // This engine wants the fuel of its own calibration; more makes it richer. Enrichment makes up for wet walls.
     const double wanted = healthy_.fuelling(at).pulse_ms;
     const double given = state_.fuel.pulse_ms * state_.ego_correction + 0.15 * state_.accel_ms;
     const double target =
         cut ? lean_out : std::clamp(healthy_.lambda_setpoint(at) * wanted / std::max(given, 0.01), 0.5, lean_out);
-    follow(state_.lambda, target + flicker(0.04) + 0.008 * wave(state_.time, 1.3), cut ? 0.4 : 0.12);
+    follow(state_.lambda, target + flicker(0.04) + 0.02 * wave(state_.time, 1.3), cut ? 0.4 : 0.12);
 
-    const bool closed_loop = oxygen_feedback_ && !cut && state_.accel_ms == 0 && calibration_.raw(slots.ego_secs) > 0 &&
-                             state_.firmware_seconds > calibration_.raw(slots.ego_secs) &&
-                             at.throttle_percent < calibration_.raw(slots.tps_ego) * 100 / 255;
+    const bool closed_loop = oxygen_feedback_ && !cut && state_.accel_ms == 0 &&
+                             calibration_.raw(slot("EGO_SECS")) > 0 &&
+                             state_.firmware_seconds > calibration_.raw(slot("EGO_SECS")) &&
+                             at.throttle_percent < calibration_.raw(slot("TPS_EGO")) * 100 / 255;
     if (closed_loop) {
-        const double corrected = state_.ego_correction + (state_.lambda - state_.lambda_setpoint) * 0.8 * engine_step;
+        const double corrected = state_.ego_correction + (state_.lambda - state_.lambda_setpoint) * 2 * engine_step;
         state_.ego_correction =
-            held(corrected, calibration_.raw(slots.ego_a_lo) / 64, calibration_.raw(slots.ego_a_hi) / 64);
+            held(corrected, calibration_.raw(slot("EGO_A_LO")) / 64, calibration_.raw(slot("EGO_A_HI")) / 64);
     } else {
         follow(state_.ego_correction, 1, 0.3);
     }
@@ -234,7 +235,7 @@ void EngineModel::count() {
     const double turns = state_.at.rpm / 60 * engine_step;
     state_.teeth += turns * 35;
     state_.cams += turns / 2;
-    state_.can_frames += (calibration_.bits(calibration_.slots().ego_flgs) & 3U) == 2 ? 100 * engine_step : 0;
+    state_.can_frames += calibration_.sensor_on_can() ? 100 * engine_step : 0;
 }
 
 } // namespace ecu::controller

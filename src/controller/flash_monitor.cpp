@@ -44,7 +44,7 @@ std::string FlashMonitor::receive(std::uint8_t byte) {
             return "\r\nBoot monitor 1.0\r\n";
         }
         if (character == 'S') {
-            record_ = "S";
+            record_ += character;
         }
         return {}; // line ends and noise between records
     }

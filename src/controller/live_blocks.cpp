@@ -50,7 +50,7 @@ void put_signed_word(Data& data, double value) {
 
 Data live_block(const EngineState& state, const EngineCalibration& calibration, const DynoRun& dyno) {
     const OperatingPoint& at = state.at;
-    const bool reads_lambda = (calibration.bits(calibration.slots().ego_flgs) & 3U) != 0;
+    const bool reads_lambda = calibration.wideband();
     const double oxygen_percent = state.lambda > 1 ? 20.9 * (state.lambda - 1) / state.lambda : 0;
     const double lean = state.lambda - 1;
     const unsigned blinking = std::fmod(state.time, 4) < 2 ? input_trigger_b : 0;

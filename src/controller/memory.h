@@ -3,7 +3,8 @@
 // stored as sent; nothing is checked, since the console's limits are the console's affair.
 #pragma once
 
-#include <array>
+#include "calibration/parameters.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -12,12 +13,10 @@
 
 namespace ecu::controller {
 
-// A parameter's name in the setup file, where its values stand, and how many it has: 1, or a vector's elements.
-struct ParameterSlot {
-    std::string_view key;
-    std::size_t first;
-    std::size_t elements;
-};
+// Where the values of a parameter stand, elements side by side. An unknown key does not compile.
+consteval std::size_t slot(std::string_view key) { return calibration::first_element(calibration::parameter(key)); }
+// The address of a table's first cell.
+consteval std::size_t table_base(std::string_view key) { return calibration::table(key).base; }
 
 class ControllerMemory {
 public:
@@ -25,21 +24,11 @@ public:
 
     std::uint8_t cell(std::size_t address) const { return cells_[address & 0xFFFFU]; }
     void store_cell(std::size_t address, std::uint8_t value) { cells_[address & 0xFFFFU] = value; }
-
     std::uint16_t value(std::size_t slot) const { return values_[slot]; }
     void store(std::size_t slot, std::uint16_t value) { values_[slot] = value; }
 
-    // All parameters in table order.
-    static std::span<const ParameterSlot> parameters();
-    // std::out_of_range for a key that there is not.
-    static const ParameterSlot& parameter(std::string_view key);
-    static std::size_t slot_of(std::string_view key) { return parameter(key).first; }
-    // The first address of a table; std::out_of_range for a key that there is not.
-    static std::size_t table_at(std::string_view key);
-
-    std::span<std::uint8_t> cells() { return cells_; }
+    void clear_cells();
     std::span<const std::uint8_t> cells() const { return cells_; }
-    std::span<const std::uint16_t> values() const { return values_; }
 
     bool operator==(const ControllerMemory&) const = default;
 

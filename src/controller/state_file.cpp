@@ -43,10 +43,10 @@ std::optional<unsigned> number(std::string_view text, int base, unsigned highest
 
 std::string text_of(const ControllerMemory& memory) {
     std::string text(first_line);
-    for (const ParameterSlot& parameter : ControllerMemory::parameters()) {
-        text += parameter.key;
-        for (std::size_t i = 0; i < parameter.elements; ++i) {
-            text += ' ' + std::to_string(memory.value(parameter.first + i));
+    for (const calibration::Parameter& row : calibration::parameters) {
+        text += row.key;
+        for (std::size_t i = 0; i < row.count; ++i) {
+            text += ' ' + std::to_string(memory.value(calibration::first_element(row) + i));
         }
         text += '\n';
     }
@@ -82,20 +82,20 @@ bool read_line(const std::string& line, ControllerMemory& memory, std::size_t& p
         }
         return cell == cells_per_line;
     }
-    const auto parameter = std::ranges::find(ControllerMemory::parameters(), word, &ParameterSlot::key);
-    if (parameter == ControllerMemory::parameters().end()) {
+    const calibration::Parameter* row = calibration::find_parameter(word);
+    if (row == nullptr) {
         return false;
     }
     std::size_t element = 0;
     while (words >> word) {
         const std::optional<unsigned> value = number(word, 10, 65535);
-        if (!value || element == parameter->elements) {
+        if (!value || element == row->count) {
             return false;
         }
-        memory.store(parameter->first + element++, static_cast<std::uint16_t>(*value));
+        memory.store(calibration::first_element(*row) + element++, static_cast<std::uint16_t>(*value));
     }
     ++parameters_seen;
-    return element == parameter->elements;
+    return element == row->count;
 }
 
 bool parse(const std::string& text, ControllerMemory& memory) {
@@ -104,7 +104,7 @@ bool parse(const std::string& text, ControllerMemory& memory) {
         text.substr(end) != "END " + hex(fletcher32(std::string_view(text).substr(0, end)), 8) + '\n') {
         return false;
     }
-    std::ranges::fill(memory.cells(), std::uint8_t{0});
+    memory.clear_cells();
     std::istringstream lines(text.substr(first_line.size(), end - first_line.size()));
     std::string line;
     std::size_t parameters_seen = 0;
@@ -113,7 +113,7 @@ bool parse(const std::string& text, ControllerMemory& memory) {
             return false;
         }
     }
-    return parameters_seen == ControllerMemory::parameters().size();
+    return parameters_seen == calibration::parameters.size();
 }
 
 } // namespace
