@@ -1,5 +1,7 @@
 #include "messages/capabilities.h"
-#include "messages/live_forms.h"
+
+#include "console/forms.h"
+#include "support/sim_desktop.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +12,8 @@ namespace {
 
 // The controls whose enabled state (of frames: visible state) differs after `word` from that after `before`.
 std::set<std::string> changed_by(std::uint16_t before, std::uint16_t word) {
-    test::LiveForms forms;
+    test::SimDesktop desktop;
+    console::Forms forms{desktop};
     Capabilities capabilities(forms.registry);
     const auto states = [&forms] {
         std::map<std::string, std::pair<bool, bool>> all;

@@ -1,7 +1,8 @@
+#include "console/forms.h"
 #include "messages/live_decoder.h"
-#include "messages/live_forms.h"
+#include "support/sim_desktop.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
 
@@ -61,9 +62,10 @@ protected:
         std::ranges::copy(bytes, block.begin() + static_cast<std::ptrdiff_t>(offset) - 2);
         return decode(block);
     }
-    std::string mon(std::string_view name, int index = -1) { return forms.mon.form.at(name, index).text(); }
+    std::string mon(std::string_view name, int index = -1) { return forms.frm_mon.form.at(name, index).text(); }
 
-    test::LiveForms forms;
+    test::SimDesktop desktop;
+    console::Forms forms{desktop};
     link::SharedState state;
     EcuLiveData data;
     LiveDecoder decoder{state, data, forms.registry};
@@ -73,44 +75,25 @@ TEST_F(LiveDecoderTest, EveryFieldOfTheLiveBlock) {
     state.current_view = View::monitor;
     data.rpm_filter_gain = 1;
     ASSERT_TRUE(decode(live_block));
-    EXPECT_EQ(data.can_rx_frames, 4660);
-    EXPECT_EQ(data.status_flags, 1);
-    const std::vector<std::pair<float, double>> values{{data.ego_lambda_setpoint, 0.859375},
-                                                       {data.lambda, 1.0546875},
-                                                       {data.oxygen_percent, 0},
-                                                       {data.tps_pcnt, 50},
-                                                       {data.injector_pw, 0.00808},
-                                                       {data.coolant_temp, 90},
-                                                       {data.air_temp, -10},
-                                                       {data.battery_volts, 14.117647},
-                                                       {data.ego_correction, 0.984375},
-                                                       {data.map_enrichment, 1.125},
-                                                       {data.accel_enrichment, 52.4288},
-                                                       {data.clt_enrichment, 1.125},
-                                                       {data.baro_kpa, 101.730205},
-                                                       {data.ignition_timing, -5},
-                                                       {data.manifold_kpa, 100.5},
-                                                       {data.engine_rpm, 3200},
-                                                       {data.throttle_raw_percent, 14.95601},
-                                                       {data.throttle_percent, 14.95601},
-                                                       {data.map_position, 0.34375},
-                                                       {data.rpm_position, 0.5},
-                                                       {data.tps_position, 0.234375},
-                                                       {data.egt, 750.25}};
+    // clang-format off
+    const std::vector<std::pair<float, double>> values{
+        {data.ego_lambda_setpoint, 0.859375}, {data.lambda, 1.0546875}, {data.oxygen_percent, 0}, {data.tps_pcnt, 50},
+        {data.injector_pw, 0.00808}, {data.coolant_temp, 90}, {data.air_temp, -10}, {data.battery_volts, 14.117647},
+        {data.ego_correction, 0.984375}, {data.map_enrichment, 1.125}, {data.accel_enrichment, 52.4288},
+        {data.clt_enrichment, 1.125}, {data.baro_kpa, 101.730205}, {data.ignition_timing, -5},
+        {data.manifold_kpa, 100.5}, {data.engine_rpm, 3200}, {data.throttle_raw_percent, 14.95601},
+        {data.throttle_percent, 14.95601}, {data.map_position, 0.34375}, {data.rpm_position, 0.5},
+        {data.tps_position, 0.234375}, {data.egt, 750.25}};
     for (std::size_t i = 0; i < values.size(); ++i) {
         EXPECT_FLOAT_EQ(values[i].first, static_cast<float>(values[i].second)) << "value " << i;
     }
-    const std::vector<std::int32_t> integers{data.ego_correction_raw, data.map_enrichment_raw,
-                                             data.engine_rpm_raw,     data.input_flags,
-                                             data.map_cell,           data.map_rem,
-                                             data.rpm_cell,           data.rpm_rem,
-                                             data.tps_cell,           data.tps_rem,
-                                             data.dyno_state,         data.dyno_samples,
-                                             data.wb_feedback,        data.wb_pump_current,
-                                             data.wb_pump_dac,        data.wb_heater_pw,
-                                             data.wb_heater_temp};
-    EXPECT_EQ(integers,
-              (std::vector<std::int32_t>{63, 144, 3200, 0x27, 5, 64, 8, 0, 3, 96, 2, 3000, 257, 514, 771, 1028, 1285}));
+    EXPECT_THAT((std::array<int, 19>{
+        data.can_rx_frames, data.status_flags, data.ego_correction_raw, data.map_enrichment_raw, data.engine_rpm_raw,
+        data.input_flags, data.map_cell, data.map_rem, data.rpm_cell, data.rpm_rem, data.tps_cell, data.tps_rem,
+        data.dyno_state, data.dyno_samples, data.wb_feedback, data.wb_pump_current, data.wb_pump_dac,
+        data.wb_heater_pw, data.wb_heater_temp}),
+        testing::ElementsAre(4660, 1, 63, 144, 3200, 0x27, 5, 64, 8, 0, 3, 96, 2, 3000, 257, 514, 771, 1028, 1285));
+    // clang-format on
     EXPECT_EQ(mon("can_rx_frames"), "4660");
     EXPECT_EQ(mon("EGT"), "750.3");
     EXPECT_EQ(mon("aux_stat") + mon("map_sel_stat") + mon("trig_b_stat"), "HIGHHIGHHIGH");
@@ -118,7 +101,7 @@ TEST_F(LiveDecoderTest, EveryFieldOfTheLiveBlock) {
     ASSERT_TRUE(decode_live(25, {0x58}));
     EXPECT_EQ(mon("aux_stat") + mon("map_sel_stat") + mon("trig_b_stat"), "LOWLOWLOW");
     EXPECT_EQ(mon("rev_limit_stat") + mon("flat_shift_stat"), "RPM2FLAT+");
-    EXPECT_EQ(forms.diagnostics.dyno_stat.text(), "") << "only the diagnostics view follows the dyno";
+    EXPECT_EQ(forms.frm_diagnostics.dyno_stat.text(), "") << "only the diagnostics view follows the dyno";
 }
 
 TEST_F(LiveDecoderTest, SignsLimitsAndAnOxygenSensor) {
@@ -152,16 +135,14 @@ TEST_F(LiveDecoderTest, RpmApproachesTheRawFigureByTheFilterGain) {
 
 TEST_F(LiveDecoderTest, EveryFieldOfTheSecondBlockAndItsRelatives) {
     ASSERT_TRUE(decode(second_block));
-    EXPECT_EQ(data.gpo_duty[0], 0);
-    EXPECT_FLOAT_EQ(data.gpo_duty[1], 20);
-    EXPECT_FLOAT_EQ(data.gpo_duty[2], 50.196078F);
-    EXPECT_FLOAT_EQ(data.gpo_duty[3], 100);
+    using testing::FloatEq;
+    EXPECT_THAT(data.gpo_duty, testing::ElementsAre(0, FloatEq(20), FloatEq(50.196078F), FloatEq(100)));
     EXPECT_FLOAT_EQ(data.aux_volts, 1.65F);
     EXPECT_FLOAT_EQ(data.aux_egt, 200);
-    EXPECT_EQ(data.iac_state, 4);
-    EXPECT_EQ(data.iac_error, 3);
-    EXPECT_EQ(data.iac_position, 300);
-    EXPECT_EQ(data.iac_rpm_setpoint, 850);
+    const auto idle = [this] {
+        return std::vector{data.iac_state, data.iac_error, data.iac_position, data.iac_rpm_setpoint};
+    };
+    EXPECT_THAT(idle(), testing::ElementsAre(4, 3, 300, 850));
     EXPECT_FLOAT_EQ(data.speed_MPH, 56.5F);
     EXPECT_FLOAT_EQ(data.rpm_mph_ratio, 100.0625F);
     const std::vector<std::pair<const char*, const char*>> texts{
@@ -177,9 +158,7 @@ TEST_F(LiveDecoderTest, EveryFieldOfTheSecondBlockAndItsRelatives) {
     ASSERT_TRUE(decode(relative));
     EXPECT_EQ(mon("map_num"), "3");
     ASSERT_TRUE(decode({152, 6, 0, 0x01, 0x02, 0x20, 0x03}));
-    EXPECT_EQ(data.iac_state, 6);
-    EXPECT_EQ(data.iac_position, 513);
-    EXPECT_EQ(data.iac_rpm_setpoint, 800);
+    EXPECT_THAT(idle(), testing::ElementsAre(6, 0, 513, 800));
 }
 
 TEST_F(LiveDecoderTest, ChannelsWithDutiesReadFromTheBytesOfTheLastFourWordsToo) {
@@ -193,14 +172,14 @@ TEST_F(LiveDecoderTest, ChannelsWithDutiesReadFromTheBytesOfTheLastFourWordsToo)
     EXPECT_EQ(data.inj_duty, (std::array<std::int16_t, 16>{75, 75, 85, 85, 100, 0, 0, 5}));
     EXPECT_EQ(data.ign_duty, (std::array<std::int16_t, 16>{40, 40, 50, 51, 0, 0, 0, 2}));
     EXPECT_EQ(mon("inj_duty", 4) + mon("ign_duty", 3), "10051");
+    const auto colours = [](const auto& labels) {
+        return std::vector{labels[1].fore_colour(), labels[2].fore_colour(), labels[3].fore_colour(),
+                           labels[4].fore_colour()};
+    };
     const platform::Colour blue{0, 0, 255};
     const platform::Colour orange{255, 128, 0};
-    EXPECT_EQ(forms.mon.inj_duty[1].fore_colour(), blue);
-    EXPECT_EQ(forms.mon.inj_duty[3].fore_colour(), orange);
-    EXPECT_EQ(forms.mon.inj_duty[4].fore_colour(), platform::light_red);
-    EXPECT_EQ(forms.mon.ign_duty[1].fore_colour(), blue);
-    EXPECT_EQ(forms.mon.ign_duty[2].fore_colour(), orange);
-    EXPECT_EQ(forms.mon.ign_duty[3].fore_colour(), platform::light_red);
+    EXPECT_THAT(colours(forms.frm_mon.inj_duty), testing::ElementsAre(blue, orange, orange, platform::light_red));
+    EXPECT_THAT(colours(forms.frm_mon.ign_duty), testing::ElementsAre(blue, orange, platform::light_red, blue));
 }
 
 TEST_F(LiveDecoderTest, InThePlotterTheRecordMovesAndTheLabelsStand) {
@@ -208,7 +187,7 @@ TEST_F(LiveDecoderTest, InThePlotterTheRecordMovesAndTheLabelsStand) {
     ASSERT_TRUE(decode(live_block));
     ASSERT_TRUE(decode(second_block));
     ASSERT_TRUE(decode(channel_block));
-    for (const platform::Control* control : forms.mon.form.controls()) {
+    for (const platform::Control* control : forms.frm_mon.form.controls()) {
         const bool is_reading = control->kind() == platform::Kind::label && control->name() != "Label1" &&
                                 control->name() != "show_demo_mode";
         EXPECT_TRUE(!is_reading || control->text().empty()) << control->full_name();
@@ -230,7 +209,7 @@ TEST_F(LiveDecoderTest, TheDiagnosticsViewFollowsTheDynoState) {
     std::string shown;
     for (const std::uint8_t dyno_state : std::vector<std::uint8_t>{0, 1, 2, 3, 200}) {
         ASSERT_TRUE(decode_live(47, {dyno_state}));
-        shown += forms.diagnostics.dyno_stat.text() + " " + forms.diagnostics.dyno_samples.text() + " ";
+        shown += forms.frm_diagnostics.dyno_stat.text() + " " + forms.frm_diagnostics.dyno_samples.text() + " ";
     }
     EXPECT_EQ(shown, "Disarmed --- Armed --- Running 3000 Finished --- Finished --- ");
     EXPECT_EQ(calls, "row finish finish ");

@@ -1,0 +1,131 @@
+#include "shell/console_rig.h"
+
+namespace ecu::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class MainConsoleTest : public ConsoleRig {};
+
+TEST_F(MainConsoleTest, AnItemAndItsButtonOpenTheView) {
+    start();
+    state.polling_paused = true;
+    main.menu_View_Plotter.click();
+    EXPECT_EQ(state.current_view, View::plotter);
+    EXPECT_FALSE(state.polling_paused);
+    EXPECT_TRUE(forms.frm_plotter.form.visible());
+    EXPECT_FALSE(main.form.visible());
+    EXPECT_EQ(controller.sent_codes(), "C");
+    EXPECT_EQ(main.form.caption(), "ECU System Console ->COM3");
+    forms.frm_plotter.form.unload();
+    EXPECT_EQ(state.current_view, View::none);
+    EXPECT_TRUE(main.form.visible());
+    controller.clear_sent();
+    main.Command3d4.press();
+    EXPECT_EQ(state.current_view, View::monitor);
+    EXPECT_THAT(controller.sent(), IsEmpty()) << "the monitor needs no scales";
+}
+
+TEST_F(MainConsoleTest, WhatLeadsNowhereIsDisabledAndSaysSo) {
+    start();
+    const std::string missing(shell::view_missing);
+    for (const char* name : {"menu_View_supp", "Command2", "menu_view_diagnostic", "Command3", "menufileopen",
+                             "menufilesave", "menu_tool_flash_utility", "menu_remote_setup_start_server"}) {
+        EXPECT_FALSE(main.form.at(name).enabled()) << name;
+        EXPECT_EQ(main.form.at(name).tool_tip(), missing) << name;
+    }
+    EXPECT_FALSE(forms.frm_mon.menu_sup.enabled());
+    EXPECT_TRUE(forms.frm_mon.menu_plot.enabled());
+    int uploads = 0;
+    console.on_upload = [&] { ++uploads; };
+    console.offer_what_exists();
+    EXPECT_EQ(main.menufileopen.tool_tip(), "");
+    main.menufileopen.click();
+    EXPECT_EQ(uploads, 1);
+}
+
+TEST_F(MainConsoleTest, RequestsAreServedOneATickInTheirFixedOrder) {
+    start_in_monitor();
+    forms.frm_mon.menu_plot.click();
+    forms.frm_mon.menu_dash.click();
+    EXPECT_TRUE(main.form.visible());
+    desktop.run_for(0.06);
+    EXPECT_EQ(state.current_view, View::dashboard);
+    EXPECT_FALSE(forms.frm_plotter.form.visible());
+    forms.frm_dashboard.form.unload();
+    desktop.run_for(0.1);
+    EXPECT_EQ(state.current_view, View::plotter);
+    EXPECT_THAT(state.pending_view_request, testing::Each(false));
+}
+
+TEST_F(MainConsoleTest, AViewAskedForInsideATransactionOpensAfterIt) {
+    start_in_monitor();
+    controller.silence();
+    desktop.schedule(desktop.now() + 120'000, [&] {
+        ASSERT_TRUE(comm.busy());
+        forms.frm_mon.Command3d1.press();
+        main.menu_View_Mapping.click();
+        EXPECT_EQ(state.current_view, View::none);
+        controller.speak();
+    });
+    desktop.run_for(0.5);
+    EXPECT_EQ(state.current_view, View::basic_mapping);
+}
+
+TEST_F(MainConsoleTest, QuittingAsksFirst) {
+    start();
+    desktop.answer_box("Are you sure you want to quit?", platform::Answer::no);
+    main.menu_file_exit.click();
+    EXPECT_EQ(desktop.boxes().back().title, "ECU");
+    desktop.answer_box("Are you sure you want to quit?", platform::Answer::yes);
+    EXPECT_THROW(main.Command3d5.press(), ProgramEnded);
+}
+
+TEST_F(MainConsoleTest, AChosenPortIsKeptAndTheOpenOneStays) {
+    start();
+    main.menu_comm_10.click();
+    EXPECT_EQ(desktop.read_file("port.cfg"), "10\n");
+    EXPECT_EQ(state.comm_port_number, 10);
+    EXPECT_FALSE(main.menu_comm_3.checked());
+    main.Command3d4.press();
+    main.menu_comm_1.click();
+    EXPECT_EQ(state.comm_port_number, 10);
+    EXPECT_TRUE(main.menu_comm_1.checked());
+}
+
+TEST_F(MainConsoleTest, ResetAndPreparationToReflash) {
+    start();
+    main.menu_tool_reset.click();
+    EXPECT_THAT(controller.messages(), testing::Contains(Bytes{174, 165, 0, 0}));
+    for (const auto answer : {platform::Answer::cancel, platform::Answer::ok}) {
+        desktop.run_for(0.1);
+        controller.clear_sent();
+        desktop.answer_box("Do you really want to stop the controller and re-flash its memory?", answer);
+        main.menu_tool_reflash.click();
+        EXPECT_EQ(controller.count(174), answer == platform::Answer::ok ? 1U : 0U);
+        EXPECT_FALSE(state.comm_ready);
+        EXPECT_FALSE(comm1->is_open());
+        EXPECT_EQ(state.link_title_suffix, "");
+    }
+    EXPECT_THAT(controller.messages(), ElementsAre(Bytes{174, 90, 0, 0}));
+}
+
+TEST_F(MainConsoleTest, AboutAsksTheControllerAndReportsTheLastFailure) {
+    start();
+    state.failed_frame_text = "Buffer = 02";
+    desktop.on_modal("frm_about", [&](platform::Form&) { forms.frm_about.Command3d1.press(); });
+    main.menu_about.click();
+    EXPECT_EQ(controller.sent_codes().substr(0, 2), "R-");
+    EXPECT_EQ(forms.frm_about.comm_details.text(), "Buffer = 02");
+    EXPECT_FALSE(state.polling_paused);
+    controller.clear_sent();
+    state.demo_mode = true;
+    desktop.on_modal("frm_about", [&](platform::Form&) { forms.frm_about.menu_file_exit.click(); });
+    main.Command3d6.press();
+    EXPECT_EQ(forms.frm_about.serial_num.text(), "DEMO MODE");
+    EXPECT_THAT(controller.sent(), IsEmpty());
+}
+
+} // namespace
+} // namespace ecu::test
