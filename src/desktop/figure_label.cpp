@@ -19,7 +19,7 @@ void FigureLabel::set_points(double points) {
 
 void FigureLabel::show_text(const QString& text) {
     setText(text);
-    if (fontMetrics().horizontalAdvance(text) + 2 > width()) {
+    if (fontMetrics().horizontalAdvance(text) > minimumWidth() - 4) {
         widest_ = text;
         make_room();
     }

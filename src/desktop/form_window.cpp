@@ -197,7 +197,9 @@ void FormWindow::demo_badge(platform::Label& label) {
     palette.setColor(QPalette::WindowText,
                      theme::readable_on(QColor(0xd9, 0x82, 0x00), QPalette().color(QPalette::Window)));
     badge->setPalette(palette);
+    badge->setForegroundRole(QPalette::WindowText);
     badge->setContentsMargins(0, 0, theme::margin, 0);
+    badge->setFixedHeight(menuBar()->sizeHint().height() - 2);
     menuBar()->setCornerWidget(badge);
     badge->setVisible(label.visible()); // the corner shows what it is given
 }
@@ -210,10 +212,23 @@ QWidget* FormWindow::status(platform::Label& label) {
 
 void FormWindow::scale_figures(double smallest_points, double largest_points) {
     figure_points_ = {smallest_points, largest_points};
+    set_figure_points(smallest_points);
+}
+
+// Captions grow with the figures, at a smaller size, and are never smaller than the desktop's own font.
+void FormWindow::set_figure_points(double points) {
+    QFont captions = QApplication::font();
+    captions.setPointSizeF(std::max(captions.pointSizeF(), points * 0.62));
+    body_->setFont(captions);
     for (FigureLabel* figure : figures_) {
-        figure->set_points(smallest_points);
+        figure->set_points(points);
+        // The boxes around hear of it with the next events only; the fit has to be known now.
+        for (QWidget* around = figure->parentWidget(); around != nullptr && around != body_;
+             around = around->parentWidget()) {
+            around->updateGeometry();
+        }
     }
-    fitted_points_ = smallest_points;
+    body_->layout()->invalidate();
 }
 
 // The largest half point at which the body still fits; what is left of the window goes to the gaps.
@@ -221,25 +236,19 @@ void FormWindow::fit_figures() {
     if (figures_.empty() || scroll_ == nullptr || figure_points_.first >= figure_points_.second) {
         return;
     }
-    const QSize room = scroll_->viewport()->size();
-    const auto fits = [&](double points) {
-        for (FigureLabel* figure : figures_) {
-            figure->set_points(points);
-        }
-        fitted_points_ = points;
-        body_->layout()->activate();
+    const QSize room = scroll_->maximumViewportSize();
+    const auto fits = [&](int half_points) {
+        set_figure_points(half_points / 2.0);
         const QSize needed = body_->minimumSizeHint();
         return needed.width() <= room.width() && needed.height() <= room.height();
     };
-    int low = static_cast<int>(figure_points_.first * 2);
-    int high = static_cast<int>(figure_points_.second * 2);
-    while (low < high) {
-        const int middle = (low + high + 1) / 2;
-        fits(middle / 2.0) ? low = middle : high = middle - 1;
+    int fitting = static_cast<int>(figure_points_.first * 2); // taken even when nothing fits: the body then scrolls
+    int too_large = static_cast<int>(figure_points_.second * 2) + 1;
+    while (too_large - fitting > 1) {
+        const int middle = (fitting + too_large) / 2;
+        (fits(middle) ? fitting : too_large) = middle;
     }
-    if (fitted_points_ != low / 2.0) {
-        fits(low / 2.0);
-    }
+    set_figure_points(fitting / 2.0);
 }
 
 QSize FormWindow::wanted_size() const {

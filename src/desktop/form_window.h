@@ -94,6 +94,7 @@ protected:
 
 private:
     QWidget* box(bool horizontal, std::initializer_list<QWidget*> parts, std::initializer_list<int> stretches);
+    void set_figure_points(double points);
     void fit_figures();
     QSize wanted_size() const;
 
@@ -106,7 +107,6 @@ private:
     QWidget* body_ = nullptr;
     std::vector<FigureLabel*> figures_;
     std::pair<double, double> figure_points_{14, 14};
-    double fitted_points_ = 0;
     QByteArray geometry_;
     bool opened_ = false;
 };

@@ -18,8 +18,7 @@ using platform::Control;
 
 namespace {
 
-QFont title_font() {
-    QFont font;
+QFont title_font(QFont font) {
     font.setWeight(QFont::DemiBold);
     return font;
 }
@@ -57,7 +56,7 @@ void PanelBox::paintEvent(QPaintEvent*) {
     painter.setBrush(theme::panel_fill(QPalette()));
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 5, 5);
     if (!title().isEmpty()) {
-        painter.setFont(title_font());
+        painter.setFont(title_font(font()));
         painter.setPen(isEnabled() ? theme::accent(QPalette()) : theme::muted_text(QPalette()));
         painter.drawText(rect().adjusted(theme::margin, 6, -theme::margin, 0), Qt::AlignLeft | Qt::AlignTop, title());
     }
@@ -218,5 +217,11 @@ void Panel::next_column() {
 }
 
 void Panel::fill() { layout_->setRowStretch(layout_->rowCount(), 1); }
+
+void Panel::spread() {
+    for (int row = 0; row < layout_->rowCount(); ++row) {
+        layout_->setRowStretch(row, 1);
+    }
+}
 
 } // namespace ecu::desktop

@@ -79,6 +79,8 @@ public:
     void next_column();
     // Takes up the height that is left over, so that the rows stay together at the top.
     void fill();
+    // The rows share that height instead.
+    void spread();
 
 private:
     QWidget* caption_widget(const Caption& caption, bool unit);

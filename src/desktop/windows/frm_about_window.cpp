@@ -1,6 +1,8 @@
 #include "desktop/windows/windows.h"
 #include "shell/frm_about.h"
 
+#include <QLabel>
+
 namespace ecu::desktop {
 
 std::unique_ptr<FormWindow> make_frm_about_window(shell::FrmAbout& f, QtHost& host) {
@@ -11,7 +13,8 @@ std::unique_ptr<FormWindow> make_frm_about_window(shell::FrmAbout& f, QtHost& ho
     versions.row("Console", f.ECU_Rev);
     versions.row("Firmware", f.FW_Rev);
     versions.row("Serial number", f.serial_num);
-    versions.row("Last failed message", f.comm_details);
+    auto* failed = static_cast<QLabel*>(versions.row("Last failed message", f.comm_details));
+    failed->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard); // to be reported
     versions.fill();
     Panel text = window->panel("Installation");
     text.add(f.oemtext, "Installation", 1)->setMinimumSize(460, 120);

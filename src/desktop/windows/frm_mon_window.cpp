@@ -9,14 +9,14 @@ namespace {
 Panel engine_panel(FormWindow& window, views::FrmMon& f) {
     Panel panel = window.panel("Engine");
     panel.figure("Engine Speed", f.ECU_Data[0], "RPM", "00000");
-    panel.figure("Timing", f.ECU_Data[19], "deg", "00.00B");
+    panel.figure("Timing", f.ECU_Data[19], "deg", "-00.00B");
     panel.figure("Manifold Pressure", f.ECU_Data[4], "kPa", "000.0");
     panel.figure("Throttle Position", f.ECU_Data[3], "%", "000.0");
     panel.figure("IAC State", f.ECU_Data[15], "", "OPENING");
     panel.figure("IAC Error", f.ECU_Data[16], "", "ERR0");
     panel.figure("IAC Position", f.ECU_Data[17], "", "0000");
     panel.figure("IAC RPM Setpoint", f.ECU_Data[18], "RPM", "0000");
-    panel.fill();
+    panel.spread();
     return panel;
 }
 
@@ -29,7 +29,7 @@ Panel fuel_panel(FormWindow& window, views::FrmMon& f) {
     panel.figure("MAP Enrichment", f.ECU_Data[7], "Gamma", "0.000");
     panel.figure("Accel Enrichment", f.ECU_Data[8], "", "00.000");
     panel.figure("CLT Enrichment", f.ECU_Data[9], "Gamma", "0.000");
-    panel.fill();
+    panel.spread();
     return panel;
 }
 
@@ -44,7 +44,7 @@ Panel sensors_panel(FormWindow& window, views::FrmMon& f) {
     panel.figure("MPH", f.speed_MPH, "", "000.00");
     panel.figure("R/M", f.rpm_mph_ratio, "", "0000.00");
     panel.figure("Gear", f.gear_number, "", "00");
-    panel.fill();
+    panel.spread();
     return panel;
 }
 
@@ -57,7 +57,7 @@ Panel channels_panel(FormWindow& window, views::FrmMon& f) {
         panel.figures(std::string_view(name), {&f.inj_pw[i], &f.inj_duty[i], &f.ign_dwell[i], &f.ign_duty[i]},
                       "00.000");
     }
-    panel.fill();
+    panel.spread();
     return panel;
 }
 
@@ -76,7 +76,7 @@ Panel status_panel(FormWindow& window, views::FrmMon& f) {
     panel.figure("WDbg", f.wheel_idx_num, "", "000");
     panel.figure("CDbg", f.cam_idx_num, "", "000");
     panel.figure("CPUt", f.cpu_secs, "", "00000");
-    panel.fill();
+    panel.spread();
     return panel;
 }
 
@@ -86,7 +86,7 @@ Panel link_panel(FormWindow& window, views::FrmMon& f) {
     panel.figure("RXB", f.rx_bytes, "", "00000000");
     panel.figure("Comm Group Delay", f.group_delay, "MS", "0000.0");
     panel.figure("CAN RX", f.can_rx_frames, "", "00000");
-    panel.fill();
+    panel.spread();
     return panel;
 }
 
@@ -94,14 +94,14 @@ Panel link_panel(FormWindow& window, views::FrmMon& f) {
 
 std::unique_ptr<FormWindow> make_frm_mon_window(views::FrmMon& f, QtHost& host) {
     auto window = std::make_unique<FormWindow>(f.form, host);
-    QWidget* left = window->down({engine_panel(*window, f), link_panel(*window, f)}, {2, 1});
+    QWidget* left = window->down({engine_panel(*window, f), link_panel(*window, f)}, {8, 4});
     QWidget* middle = window->down({fuel_panel(*window, f), status_panel(*window, f)}, {7, 6});
-    QWidget* right = window->down({sensors_panel(*window, f), channels_panel(*window, f)}, {1, 1});
+    QWidget* right = window->down({sensors_panel(*window, f), channels_panel(*window, f)}, {9, 9});
     window->set_body(window->across({left, middle, right}, {4, 4, 5}));
     window->set_footer(window->buttons({&f.Command3d1}));
     window->demo_badge(f.show_demo_mode);
     window->keep_hidden(f.ECU_Data[13]); // nothing is ever written to it
-    window->scale_figures(9, 30);
+    window->scale_figures(8, 30);
     window->resize(1240, 740);
     return window;
 }
