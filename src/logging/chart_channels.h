@@ -13,6 +13,10 @@ namespace ecu::logging {
 inline constexpr std::size_t channel_count = 21;
 inline constexpr std::size_t rpm_channel = 0;
 inline constexpr std::size_t manifold_channel = 4;
+// The chart runs while one of the first 16 is ticked; the wideband channels behind them do not start it.
+inline constexpr std::size_t starting_channels = 16;
+// Dark in every theme: the channels' colours are bright.
+inline constexpr platform::Colour chart_paper{0x12, 0x16, 0x1C};
 
 struct ChartChannel {
     std::string_view caption; // of the check box; the two above show their span from the first activation on

@@ -38,6 +38,7 @@ struct FrmPlotter {
 
     FrmPlotter() {
         for (platform::CheckBox& box : Check3d1) {
+            box.set_back_colour(chart_paper); // the captions are the chart's legend
             box.set_fore_colour(chart_channels[static_cast<std::size_t>(box.index())].colour);
             box.set_tool_tip("Click the checkbox to enable or disable this channel on the chart recorder");
         }

@@ -18,9 +18,6 @@ constexpr std::size_t fastest_item = 7;
 constexpr double samples_shown = 600;
 constexpr double fastest_sample_seconds = 0.025;
 
-// Ticking any of these makes the chart run; the wideband channels after them do not.
-constexpr std::size_t channels_that_start_the_chart = 16;
-
 } // namespace
 
 Plotter::Plotter(const platform::Ports& ports, link::SharedState& state, link::EcuComm& comm,
@@ -177,7 +174,7 @@ void Plotter::plot_and_log_sample() {
     } else {
         form_.File_Samples.set_text("N/A");
     }
-    const auto starters = std::span(form_.Check3d1.begin(), channels_that_start_the_chart);
+    const auto starters = std::span(form_.Check3d1.begin(), starting_channels);
     if (std::ranges::none_of(starters, &platform::CheckBox::checked) || form_.skip_graphics.checked()) {
         return;
     }

@@ -18,7 +18,11 @@ struct FrmEcu;
 struct FrmAbout;
 } // namespace ecu::shell
 namespace ecu::views {
+struct FrmDashboard;
 struct FrmMon;
+} // namespace ecu::views
+namespace ecu::logging {
+struct FrmPlotter;
 }
 
 namespace ecu::desktop {
@@ -29,5 +33,7 @@ std::unique_ptr<FormWindow> make_frm_dialog_window(link::FrmDialog& form, QtHost
 std::unique_ptr<FormWindow> make_frm_retries_window(link::FrmRetries& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_wait_window(calibration::FrmWait& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_mon_window(views::FrmMon& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_dashboard_window(views::FrmDashboard& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_plotter_window(logging::FrmPlotter& form, QtHost& host);
 
 } // namespace ecu::desktop

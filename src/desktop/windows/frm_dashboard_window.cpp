@@ -1,0 +1,107 @@
+// The dashboard, to be read from two metres: the gauges take all the room that the mixture bar and the trims leave.
+#include "desktop/gauge_widget.h"
+#include "desktop/lamp_widget.h"
+#include "desktop/theme.h"
+#include "desktop/windows/windows.h"
+#include "views/frm_dashboard.h"
+
+#include <QGridLayout>
+#include <QLabel>
+
+namespace ecu::desktop {
+
+namespace {
+
+GaugeWidget* gauge(FormWindow& window, platform::Gauge& control) {
+    auto* widget = new GaugeWidget(control);
+    window.binding().bind_custom(control, widget, [widget](platform::Property property) { widget->refresh(property); });
+    return widget;
+}
+
+// The tachometer twice as high as the others; the output drivers share one place.
+QWidget* gauges(FormWindow& window, views::FrmDashboard& f) {
+    auto* holder = new QWidget;
+    auto* grid = new QGridLayout(holder);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setSpacing(theme::gap);
+    grid->addWidget(gauge(window, f.tachometer), 0, 0, 2, 2);
+    grid->addWidget(gauge(window, f.manifold_pressure), 0, 2);
+    grid->addWidget(gauge(window, f.Timing), 0, 3);
+    grid->addWidget(gauge(window, f.water_temp), 0, 4);
+    for (platform::Gauge& duty : f.GPO_duty) {
+        grid->addWidget(gauge(window, duty), 1, 2);
+    }
+    grid->addWidget(gauge(window, f.bat_volts), 1, 3);
+    grid->addWidget(gauge(window, f.air_temp), 1, 4);
+    for (int column = 0; column < 5; ++column) {
+        grid->setColumnStretch(column, 1);
+    }
+    grid->setRowStretch(0, 1);
+    grid->setRowStretch(1, 1);
+    return holder;
+}
+
+// Each scale label stands under its own lamp: they are two lamps apart.
+QWidget* mixture_bar(FormWindow& window, views::FrmDashboard& f) {
+    auto* bar = new QWidget;
+    auto* grid = new QGridLayout(bar);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setHorizontalSpacing(2);
+    grid->setVerticalSpacing(2);
+    for (platform::Shape& lamp : f.afr_led) {
+        auto* widget = new LampWidget(lamp, views::lamp_dark);
+        window.binding().bind_custom(
+            lamp, widget, [widget](platform::Property) { widget->update(); }, QString("Lamp %1").arg(lamp.index()));
+        grid->addWidget(widget, 1, lamp.index());
+        grid->setColumnStretch(lamp.index(), 1);
+        grid->setColumnMinimumWidth(lamp.index(), 26);
+    }
+    const auto label = [&](platform::Label& control, const Caption& name) {
+        auto* widget = static_cast<QLabel*>(window.make(control, name));
+        widget->setAlignment(Qt::AlignCenter);
+        return widget;
+    };
+    for (platform::Label& mark : f.lambda_label) {
+        const int lamp = mark.index() * 2;
+        const int first = std::max(0, lamp - 1);
+        QLabel* widget = label(mark, "Mixture scale");
+        widget->setFont(theme::figure_font(11));
+        grid->addWidget(widget, 2, lamp == 16 ? 16 : first, 1, lamp == 0 || lamp == 16 ? 1 : 3);
+    }
+    QLabel* centre = label(f.lambda_val, "Mixture at the centre");
+    centre->setFont(theme::figure_font(13));
+    grid->addWidget(centre, 0, 6, 1, 5);
+    grid->addWidget(new QLabel("Lean"), 0, 0, 1, 3);
+    auto* rich = new QLabel("Rich");
+    rich->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    grid->addWidget(rich, 0, 14, 1, 3);
+    return bar;
+}
+
+} // namespace
+
+std::unique_ptr<FormWindow> make_frm_dashboard_window(views::FrmDashboard& f, QtHost& host) {
+    auto window = std::make_unique<FormWindow>(f.form, host);
+    Panel mixture = window->panel("Mixture");
+    mixture.add(mixture_bar(*window, f));
+    Panel trims = window->panel("Live trims");
+    trims.row("Fuel scaler", f.ecu_pgm[0], "ms");
+    trims.row("Fuel offset", f.ecu_pgm[1], "ms");
+    trims.row("Timing offset", f.base_offset_deg, "deg");
+    trims.fill();
+    Panel feedback = window->panel("Feedback");
+    feedback.figure("EGO Correction", f.control_ego_gain, "Gamma", "0.000");
+    feedback.add(f.kill_ego);
+    feedback.add(f.kill_timing);
+    feedback.fill();
+    QWidget* picture = window->make(f.Picture1, "Picture of the installation");
+    picture->setMinimumSize(160, 90);
+    QWidget* controls = window->across({trims, feedback, mixture, picture}, {2, 2, 5, 2});
+    window->set_body(window->down({gauges(*window, f), controls}, {1, 0}));
+    window->set_footer(window->buttons({&f.Command2, &f.Command1}));
+    window->demo_badge(f.show_demo_mode);
+    window->resize(1280, 800);
+    return window;
+}
+
+} // namespace ecu::desktop
