@@ -7,6 +7,7 @@
 
 #include "calibration/encoding.h"
 
+#include <array>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -18,7 +19,7 @@ namespace ecu::calibration {
 // -- Writing. Every line comes with its CR LF.
 
 // SET_REV, SW_REV, FW_REV in this order.
-std::string header_lines(std::string_view console_version, std::int32_t firmware_revision);
+std::array<std::string, 3> header_lines(std::string_view console_version, std::int32_t firmware_revision);
 // Element `i` of a scalar (0) or vector; `raw` as it stands in the image.
 std::string file_line(const Parameter& row, int i, std::int32_t raw);
 // Cell `i` of a table.
@@ -39,7 +40,7 @@ struct SkippedLine {};
 struct LineMessage {
     FileKey key;
     std::int32_t value = 0;
-    link::Message message;
+    link::Message message = {};
     int reply = 0;
 };
 // The line's key stands in no row; `texts` is what update_info shows, in this order, the last one stays.
@@ -50,7 +51,7 @@ struct UnknownLine {
 struct LineStop {
     std::string key;    // "MAPM[007]", or what stands at its place
     std::string value;  // as written in the file, without blanks around it
-    std::string reason; // "is above 255, the most that this item's message can carry"
+    std::string reason; // "the value is above 255, the most that this item's message can carry"
     std::string remedy; // "Correct the value"
 };
 using LineMeaning = std::variant<SkippedLine, LineMessage, UnknownLine, LineStop>;
@@ -68,8 +69,8 @@ std::string key_text(const FileKey& key);
 std::vector<std::string> split_lines(std::string_view text);
 
 struct FileText {
-    std::string text;
-    std::string failure; // why it could not be read; empty when it was
+    std::string text = {};
+    std::string failure = {}; // why it could not be read; empty when it was
 };
 FileText read_whole_file(const std::filesystem::path& path);
 

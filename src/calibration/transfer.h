@@ -58,9 +58,10 @@ public:
     // leaves the forms usable and no unfinished file.
     TransferResult download_to(const std::string& path);
     TransferResult upload_from(const std::string& path);
-    // A download whose lines, each with its line end, go to `sink` instead of a file; it ends when `sink` returns
-    // false. `name` stands for the path in the caption.
-    TransferResult download_lines(const std::string& name, const std::function<bool(std::string_view)>& sink);
+    // Takes one line with its line end; returns false to end the download there.
+    using Sink = std::function<bool(std::string_view line)>;
+    // A download whose lines go to `sink` instead of a file. `name` stands for the path in the caption.
+    TransferResult download_lines(const std::string& name, const Sink& sink);
 
 private:
     class Running;
@@ -71,10 +72,9 @@ private:
     TransferResult::Outcome start(Direction direction);
     TransferResult download(const std::string& path);
     TransferResult upload(const std::string& path);
-    void write_lines(const std::function<bool(std::string_view)>& sink, Progress& progress, TransferResult& result);
+    void write_lines(const Sink& sink, Progress& progress, TransferResult& result);
     void read_batch(Progress& progress, TransferResult& result);
     void send(const link::Message& message, int reply, TransferResult& result);
-    void say(const std::string& trouble);
     std::filesystem::path full_path(const std::string& path) const;
 
     Use use_;
