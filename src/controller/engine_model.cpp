@@ -212,7 +212,9 @@ void EngineModel::inject() {
         cut ? lean_out : std::clamp(healthy_.lambda_setpoint(at) * wanted / std::max(given, 0.01), 0.5, lean_out);
     follow(state_.lambda, target + flicker(0.04) + 0.02 * wave(state_.time, 1.3), cut ? 0.4 : 0.12);
 
-    const bool closed_loop = oxygen_feedback_ && !cut && state_.accel_ms == 0 &&
+    // Behind a fuel cut the sensor has to find its way back first.
+    const bool settled = !cut && std::abs(state_.lambda - state_.lambda_setpoint) < 0.25;
+    const bool closed_loop = oxygen_feedback_ && settled && state_.accel_ms == 0 &&
                              calibration_.raw(slot("EGO_SECS")) > 0 &&
                              state_.firmware_seconds > calibration_.raw(slot("EGO_SECS")) &&
                              at.throttle_percent < calibration_.raw(slot("TPS_EGO")) * 100 / 255;

@@ -16,6 +16,7 @@ namespace ecu::controller {
 namespace {
 
 constexpr std::string_view first_line = "ECU-CONTROLLER STATE 1\n";
+constexpr std::size_t largest_file = 1U << 20U; // four times what all of memory takes
 constexpr std::size_t cells_per_line = 16;
 
 std::uint32_t fletcher32(std::string_view text) {
@@ -124,12 +125,14 @@ std::string load_state(const std::string& path, ControllerMemory& memory) {
         return {};
     }
     std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    if (!std::filesystem::is_regular_file(path, failure) || !(text << file.rdbuf())) {
+    if (!std::filesystem::is_regular_file(path, failure) || !file) {
         return "The state file " + path + " cannot be read. Make it a readable file, or name another one.";
     }
+    std::string text(largest_file, '\0');
+    file.read(text.data(), static_cast<std::streamsize>(text.size()));
+    text.resize(static_cast<std::size_t>(file.gcount()));
     ControllerMemory loaded;
-    if (!parse(text.str(), loaded)) {
+    if (!parse(text, loaded)) {
         return "The state file " + path + " is damaged or is not a state file of this program; it was left as it is. " +
                "Move it away to start from the default calibration, or name another one.";
     }
