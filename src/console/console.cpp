@@ -28,7 +28,9 @@ Console::Console(const platform::Ports& machine)
                     block_selection, surface_window, map_cell_colours),
       plotter(ports, state, comm, navigation, polling.timer3(), scales, live,
               {forms.frm_mon.inj_duty[0], forms.frm_mon.ign_duty[0], forms.frm_mon.wheel_idx_num}, forms.frm_plotter),
-      autotune(ports, state, forms.frm_autotune, forms.frm_3d) {
+      autotune(ports, state, forms.frm_autotune, forms.frm_3d),
+      transfer({ports, state, comm, link_selection, image, forms.frm_wait, forms.frm_ecu.form,
+                shell::console_version}) {
     wire();
 }
 
@@ -51,6 +53,8 @@ void Console::wire() {
     polling.plot_and_log_sample = [this] { plotter.plot_and_log_sample(); };
     monitor.wire_menu();
     basic_mapping.wire_menus();
+    main_console.on_upload = [this] { transfer.menufileopen_Click(); };
+    main_console.on_download = [this] { transfer.menufilesave_Click(); };
     main_console.offer_what_exists();
 }
 

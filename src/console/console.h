@@ -5,6 +5,7 @@
 
 #include "autotune/autotune.h"
 #include "calibration/calibration_image.h"
+#include "calibration/transfer.h"
 #include "console/forms.h"
 #include "link/ecu_comm.h"
 #include "link/link_selection.h"
@@ -65,6 +66,7 @@ public:
     maps::BasicMapping basic_mapping;
     logging::Plotter plotter;
     autotune::Autotune autotune;
+    calibration::Transfer transfer;
 
 private:
     static shell::Navigation with_views(const platform::Ports& ports, link::SharedState& state, link::EcuComm& comm,
