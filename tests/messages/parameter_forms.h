@@ -1,0 +1,55 @@
+// The decoders with the forms that the parameter replies act on, and replies fed to them as the receiver does.
+#pragma once
+
+#include "messages/reply_decoders.h"
+#include "shell/frm_about.h"
+#include "shell/frm_ecu.h"
+#include "support/sim_desktop.h"
+
+#include "diagnostics/frm_diagnostics.h"
+#include "maps/frm_2d.h"
+#include "maps/frm_3d.h"
+#include "maps/frm_sup.h"
+#include "maps/frm_tool.h"
+#include "views/frm_dashboard.h"
+
+namespace ecu::test {
+
+struct ParameterBench {
+    SimDesktop desktop;
+    platform::Ports ports = desktop.ports();
+    link::SharedState state;
+    calibration::Scales scales;
+    calibration::CalibrationImage image{scales};
+    shell::FrmEcu main;
+    shell::FrmAbout about;
+    maps::FrmTool tool;
+    maps::Frm2d corrections;
+    maps::Frm3d mapping;
+    maps::FrmSup outputs;
+    views::FrmDashboard dashboard;
+    platform::FormRegistry forms = [this] {
+        platform::FormRegistry registry;
+        for (platform::Form* form :
+             {&main.form, &about.form, &tool.form, &corrections.form, &mapping.form, &outputs.form, &dashboard.form}) {
+            registry.add(*form);
+        }
+        return registry;
+    }();
+    messages::ReplyDecoders decoders{ports, state, image, scales, forms, {}};
+
+    // Offers a reply of this code and data to all three decoders; whether one of them took it.
+    bool receive(const Bytes& code_and_data, int surplus = 0) {
+        link::Reply reply{2, static_cast<std::uint8_t>(code_and_data.size() + 4)};
+        std::copy(code_and_data.begin(), code_and_data.end(), reply.begin() + 2);
+        reply[code_and_data.size() + 2] = 0xEE; // the checksum must not be read as data
+        reply[code_and_data.size() + 3] = 0xEE;
+        state.reply_accepted = false;
+        for (const link::Decoder& decoder : decoders.in_order()) {
+            decoder(reply, static_cast<int>(code_and_data.size()) + 2 + surplus);
+        }
+        return state.reply_accepted;
+    }
+};
+
+} // namespace ecu::test

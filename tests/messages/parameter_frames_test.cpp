@@ -1,0 +1,212 @@
+// Every item of the calibration by literal frames: its read, the reply in its control, an entry's write, the echo.
+#include "messages/parameter_forms.h"
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <sstream>
+
+namespace ecu::test {
+namespace {
+
+using calibration::Parameter;
+using calibration::Table;
+using platform::bright_white;
+using platform::yellow;
+
+struct FrameLine {
+    std::string key;
+    int element = 0;
+    Bytes read, reply;
+    std::string control;
+    int raw = 0;
+    std::string shown, entry;
+    Bytes write, echo;
+    std::string echo_shown;
+};
+
+Bytes bytes_of(const std::string& hex) {
+    std::istringstream in(hex);
+    in >> std::hex;
+    Bytes bytes;
+    for (unsigned byte = 0; in >> byte;) {
+        bytes.push_back(static_cast<std::uint8_t>(byte));
+    }
+    return bytes;
+}
+
+std::vector<FrameLine> fixture() {
+    std::ifstream in(ECU_FIXTURES "/parameter_frames.csv");
+    std::vector<FrameLine> lines;
+    for (std::string line; std::getline(in, line);) {
+        if (line.starts_with('#')) {
+            continue;
+        }
+        std::array<std::string, 11> field;
+        std::istringstream fields(line);
+        for (std::string& text : field) {
+            std::getline(fields, text, ';');
+        }
+        lines.push_back({field[0], std::stoi(field[1]), bytes_of(field[2]),
+                         field[3] == "=" ? lines.back().reply : bytes_of(field[3]), field[4], std::stoi(field[5]),
+                         field[6], field[7], bytes_of(field[8]), bytes_of(field[9]), field[10]});
+    }
+    return lines;
+}
+
+// Controls as the fixture names them: a box "name" or "name(i)", a grid's cell "name(r,c)", switches "name[n]+name".
+class Shown {
+public:
+    Shown(const platform::FormRegistry& forms, const std::string& reference)
+        : form_(forms.at(reference.substr(0, reference.find('.')))) {
+        std::istringstream names(reference.substr(reference.find('.') + 1));
+        for (std::string name; std::getline(names, name, '+');) {
+            add(name);
+        }
+    }
+    std::string text() const {
+        if (grid_ != nullptr) {
+            return grid_->cell_text(row_, column_);
+        }
+        std::string state = switches_.empty() ? controls_.front()->text() : "";
+        for (const auto& group : switches_) {
+            state += state.empty() ? "" : "+";
+            for (const platform::Control* control : group) {
+                state += checked(*control) ? '1' : '0';
+            }
+        }
+        return state;
+    }
+    // As the tuner would: text or switches, and the mark of a change.
+    void enter(const std::string& entry) {
+        if (grid_ != nullptr) {
+            grid_->set_cell_text(row_, column_, entry);
+            grid_->set_cell_back(row_, column_, yellow);
+        } else if (switches_.empty()) {
+            controls_.front()->set_text(entry);
+            controls_.front()->set_back_colour(yellow);
+        } else {
+            set_switches(entry);
+        }
+    }
+    bool is_marked() const {
+        return grid_ != nullptr     ? grid_->cell_pending(row_, column_)
+               : !switches_.empty() ? controls_.front()->fore_colour() == yellow || !controls_.front()->tag().empty()
+                                    : controls_.front()->back_colour() == yellow;
+    }
+    bool is_confirmed() const {
+        return grid_ != nullptr ? grid_->cell_back(row_, column_) == bright_white
+               : switches_.empty()
+                   ? controls_.front()->back_colour() == bright_white
+                   : controls_.front()->fore_colour() == platform::black && controls_.front()->tag().empty();
+    }
+
+private:
+    static bool checked(const platform::Control& control) {
+        const auto* box = dynamic_cast<const platform::CheckBox*>(&control);
+        return box != nullptr ? box->checked() : dynamic_cast<const platform::OptionButton&>(control).checked();
+    }
+    void set_switches(const std::string& entry) {
+        std::istringstream states(entry);
+        for (const auto& group : switches_) {
+            std::string state;
+            std::getline(states, state, '+');
+            for (std::size_t n = 0; n < group.size(); ++n) {
+                if (auto* box = dynamic_cast<platform::CheckBox*>(group[n])) {
+                    box->set_checked(state.at(n) == '1');
+                } else if (state.at(n) == '1') {
+                    dynamic_cast<platform::OptionButton&>(*group[n]).set_checked(true);
+                }
+            }
+        }
+        controls_.front()->set_fore_colour(yellow);
+        controls_.front()->set_tag("X");
+    }
+    void add(const std::string& name) {
+        const std::size_t open = name.find_first_of("([");
+        const std::string bare = name.substr(0, open);
+        const int number = open == std::string::npos ? -1 : std::stoi(name.substr(open + 1));
+        if (name.find(',') != std::string::npos) {
+            grid_ = &form_.get<platform::Grid>(bare);
+            row_ = number;
+            column_ = std::stoi(name.substr(name.find(',') + 1));
+            return;
+        }
+        std::vector<platform::Control*> group;
+        if (open != std::string::npos && name[open] == '[') {
+            for (int n = 0; n < number; ++n) {
+                group.push_back(&form_.at(bare, n));
+            }
+        } else {
+            group.push_back(&form_.at(bare, number));
+        }
+        controls_.insert(controls_.end(), group.begin(), group.end());
+        if (group.front()->kind() != platform::Kind::text_box) {
+            switches_.push_back(group);
+        }
+    }
+
+    platform::Form& form_;
+    platform::Grid* grid_ = nullptr;
+    int row_ = 0;
+    int column_ = 0;
+    std::vector<platform::Control*> controls_;
+    std::vector<std::vector<platform::Control*>> switches_;
+};
+
+// A request's command and arguments as they travel.
+Bytes travelling(const link::Message& message) {
+    const link::Request request = link::build_request(message);
+    return {request.begin() + 2, request.begin() + 6};
+}
+
+TEST(ParameterFrames, every_item_reads_shows_writes_and_echoes) {
+    ParameterBench bench;
+    int items = 0;
+    for (const FrameLine& line : fixture()) {
+        SCOPED_TRACE(line.key);
+        const Parameter* row = calibration::find_parameter(line.key);
+        const Table* table = calibration::find_table(line.key);
+        ASSERT_TRUE((row != nullptr) != (table != nullptr));
+        ++items;
+        bench.scales = {.map_span = 255, .map_base = 10, .full_scale_rpm = 8000};
+        Shown control(bench.forms, line.control);
+
+        EXPECT_EQ(travelling(row != nullptr ? calibration::read_message(calibration::read_request(*row))
+                                            : calibration::cell_read_message(table->base + line.element)),
+                  line.read);
+        if (row != nullptr) {
+            EXPECT_EQ(row->read.reply, line.reply.size() + 2);
+        }
+        control.enter(control.text()); // pending: an entry that the controller has not answered
+        EXPECT_FALSE(bench.receive(line.reply, 1)) << "a reply of another size";
+        EXPECT_TRUE(control.is_marked());
+        EXPECT_TRUE(bench.receive(line.reply));
+        EXPECT_EQ(control.text(), line.shown);
+        EXPECT_TRUE(control.is_confirmed());
+        EXPECT_EQ(row != nullptr ? bench.image.raw(*row, line.element) : bench.image.cell(table->base + line.element),
+                  line.raw);
+
+        control.enter(line.entry);
+        Bytes write;
+        if (table != nullptr) {
+            write = calibration::cell_write_message(table->base + line.element,
+                                                    calibration::raw_from_entry(*table, line.entry, bench.scales).raw);
+        } else {
+            EXPECT_TRUE(bench.decoders.controls().pending(*row, line.element));
+            write = calibration::write_message(*row, line.element,
+                                               row->shows_text()
+                                                   ? calibration::raw_from_entry(*row, line.entry, bench.scales).raw
+                                                   : bench.decoders.controls().switches(*row, line.element));
+            EXPECT_EQ(row->write.reply, line.echo.size() + 2);
+        }
+        EXPECT_EQ(write, line.write);
+        EXPECT_TRUE(bench.receive(line.echo));
+        EXPECT_EQ(control.text(), line.echo_shown);
+        EXPECT_TRUE(control.is_confirmed());
+    }
+    EXPECT_EQ(items, 75 + 21 + 29);
+}
+
+} // namespace
+} // namespace ecu::test
