@@ -11,7 +11,7 @@ using platform::CheckBox;
 using platform::OptionButton;
 using platform::TextBox;
 
-constexpr int wideband = 1; // the oxygen sensor whose two voltages can be set
+constexpr std::size_t wideband = 1; // the oxygen sensor whose two voltages can be set
 
 // Box b is bit b.
 void tick_bits(const std::vector<CheckBox*>& boxes, std::int32_t bits) {
@@ -199,7 +199,7 @@ void ParameterControls::show_switches(const Parameter& row, const Element& eleme
     case ControlKind::oxygen_sensor:
         choose(element.options, raw);
         for (TextBox* box : oxygen_voltage_boxes_) {
-            box->set_enabled(raw == wideband);
+            box->set_enabled(element.options[wideband]->checked());
         }
         break;
     case ControlKind::input_uses:
