@@ -190,7 +190,10 @@ void Binding::refresh_common(Control& control, Bound& bound, Property property) 
 void Binding::paint_colours(Control& control, QWidget& widget) {
     QPalette palette; // what is not set here comes from the theme
     const auto back = control.back_colour();
-    const auto fore = control.fore_colour();
+    auto fore = control.fore_colour();
+    if (fore == platform::black && !back && control.kind() != Kind::text_box) {
+        fore.reset(); // black on no colour of its own is the theme's ordinary text
+    }
     switch (control.kind()) {
     case Kind::text_box:
         widget.setPalette(theme::edit_palette(palette, back, fore));

@@ -164,7 +164,7 @@ void Panel::header(std::initializer_list<const char*> titles) {
         }
         ++column;
     }
-    ++row_;
+    header_rows_ = ++row_;
 }
 
 void Panel::figures(const Caption& name, std::initializer_list<platform::Label*> labels, const char* widest) {
@@ -219,7 +219,7 @@ void Panel::next_column() {
 void Panel::fill() { layout_->setRowStretch(layout_->rowCount(), 1); }
 
 void Panel::spread() {
-    for (int row = 0; row < layout_->rowCount(); ++row) {
+    for (int row = header_rows_; row < layout_->rowCount(); ++row) {
         layout_->setRowStretch(row, 1);
     }
 }

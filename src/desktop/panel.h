@@ -90,6 +90,7 @@ private:
     QGroupBox* box_;
     QGridLayout* layout_;
     int row_ = 0;
+    int header_rows_ = 0;
     int first_column_ = 0;
 };
 

@@ -1,0 +1,205 @@
+#include "desktop/adapters/qt_clock.h"
+#include "desktop/adapters/qt_datagram_socket.h"
+#include "desktop/adapters/qt_serial_port.h"
+#include "desktop/adapters/qt_timers.h"
+#include "desktop/adapters/qt_waiting.h"
+
+#include <QElapsedTimer>
+#include <QSocketNotifier>
+
+#include <gtest/gtest.h>
+
+#include <ctime>
+#include <fcntl.h>
+#include <memory>
+#include <stdlib.h>
+#include <string>
+#include <unistd.h>
+
+namespace ecu::desktop {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+double cpu_seconds() { return static_cast<double>(std::clock()) / CLOCKS_PER_SEC; }
+
+// The other end of the line: a real pseudo-terminal that answers from the same event loop.
+class PseudoTerminal {
+public:
+    PseudoTerminal() : master_(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK)) {
+        grantpt(master_);
+        unlockpt(master_);
+        setenv("ECU_PORT_3", ptsname(master_), 1);
+    }
+    ~PseudoTerminal() { unplug(); }
+    void send(const Bytes& bytes) const { ASSERT_EQ(::write(master_, bytes.data(), bytes.size()), std::ssize(bytes)); }
+    Bytes received() const {
+        Bytes bytes(4096);
+        const ssize_t count = ::read(master_, bytes.data(), bytes.size());
+        bytes.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+        return bytes;
+    }
+    void answer_each_request_with(const Bytes& reply) {
+        notifier_ = std::make_unique<QSocketNotifier>(master_, QSocketNotifier::Read);
+        QObject::connect(notifier_.get(), &QSocketNotifier::activated, [this, reply] {
+            if (!received().empty()) {
+                send(reply);
+            }
+        });
+    }
+    void unplug() {
+        notifier_.reset();
+        if (master_ >= 0) {
+            ::close(master_);
+            master_ = -1;
+        }
+    }
+
+private:
+    int master_;
+    std::unique_ptr<QSocketNotifier> notifier_;
+};
+
+class SerialLine : public testing::Test {
+protected:
+    bool wait_for_bytes(std::size_t count, float seconds) {
+        return platform::wait_until(waiting_, clock_, seconds, [&] { return port_->available() == count; });
+    }
+
+    PseudoTerminal far_end_;
+    QtClock clock_;
+    QtWaiting waiting_;
+    std::unique_ptr<platform::SerialPort> port_ = QtSerialPorts().make_serial_port();
+};
+
+TEST_F(SerialLine, carries_every_byte_value_both_ways) {
+    ASSERT_EQ(port_->open(3, 38400), "");
+    Bytes all(256);
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        all[i] = static_cast<std::uint8_t>(i);
+    }
+    port_->write(all);
+    port_->drain_output(100);
+    EXPECT_EQ(port_->output_pending(), 0U);
+    EXPECT_EQ(far_end_.received(), all);
+    far_end_.send(all);
+    ASSERT_TRUE(wait_for_bytes(256, 1.0F));
+    EXPECT_EQ(port_->read(2), (Bytes{0, 1}));
+    EXPECT_EQ(port_->read_all(), Bytes(all.begin() + 2, all.end()));
+}
+
+TEST_F(SerialLine, transaction_on_an_unpaced_line_costs_microseconds) {
+    ASSERT_EQ(port_->open(3, 38400), "");
+    far_end_.answer_each_request_with(Bytes(65, 0x41));
+    std::vector<qint64> costs;
+    for (int i = 0; i < 400; ++i) {
+        QElapsedTimer time;
+        time.start();
+        port_->write(Bytes(8, 0x30));
+        ASSERT_TRUE(wait_for_bytes(65, 1.0F));
+        port_->read_all();
+        costs.push_back(time.nsecsElapsed() / 1000);
+    }
+    std::ranges::sort(costs);
+    RecordProperty("median_us", static_cast<int>(costs[200]));
+    EXPECT_LT(costs[200], 150) << "both ends together, in this one event loop";
+}
+
+TEST_F(SerialLine, unplugging_in_mid_transaction_leaves_a_closed_quiet_port) {
+    ASSERT_EQ(port_->open(3, 38400), "");
+    port_->write(Bytes(8, 0x30));
+    far_end_.send(Bytes(20, 0x41)); // a part of the reply, and then nothing more
+    ASSERT_TRUE(wait_for_bytes(20, 1.0F));
+    far_end_.unplug();
+    const double before = cpu_seconds();
+    for (int tries = 0; tries < 5; ++tries) {
+        port_->write(Bytes(8, 0x30));
+        EXPECT_FALSE(wait_for_bytes(65, 0.1F));
+    }
+    EXPECT_LT(cpu_seconds() - before, 0.1) << "half a second of waiting must be spent asleep";
+    EXPECT_FALSE(port_->is_open());
+    EXPECT_EQ(port_->output_pending(), 0U);
+    EXPECT_NE(port_->open(3, 38400), ""); // the device is gone
+}
+
+TEST_F(SerialLine, port_opens_again_on_the_device_that_came_back) {
+    ASSERT_EQ(port_->open(3, 38400), "");
+    far_end_.unplug();
+    platform::wait_until(waiting_, clock_, 1.0F, [&] { return !port_->is_open(); });
+    waiting_.process_events();
+    PseudoTerminal again;
+    ASSERT_EQ(port_->open(3, 38400), "");
+    again.send({1, 2, 3});
+    EXPECT_TRUE(wait_for_bytes(3, 1.0F));
+}
+
+TEST_F(SerialLine, missing_device_is_named_in_the_reason) {
+    setenv("ECU_PORT_3", "/dev/there-is-no-such-device", 1);
+    EXPECT_NE(port_->open(3, 38400).find("there-is-no-such-device"), std::string::npos);
+    EXPECT_FALSE(port_->is_open());
+    EXPECT_EQ(device_of_port(3), "/dev/there-is-no-such-device");
+}
+
+TEST_F(SerialLine, what_nobody_reads_is_lost_beyond_the_buffer) {
+    ASSERT_EQ(port_->open(3, 38400), "");
+    for (int i = 0; i < 6; ++i) {
+        far_end_.send(Bytes(256, static_cast<std::uint8_t>(i)));
+        platform::wait_seconds(waiting_, clock_, 0.01F);
+    }
+    EXPECT_EQ(port_->available(), 1024U);
+    EXPECT_EQ(port_->read_all().back(), 3);
+}
+
+TEST(QtWaiting, sleeps_while_nothing_happens_and_wakes_for_a_timer) {
+    QtWaiting waiting;
+    const QtClock clock;
+    const double before = cpu_seconds();
+    QElapsedTimer time;
+    time.start();
+    platform::wait_seconds(waiting, clock, 0.5F);
+    EXPECT_NEAR(static_cast<double>(time.elapsed()), 505.0, 25.0);
+    EXPECT_LT(cpu_seconds() - before, 0.05);
+
+    QtTimers timers;
+    bool rang = false;
+    const auto timer = timers.make_timer(30);
+    timer->on_tick = [&] { rang = true; };
+    timer->set_running(true);
+    time.restart();
+    EXPECT_TRUE(platform::wait_until(waiting, clock, 2.0F, [&] { return rang; }));
+    EXPECT_LT(time.elapsed(), 200);
+    bool posted = false;
+    timers.post([&] { posted = true; });
+    EXPECT_FALSE(posted) << "a posted action never runs inside the post";
+    waiting.process_events();
+    EXPECT_TRUE(posted);
+}
+
+TEST(QtDatagramSocket, reads_datagrams_as_a_stream_and_one_by_one) {
+    QtWaiting waiting;
+    const QtClock clock;
+    QtDatagramSockets sockets;
+    const auto server = sockets.make_datagram_socket();
+    const auto client = sockets.make_datagram_socket();
+    std::uint16_t port = 40998;
+    while (!server->bind(port).empty() && port < 41098) {
+        ++port;
+    }
+    EXPECT_NE(client->bind(port), "") << "a port that is taken must be refused with a reason";
+    client->set_remote("127.0.0.1", port);
+    client->send(Bytes{1, 2, 3});
+    client->send(Bytes{4, 5});
+    client->send(Bytes{6});
+    ASSERT_TRUE(platform::wait_until(waiting, clock, 2.0F, [&] { return server->available() == 6; }));
+    EXPECT_EQ(server->read(4), (Bytes{1, 2, 3, 4}));
+    EXPECT_EQ(server->sender_address(), "127.0.0.1");
+    EXPECT_EQ(server->read_datagram(), Bytes{5});
+    int arrived = 0;
+    server->on_datagram = [&] { ++arrived; };
+    client->send(Bytes{7});
+    EXPECT_TRUE(platform::wait_until(waiting, clock, 2.0F, [&] { return arrived == 1; }));
+    EXPECT_EQ(server->available(), 2U);
+}
+
+} // namespace
+} // namespace ecu::desktop
