@@ -95,7 +95,7 @@ void BasicMapping::wire_boxes() {
     const auto wire = [this](platform::TextBox& box) {
         box.changed = [this, &box] {
             box.set_back_colour(platform::pending);
-            show_pending_count();
+            note_pending();
         };
         colour_by_focus(box);
     };
@@ -255,7 +255,7 @@ void BasicMapping::write_box(const calibration::Parameter& row, platform::TextBo
     const auto entry = calibration::raw_from_entry(row, box.text(), scales_);
     if (entry.refusal.empty()) {
         link_.send(calibration::write_message(row, 0, entry.raw), row.write.reply);
-        show_pending_count();
+        note_pending();
     } else {
         ports_.dialogs.say(entry.refusal);
     }
@@ -269,12 +269,22 @@ void BasicMapping::write_map(std::size_t map) {
             const auto entry = calibration::raw_from_entry(row, text, scales_);
             if (entry.refusal.empty()) {
                 link_.write_cell(row.base + i, entry.raw);
-                show_pending_count();
+                note_pending();
             } else {
                 ports_.dialogs.say(entry.refusal);
             }
         },
         [this] { return !exit_requested_; });
+}
+
+void BasicMapping::note_pending() {
+    if (!count_posted_) {
+        count_posted_ = true;
+        ports_.timers.post([this] {
+            count_posted_ = false;
+            show_pending_count();
+        });
+    }
 }
 
 void BasicMapping::show_pending_count() {
@@ -306,7 +316,7 @@ void BasicMapping::shade_all() {
 
 void BasicMapping::cell_changed(std::size_t map, int row, int column) {
     form_.grids[map]->set_cell_back(row, column, platform::pending);
-    show_pending_count();
+    note_pending();
     if (surface_window_.visible() && !loading_maps_ && !redraw_posted_) {
         redraw_posted_ = true;
         ports_.timers.post([this] {

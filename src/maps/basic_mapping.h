@@ -52,6 +52,7 @@ private:
     void cell_changed(std::size_t map, int row, int column);
     void reset_map(std::size_t map, std::string_view question);
     void move_markers();
+    void note_pending();
     void show_pending_count();
 
     const platform::Ports& ports_;
@@ -70,8 +71,10 @@ private:
     bool exit_requested_ = false; // stops a running read or Update
     bool window_activated_ = false;
     bool updating_ = false;
-    bool redraw_posted_ = false; // any number of cell changes cost one drawing
-    int opening_ = 0;            // tells a read that the window was closed and opened again under it
+    // Any number of cell changes costs one drawing and one count, with the next events.
+    bool redraw_posted_ = false;
+    bool count_posted_ = false;
+    int opening_ = 0; // tells a read that the window was closed and opened again under it
 };
 
 } // namespace ecu::maps

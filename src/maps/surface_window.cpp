@@ -22,6 +22,7 @@ void SurfaceWindow::redraw() {
 }
 
 void SurfaceWindow::draw(int kind, std::string_view low, std::string_view high) {
+    form_.form.load(); // its view must stand before the drawing
     filling_ = true;
     form_.low_scale.set_text(low);
     form_.high_scale.set_text(high);
