@@ -309,7 +309,9 @@ QWidget* Binding::make_text_box(platform::TextBox& control) {
     bind_custom(control, edit, [&control, edit](Property property) {
         if (property == Property::text && edit->text() != qt(control.text())) {
             edit->setText(qt(control.text()));
-            edit->setCursorPosition(0); // a long text is read from its beginning
+            if (!edit->hasFocus()) {
+                edit->setCursorPosition(0); // a long text is read from its beginning
+            }
         }
     });
     return edit;

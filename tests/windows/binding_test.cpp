@@ -1,0 +1,270 @@
+#include "platform/picture.h"
+#include "windows/window_bench.h"
+
+#include "desktop/qt_dialogs.h"
+#include "desktop/theme.h"
+
+#include <QCheckBox>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScrollBar>
+#include <QTabWidget>
+#include <QTemporaryDir>
+#include <QTimer>
+
+namespace ecu::desktop {
+namespace {
+
+using platform::confirmed;
+using platform::pending;
+
+struct Sample {
+    platform::Form form{"frm_sample", "Sample"};
+    platform::MenuItem menu_file{form, "menu_file", "&File"};
+    platform::MenuItem menu_port{menu_file, "menu_port", "&Port"};
+    platform::ControlArray<platform::MenuItem, 2> menu_number{menu_port, "menu_number", {"&1", "&2"}};
+    platform::MenuItem menu_update{form, "menu_update", "&Update"};
+    platform::Label shown{form, "shown", "start"};
+    platform::ControlArray<platform::TextBox, 2> box{form, "box", "1.0"};
+    platform::CheckBox check{form, "check", "Check"};
+    platform::ControlArray<platform::OptionButton, 3> option{form, "option", {"A", "B", "C"}};
+    platform::Button button{form, "button", "&Go"};
+    platform::ScrollBar bar{form, "bar", 0, 10, 5};
+    platform::Tabs tabs{form, "tabs"};
+    platform::Picture picture{form, "picture"};
+};
+
+class SampleWindow : public testing::Test {
+protected:
+    SampleWindow() {
+        Panel panel = window_.panel("Panel");
+        panel.row("Shown", form_.shown, "units");
+        panel.boxes("Box", each(form_.box));
+        panel.add(form_.check);
+        panel.column(each(form_.option));
+        panel.add(form_.bar, "Bar");
+        panel.add(form_.picture, "Drawing");
+        window_.set_body(window_.tabs(form_.tabs, {{"One", panel}, {"Two", new QWidget}}));
+        window_.set_footer(window_.buttons({&form_.button}));
+        form_.box[0].changed = [this] { form_.box[0].set_back_colour(pending); };
+        form_.form.show();
+        QTest::qWait(1);
+    }
+    QLineEdit& edit(int i) { return named<QLineEdit>(window_, i == 0 ? "box(0)" : "box(1)"); }
+
+    QtHost host_;
+    Sample form_;
+    FormWindow window_{form_.form, host_};
+};
+
+TEST_F(SampleWindow, binds_each_control_once_and_no_stranger) {
+    expect_complete(window_);
+    EXPECT_EQ(window_.objectName(), "frm_sample");
+    EXPECT_THROW(window_.make(form_.shown), std::logic_error);
+    Sample other;
+    EXPECT_THROW(window_.make(other.shown), std::logic_error);
+}
+
+TEST_F(SampleWindow, typing_turns_a_box_yellow_and_the_echo_turns_it_white) {
+    QTest::keyClicks(&edit(0), "2");
+    EXPECT_EQ(form_.box[0].text(), "21.0");
+    EXPECT_EQ(edit(0).palette().color(QPalette::Base), theme::to_qt(pending));
+    form_.box[0].confirm("1.125");
+    EXPECT_EQ(edit(0).text(), "1.125");
+    EXPECT_EQ(edit(0).palette().color(QPalette::Base), theme::to_qt(confirmed));
+    form_.box[0].set_fore_colour(platform::light_red);
+    EXPECT_EQ(edit(0).palette().color(QPalette::Text), theme::to_qt(platform::light_red));
+    EXPECT_EQ(edit(1).palette().color(QPalette::Base), theme::to_qt(confirmed)); // its neighbour is left alone
+}
+
+TEST_F(SampleWindow, keys_reach_the_box_first_and_a_consumed_key_goes_no_further) {
+    std::vector<int> codes;
+    form_.box[0].key_down = [&](platform::KeyPress& key) {
+        codes.push_back(key.code);
+        if (key.code == platform::key::up && key.shift) {
+            key.code = 0;
+        }
+        if (key.code == 'X') {
+            key.code = platform::key::shift;
+        }
+    };
+    QTest::keyClick(&edit(0), Qt::Key_Return);
+    QTest::keyClick(&edit(0), Qt::Key_Up, Qt::ShiftModifier);
+    QTest::keyClick(&edit(0), Qt::Key_X);
+    EXPECT_EQ(codes, (std::vector{13, 16, 38, 88}));
+    EXPECT_EQ(form_.box[0].text(), "1.0");
+}
+
+TEST_F(SampleWindow, focus_is_told_once_and_survives_a_menu) {
+    std::string told;
+    for (auto& box : form_.box) {
+        box.got_focus = [&] { told += "+" + std::to_string(box.index()); };
+        box.lost_focus = [&] { told += "-" + std::to_string(box.index()); };
+    }
+    window_.activateWindow();
+    form_.box[0].set_focus();
+    QFocusEvent to_menu(QEvent::FocusOut, Qt::PopupFocusReason);
+    QApplication::sendEvent(&edit(0), &to_menu);
+    QFocusEvent back(QEvent::FocusIn, Qt::PopupFocusReason);
+    QApplication::sendEvent(&edit(0), &back);
+    form_.box[1].set_focus();
+    EXPECT_EQ(told, "+0-0+1");
+}
+
+TEST_F(SampleWindow, options_and_checks_follow_the_model_both_ways) {
+    int clicks = 0;
+    form_.option[1].clicked = [&] { ++clicks; };
+    named<QRadioButton>(window_, "option(1)").click();
+    EXPECT_EQ(clicks, 1);
+    EXPECT_EQ(platform::chosen(form_.option), 1);
+    form_.option[2].set_checked(true);
+    EXPECT_FALSE(named<QRadioButton>(window_, "option(1)").isChecked());
+    form_.option[2].set_checked(false); // none is chosen, which Qt's own group would not allow
+    EXPECT_FALSE(named<QRadioButton>(window_, "option(2)").isChecked());
+
+    form_.check.clicked = [&] { ++clicks; };
+    named<QCheckBox>(window_, "check").click();
+    EXPECT_TRUE(form_.check.checked());
+    EXPECT_EQ(clicks, 2);
+    form_.check.set_checked(false);
+    EXPECT_FALSE(named<QCheckBox>(window_, "check").isChecked());
+}
+
+TEST_F(SampleWindow, buttons_bars_and_tabs_work_and_show_what_the_form_sets) {
+    int presses = 0;
+    form_.button.clicked = [&] { ++presses; };
+    auto& button = named<QPushButton>(window_, "button");
+    button.click();
+    form_.button.set_enabled(false);
+    button.click();
+    EXPECT_EQ(presses, 1);
+    EXPECT_FALSE(button.isEnabled());
+    form_.button.set_tool_tip("why");
+    EXPECT_EQ(button.toolTip(), "why");
+
+    named<QScrollBar>(window_, "bar").setValue(8);
+    EXPECT_EQ(form_.bar.value(), 8);
+    form_.tabs.set_current(1);
+    EXPECT_EQ(named<QTabWidget>(window_, "tabs").currentIndex(), 1);
+
+    form_.shown.set_visible(false);
+    EXPECT_TRUE(named<QLabel>(window_, "shown").isHidden());
+    form_.shown.set_text("<b>12</b>");
+    EXPECT_EQ(named<QLabel>(window_, "shown").text(), "<b>12</b>"); // and never as markup
+    EXPECT_EQ(named<QLabel>(window_, "shown").accessibleName(), "Shown");
+}
+
+TEST_F(SampleWindow, menus_are_built_from_the_items_in_their_order) {
+    const auto top = window_.menuBar()->actions();
+    ASSERT_EQ(top.size(), 2);
+    EXPECT_EQ(top[0]->text(), "&File");
+    EXPECT_EQ(top[1]->objectName(), "menu_update");
+    EXPECT_EQ(top[1]->menu(), nullptr);
+    auto& second = named<QAction>(window_, "menu_number(1)");
+    form_.menu_number[1].clicked = [&] { form_.menu_number[1].set_checked(true); };
+    second.trigger();
+    EXPECT_TRUE(second.isChecked());
+    form_.menu_number[1].clicked = nullptr;
+    second.trigger();
+    EXPECT_TRUE(second.isChecked()) << "only the form moves the mark";
+    form_.menu_update.set_enabled(false);
+    EXPECT_FALSE(top[1]->isEnabled());
+}
+
+TEST_F(SampleWindow, picture_is_replayed_and_takes_the_size_of_its_widget) {
+    int redraws = 0;
+    form_.picture.resized = [&] { ++redraws; };
+    auto& view = named<QWidget>(window_, "picture");
+    view.setFixedSize(333, 222);
+    QTest::qWait(1);
+    EXPECT_EQ(form_.picture.width(), 333);
+    EXPECT_EQ(redraws, 1);
+    form_.picture.line(10, 20, 300, 20, platform::yellow);
+    form_.picture.refresh();
+    const QImage image = view.grab().toImage();
+    const double ratio = image.devicePixelRatio();
+    const int y = static_cast<int>(20 * ratio);
+    EXPECT_EQ(image.pixelColor(static_cast<int>(100 * ratio), y), theme::to_qt(platform::yellow));
+    EXPECT_EQ(image.pixelColor(static_cast<int>(100 * ratio), y - 2), QColor(Qt::black));
+}
+
+TEST_F(SampleWindow, activation_comes_with_the_next_events_and_closing_is_the_forms_decision) {
+    int activations = 0;
+    form_.form.hide();
+    form_.form.on_activate = [&] { ++activations; };
+    form_.form.show();
+    EXPECT_EQ(activations, 0);
+    QTest::qWait(1);
+    EXPECT_EQ(activations, 1);
+    bool asked = false;
+    form_.form.on_close = [&] { asked = true; };
+    window_.close();
+    EXPECT_TRUE(asked);
+    EXPECT_TRUE(window_.isVisible());
+    form_.form.on_close = nullptr;
+    window_.close();
+    EXPECT_FALSE(form_.form.loaded());
+    EXPECT_FALSE(window_.isVisible());
+}
+
+TEST_F(SampleWindow, modal_form_holds_its_caller_until_it_hides) {
+    form_.form.hide();
+    std::string order;
+    form_.form.on_activate = [&] {
+        order += "active ";
+        QTimer::singleShot(5, &window_, [&] {
+            order += window_.windowModality() == Qt::NonModal ? "loose " : "held ";
+            form_.form.hide();
+        });
+    };
+    form_.form.show_modal();
+    order += "returned";
+    EXPECT_EQ(order, "active held returned");
+}
+
+TEST(QtDialogs, message_box_shows_the_exact_text_and_its_default) {
+    QtDialogs dialogs;
+    QString text;
+    QTimer::singleShot(0, [&] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        ASSERT_NE(box, nullptr);
+        text = box->text();
+        EXPECT_EQ(box->defaultButton(), box->button(QMessageBox::No));
+        EXPECT_EQ(box->detailedText(), "the reason");
+        QTest::keyClick(box, Qt::Key_Return);
+    });
+    const auto answer = dialogs.message_box({.text = "this <i>overwrites</i>, continue?",
+                                             .title = "CAUTION!",
+                                             .buttons = platform::Buttons::yes_no,
+                                             .icon = platform::Icon::warning,
+                                             .preset = platform::Answer::no,
+                                             .details = "the reason"});
+    EXPECT_EQ(answer, platform::Answer::no);
+    EXPECT_EQ(text, "this <i>overwrites</i>, continue?");
+}
+
+TEST(QtDialogs, file_dialog_adds_the_suffix_and_filters_both_cases) {
+    EXPECT_EQ(qt_filter("Setup Files (*.set)|"), "Setup Files (*.set *.SET)");
+    QTemporaryDir folder;
+    QtDialogs dialogs;
+    QTimer::singleShot(0, [&] {
+        auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        dialog->setDirectory(folder.path());
+        dialog->findChild<QLineEdit*>("fileNameEdit")->setText("mine");
+        dialog->findChild<QLineEdit*>("fileNameEdit")->setFocus();
+        QMetaObject::invokeMethod(dialog, "accept");
+    });
+    const std::string path = dialogs.save_file(
+        {.title = "Save", .default_extension = "set", .filter = "Setup Files (*.set)|", .initial_name = "*.SET"});
+    EXPECT_EQ(path, folder.filePath("mine.set").toStdString());
+}
+
+} // namespace
+} // namespace ecu::desktop

@@ -1,0 +1,155 @@
+#include "desktop/grid_view.h"
+#include "desktop/theme.h"
+#include "windows/window_bench.h"
+
+#include <QClipboard>
+#include <QHeaderView>
+#include <QLineEdit>
+
+namespace ecu::desktop {
+namespace {
+
+using platform::confirmed;
+using platform::pending;
+
+struct Sample {
+    platform::Form form{"frm_grid", "Grid"};
+    platform::Grid grid{form, "inj_map", 4, 5};
+};
+
+class GridWindow : public testing::Test {
+protected:
+    GridWindow() {
+        for (int row = 1; row <= 4; ++row) {
+            for (int column = 1; column <= 5; ++column) {
+                form_.grid.confirm_cell(row, column, std::to_string(10 * row + column));
+            }
+        }
+        form_.grid.cell_changed = [this](int row, int column) { form_.grid.set_cell_back(row, column, pending); };
+        window_.set_body(window_.make(form_.grid, "Fuel map"));
+        form_.form.show();
+        view_ = &named<GridView>(window_, "inj_map");
+        view_->setFocus();
+        select(1, 1);
+        QTest::qWait(1);
+    }
+    void select(int row, int column) { view_->setCurrentIndex(view_->model()->index(row - 1, column - 1)); }
+    QPoint place_of(int row, int column) const {
+        return view_->visualRect(view_->model()->index(row - 1, column - 1)).center();
+    }
+    QLineEdit* editor() const { return view_->viewport()->findChild<QLineEdit*>(); }
+    void type(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QTest::keyClick(QApplication::focusWidget() != nullptr ? QApplication::focusWidget() : view_, key, modifiers);
+    }
+
+    QtHost host_;
+    Sample form_;
+    FormWindow window_{form_.form, host_};
+    GridView* view_ = nullptr;
+};
+
+TEST_F(GridWindow, model_cell_is_the_grid_cell_without_headers) {
+    const QModelIndex index = view_->model()->index(2, 1);
+    EXPECT_EQ(index.data().toString(), "32");
+    form_.grid.set_cell_back(3, 2, platform::light_red);
+    EXPECT_EQ(index.data(Qt::BackgroundRole).value<QBrush>().color(), theme::to_qt(platform::light_red));
+    EXPECT_TRUE(view_->horizontalHeader()->isHidden());
+    form_.grid.set_column_width(2, 0);
+    EXPECT_TRUE(view_->isColumnHidden(1));
+    expect_complete(window_);
+}
+
+TEST_F(GridWindow, typing_replaces_at_once_and_enter_reaches_the_grid) {
+    int updates = 0;
+    form_.grid.key_press = [&](platform::KeyPress& key) {
+        if (key.code == platform::key::enter) {
+            ++updates;
+            key.code = 0;
+        }
+    };
+    type(Qt::Key_7);
+    type(Qt::Key_5);
+    EXPECT_EQ(form_.grid.cell_text(1, 1), "75");
+    EXPECT_TRUE(form_.grid.cell_pending(1, 1)); // even before the edit ends
+    type(Qt::Key_Return);
+    EXPECT_EQ(updates, 1);
+    EXPECT_TRUE(view_->hasFocus()) << "the edit is over";
+    EXPECT_FALSE(form_.grid.cell_pending(1, 2));
+}
+
+TEST_F(GridWindow, escape_restores_the_text_typed_over) {
+    type(Qt::Key_9);
+    EXPECT_EQ(form_.grid.cell_text(1, 1), "9");
+    type(Qt::Key_Escape);
+    EXPECT_EQ(form_.grid.cell_text(1, 1), "11");
+    EXPECT_EQ(form_.grid.cell_back(1, 1), confirmed);
+}
+
+TEST_F(GridWindow, reply_during_an_edit_leaves_what_is_being_typed) {
+    type(Qt::Key_F2);
+    ASSERT_NE(editor(), nullptr);
+    type(Qt::Key_End);
+    type(Qt::Key_0);
+    EXPECT_EQ(form_.grid.cell_text(1, 1), "110");
+    form_.grid.confirm_cell(1, 1, "11");
+    EXPECT_EQ(editor()->text(), "110");
+}
+
+TEST_F(GridWindow, tab_and_arrows_move_also_out_of_an_edit) {
+    type(Qt::Key_3);
+    type(Qt::Key_Tab);
+    type(Qt::Key_4);
+    type(Qt::Key_Down);
+    type(Qt::Key_Left);
+    EXPECT_EQ(form_.grid.cell_text(1, 1), "3");
+    EXPECT_EQ(form_.grid.cell_text(1, 2), "4");
+    EXPECT_EQ(form_.grid.active_row(), 2);
+    EXPECT_EQ(form_.grid.active_column(), 1);
+    form_.grid.set_active_cell(4, 5);
+    EXPECT_EQ(view_->currentIndex(), view_->model()->index(3, 4));
+}
+
+TEST_F(GridWindow, consumed_key_does_not_move_the_cursor) {
+    form_.grid.key_down = [&](platform::KeyPress& key) {
+        if (key.code == platform::key::down && key.shift) {
+            form_.grid.set_cell_text(form_.grid.active_row(), form_.grid.active_column(), "stepped");
+            key.code = platform::key::shift;
+        }
+    };
+    type(Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_EQ(form_.grid.cell_text(1, 1), "stepped");
+    EXPECT_EQ(form_.grid.active_row(), 1);
+    type(Qt::Key_Down);
+    EXPECT_EQ(form_.grid.active_row(), 2);
+}
+
+TEST_F(GridWindow, block_is_copied_and_pasted_as_tab_separated_text) {
+    view_->selectionModel()->select({view_->model()->index(0, 0), view_->model()->index(1, 1)},
+                                    QItemSelectionModel::ClearAndSelect);
+    type(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), "11\t12\n21\t22\n");
+    QApplication::clipboard()->setText("1.5\t2.5\r\n3.5\t4.5\r\n");
+    select(4, 4);
+    type(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(form_.grid.cell_text(4, 4), "1.5");
+    EXPECT_EQ(form_.grid.cell_text(4, 5), "2.5"); // the second line would lie outside
+    EXPECT_TRUE(form_.grid.cell_pending(4, 5));
+    EXPECT_FALSE(form_.grid.cell_pending(4, 3));
+}
+
+TEST_F(GridWindow, mouse_tells_the_cell_under_it_and_minus_one_outside) {
+    std::vector<std::array<int, 3>> told;
+    const auto note = [&](platform::MouseButton button) {
+        told.push_back({static_cast<int>(button), form_.grid.mouse_row(), form_.grid.mouse_column()});
+    };
+    form_.grid.mouse_down = note;
+    form_.grid.mouse_up = note;
+    QTest::mousePress(view_->viewport(), Qt::LeftButton, {}, place_of(2, 3));
+    QTest::mouseRelease(view_->viewport(), Qt::LeftButton, {}, place_of(4, 5));
+    QTest::mousePress(view_->viewport(), Qt::RightButton, {}, place_of(1, 1));
+    QTest::mouseRelease(view_->viewport(), Qt::LeftButton, {}, QPoint(-50, -50));
+    EXPECT_EQ(told, (std::vector<std::array<int, 3>>{{1, 2, 3}, {1, 4, 5}, {2, 1, 1}, {1, -1, -1}}));
+}
+
+} // namespace
+} // namespace ecu::desktop
