@@ -1,6 +1,7 @@
 #include "support/scripted_controller.h"
 
 #include <algorithm>
+#include <iterator>
 #include <numeric>
 
 namespace ecu::test {
@@ -16,8 +17,11 @@ Bytes reply_frame(Bytes code_and_data, int payload_count) {
     if (payload_count > 2) {
         code_and_data.resize(static_cast<std::size_t>(payload_count) - 2);
     }
-    Bytes frame{2, low(static_cast<unsigned>(code_and_data.size() + 4))};
-    frame.insert(frame.end(), code_and_data.begin(), code_and_data.end());
+    Bytes frame;
+    frame.reserve(code_and_data.size() + 4);
+    frame.push_back(2);
+    frame.push_back(low(static_cast<unsigned>(code_and_data.size() + 4)));
+    std::ranges::copy(code_and_data, std::back_inserter(frame));
     const unsigned sum = std::accumulate(frame.begin(), frame.end(), 0U);
     frame.push_back(low(sum));
     frame.push_back(high(sum));
