@@ -25,6 +25,15 @@ namespace ecu::logging {
 struct FrmPlotter;
 }
 
+namespace ecu::maps {
+struct Frm3d;
+struct Frm3dGraph;
+struct FrmCellblockModifier;
+} // namespace ecu::maps
+namespace ecu::autotune {
+struct FrmAutotune;
+}
+
 namespace ecu::desktop {
 
 std::unique_ptr<FormWindow> make_frm_ecu_window(shell::FrmEcu& form, QtHost& host);
@@ -35,5 +44,9 @@ std::unique_ptr<FormWindow> make_frm_wait_window(calibration::FrmWait& form, QtH
 std::unique_ptr<FormWindow> make_frm_mon_window(views::FrmMon& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_dashboard_window(views::FrmDashboard& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_plotter_window(logging::FrmPlotter& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_3d_window(maps::Frm3d& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_3d_graph_window(maps::Frm3dGraph& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_cellblock_modifier_window(maps::FrmCellblockModifier& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_autotune_window(autotune::FrmAutotune& form, QtHost& host);
 
 } // namespace ecu::desktop
