@@ -12,7 +12,7 @@ namespace ecu::shell {
 // The whole text; none when there is no such file or it cannot be read.
 std::optional<std::string> read_start_up_file(const std::filesystem::path& path);
 
-// "OEM.TXT in the folder /home/me/session"
+// "OEM.TXT in the folder" and the whole path of the working directory.
 std::string named_in_folder(const platform::Ports& ports, std::string_view file);
 
 // Text as it is when it is UTF-8, else read as single-byte Latin-1; a byte order mark is dropped.
