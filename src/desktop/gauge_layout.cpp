@@ -13,9 +13,10 @@ using Scale = platform::Gauge::Scale;
 
 constexpr double start_angle = 225;
 constexpr double sweep = 270;
-constexpr double beyond_end = 4;   // degrees
-constexpr int most_numbers = 14;   // more would run into each other
-constexpr int most_fine_ticks = 9; // numbered ticks up to which unnumbered ones fit between
+constexpr double beyond_end = 4;       // degrees
+constexpr double number_radius = 0.66; // of the face
+constexpr int most_numbers = 14;       // more would run into each other
+constexpr int most_fine_ticks = 9;     // numbered ticks up to which unnumbered ones fit between
 
 double span_of(const Scale& scale) {
     return static_cast<double>(scale.full_scale) - static_cast<double>(scale.minimum);
@@ -83,8 +84,8 @@ GaugeLayout gauge_layout(const Scale& scale, QSizeF size) {
             layout.ticks.push_back({on_circle(layout.centre, radius * 0.94, angle),
                                     on_circle(layout.centre, radius * (major ? 0.82 : 0.88), angle), major});
             if (major) {
-                layout.numbers.push_back(
-                    {on_circle(layout.centre, radius * 0.67, angle), QString::number(value, 'f', whole ? 0 : 1)});
+                layout.numbers.push_back({on_circle(layout.centre, radius * number_radius, angle),
+                                          QString::number(value, 'f', whole ? 0 : 1)});
             }
         }
     }
@@ -92,15 +93,18 @@ GaugeLayout gauge_layout(const Scale& scale, QSizeF size) {
     for (const GaugeLayout::Number& number : layout.numbers) {
         longest = std::max(longest, number.text.size());
     }
-    layout.number_height = radius * std::min(0.2, 0.56 / static_cast<double>(longest));
-    layout.caption_height = radius * 0.15;
-    layout.value_height = radius * 0.34;
+    // A digit is about 0.6 as wide as high; neighbours at the top stand side by side.
+    const double room =
+        number_radius * sweep / 180 * std::numbers::pi / std::max(1.0, static_cast<double>(layout.numbers.size()) - 1);
+    layout.number_height = radius * std::min(0.2, 0.85 * room / (0.6 * static_cast<double>(longest)));
+    layout.caption_height = radius * 0.14;
+    layout.value_height = radius * 0.32;
     const auto band = [&](double width, double top, double bottom) {
         return QRectF(layout.centre.x() - radius * width, layout.centre.y() + radius * top, 2 * radius * width,
                       radius * (bottom - top));
     };
     layout.caption = band(0.42, 0.16, 0.5);
-    layout.value = band(0.6, 0.52, 0.92);
+    layout.value = band(0.6, 0.55, 0.93);
     return layout;
 }
 

@@ -10,9 +10,9 @@
 namespace ecu::desktop {
 
 LampWidget::LampWidget(platform::Shape& shape, platform::Colour dark) : shape_(shape), dark_(dark) {
-    setMinimumSize(16, 16);
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-    setMaximumHeight(56);
+    setMinimumWidth(16);
+    setFixedHeight(34);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
 void LampWidget::paintEvent(QPaintEvent*) {
@@ -23,7 +23,7 @@ void LampWidget::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::Antialiasing);
     const QColor base = theme::to_qt(colour);
     if (colour == dark_) {
-        painter.setPen(QPen(theme::panel_edge(palette()).darker(120), 1));
+        painter.setPen(QPen(theme::muted_text(palette()), 1)); // to be seen in a dark theme too
         painter.setBrush(base.darker(140));
         painter.drawEllipse(centre, radius * 0.8, radius * 0.8);
         return;

@@ -8,6 +8,8 @@
 #include <QGridLayout>
 #include <QLabel>
 
+#include <algorithm>
+
 namespace ecu::desktop {
 
 namespace {
@@ -59,14 +61,18 @@ QWidget* mixture_bar(FormWindow& window, views::FrmDashboard& f) {
     const auto label = [&](platform::Label& control, const Caption& name) {
         auto* widget = static_cast<QLabel*>(window.make(control, name));
         widget->setAlignment(Qt::AlignCenter);
+        widget->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed); // the lamps stay equally wide
         return widget;
     };
     for (platform::Label& mark : f.lambda_label) {
         const int lamp = mark.index() * 2;
-        const int first = std::max(0, lamp - 1);
         QLabel* widget = label(mark, "Mixture scale");
         widget->setFont(theme::figure_font(11));
-        grid->addWidget(widget, 2, lamp == 16 ? 16 : first, 1, lamp == 0 || lamp == 16 ? 1 : 3);
+        // Room from the lamps on both sides; the outermost have one neighbour only.
+        grid->addWidget(widget, 2, std::clamp(lamp - 1, 0, 15), 1, lamp == 0 || lamp == 16 ? 2 : 3);
+        if (lamp == 0 || lamp == 16) {
+            widget->setAlignment(lamp == 0 ? Qt::AlignLeft : Qt::AlignRight);
+        }
     }
     QLabel* centre = label(f.lambda_val, "Mixture at the centre");
     centre->setFont(theme::figure_font(13));
@@ -96,7 +102,9 @@ std::unique_ptr<FormWindow> make_frm_dashboard_window(views::FrmDashboard& f, Qt
     feedback.fill();
     QWidget* picture = window->make(f.Picture1, "Picture of the installation");
     picture->setMinimumSize(160, 90);
+    picture->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
     QWidget* controls = window->across({trims, feedback, mixture, picture}, {2, 2, 5, 2});
+    controls->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
     window->set_body(window->down({gauges(*window, f), controls}, {1, 0}));
     window->set_footer(window->buttons({&f.Command2, &f.Command1}));
     window->demo_badge(f.show_demo_mode);

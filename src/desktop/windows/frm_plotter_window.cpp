@@ -79,7 +79,7 @@ QWidget* legend(FormWindow& window, logging::FrmPlotter& f) {
     panel.layout()->setVerticalSpacing(1);
     for (platform::CheckBox& box : f.Check3d1) {
         QWidget* widget = panel.add(box);
-        widget->setContentsMargins(4, 0, 4, 0);
+        widget->setBackgroundRole(QPalette::Window); // the paper's colour, not that of buttons
     }
     panel.fill();
     return panel;
@@ -87,7 +87,7 @@ QWidget* legend(FormWindow& window, logging::FrmPlotter& f) {
 
 QWidget* log_panel(FormWindow& window, logging::FrmPlotter& f) {
     Panel panel = window.panel("Log");
-    auto* name = panel.row("Plotter File Name", f.plot_file);
+    QWidget* name = panel.row("Plotter File Name", f.plot_file);
     name->setMaximumWidth(QWIDGETSIZE_MAX);
     QPushButton* browse = tool("&Browse...", "plot_file_browse", "Choose the file's name and location");
     QObject::connect(browse, &QPushButton::clicked, name, [&f] {
@@ -103,6 +103,8 @@ QWidget* log_panel(FormWindow& window, logging::FrmPlotter& f) {
     panel.next_column();
     panel.add(f.Command3d2);
     panel.add(f.Command3d3);
+    panel.layout()->setColumnStretch(0, 0);
+    panel.layout()->setColumnStretch(1, 1); // a path is long
     return panel;
 }
 
