@@ -7,17 +7,21 @@
 #include "desktop/qt_text.h"
 #include "desktop/theme.h"
 
+#include <QAction>
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QFocusEvent>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScrollBar>
 #include <QSignalBlocker>
+#include <QToolTip>
 
 #include <array>
 #include <stdexcept>
@@ -254,6 +258,12 @@ void Binding::move_focus(Control* to) {
 }
 
 bool Binding::eventFilter(QObject* watched, QEvent* event) {
+    if (auto* bar = qobject_cast<QMenuBar*>(watched); bar != nullptr && event->type() == QEvent::ToolTip) {
+        const auto& help = static_cast<QHelpEvent&>(*event); // menus show their tips themselves, a menu bar does not
+        const QAction* action = bar->actionAt(help.pos());
+        QToolTip::showText(help.globalPos(), action != nullptr && !action->isEnabled() ? action->toolTip() : "", bar);
+        return true;
+    }
     const auto found = controls_.find(watched);
     if (found == controls_.end()) {
         return false;

@@ -252,7 +252,7 @@ void FormWindow::fit_figures() {
 }
 
 QSize FormWindow::wanted_size() const {
-    const QSize wanted = sizeHint();
+    const QSize wanted = testAttribute(Qt::WA_Resized) ? size() : sizeHint(); // as the window file set it, if it did
     const QScreen* on = screen() != nullptr ? screen() : QApplication::primaryScreen();
     return on != nullptr ? wanted.boundedTo(on->availableSize() - QSize(8, 40)) : wanted;
 }
@@ -260,7 +260,7 @@ QSize FormWindow::wanted_size() const {
 void FormWindow::open() {
     if (!opened_) {
         opened_ = true;
-        kind_ == WindowKind::dialog ? adjustSize() : resize(wanted_size().expandedTo(size() / 4));
+        kind_ == WindowKind::dialog ? adjustSize() : resize(wanted_size());
     } else if (!geometry_.isEmpty()) {
         restoreGeometry(geometry_);
     }
@@ -271,7 +271,9 @@ void FormWindow::open() {
     }
     show();
     raise();
-    activateWindow();
+    if (!testAttribute(Qt::WA_ShowWithoutActivating)) {
+        activateWindow();
+    }
 }
 
 void FormWindow::put_away() {

@@ -44,6 +44,7 @@ void show_item(const MenuItem& item, QAction& action, Property property) {
 
 void Binding::build_menus(QMenuBar& bar) {
     bar.setNativeMenuBar(false);
+    bar.installEventFilter(this);
     std::set<const MenuItem*> parents;
     for (platform::Control* control : form_.controls()) {
         if (const auto* item = dynamic_cast<MenuItem*>(control)) {

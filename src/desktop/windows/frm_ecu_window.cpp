@@ -52,6 +52,7 @@ std::unique_ptr<FormWindow> make_frm_ecu_window(shell::FrmEcu& f, QtHost& host) 
         link->setText(arrow < 0 ? QStringLiteral("Link not opened") : "Link: " + caption.mid(arrow + 2));
     };
     window->on_caption(qt(f.form.caption()));
+    window->resize(590, 430);
     return window;
 }
 
