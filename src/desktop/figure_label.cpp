@@ -17,12 +17,14 @@ void FigureLabel::set_points(double points) {
     make_room();
 }
 
-void FigureLabel::show_text(const QString& text) {
+bool FigureLabel::show_text(const QString& text) {
     setText(text);
-    if (fontMetrics().horizontalAdvance(text) > minimumWidth() - 4) {
-        widest_ = text;
-        make_room();
+    if (fontMetrics().horizontalAdvance(text) <= minimumWidth() - 4) {
+        return false;
     }
+    widest_ = text;
+    make_room();
+    return true;
 }
 
 void FigureLabel::make_room() {

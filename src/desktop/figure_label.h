@@ -10,7 +10,7 @@ class FigureLabel final : public QLabel {
 public:
     explicit FigureLabel(const QString& widest);
     void set_points(double points);
-    void show_text(const QString& text);
+    bool show_text(const QString& text); // true when it had to grow
 
 private:
     void make_room();

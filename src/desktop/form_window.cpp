@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QBoxLayout>
 #include <QCloseEvent>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMenuBar>
 #include <QProgressBar>
@@ -81,9 +82,9 @@ FigureLabel* FormWindow::make_figure(platform::Label& control, const Caption& na
     auto* label = new FigureLabel(QString::fromUtf8(widest));
     binding_.bind_custom(
         control, label,
-        [&control, label](Property property) {
-            if (property == Property::text) {
-                label->show_text(qt(control.text()));
+        [this, &control, label](Property property) {
+            if (property == Property::text && label->show_text(qt(control.text())) && isVisible()) {
+                fit_figures();
             }
         },
         name.text());
@@ -276,17 +277,21 @@ void FormWindow::open() {
     }
 }
 
+void FormWindow::keyPressEvent(QKeyEvent* event) {
+    auto* button = qobject_cast<QPushButton*>(focusWidget());
+    if (button != nullptr && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) {
+        button->click();
+        return;
+    }
+    QMainWindow::keyPressEvent(event);
+}
+
 void FormWindow::put_away() {
     geometry_ = saveGeometry();
     hide();
 }
 
-void FormWindow::show_caption() {
-    setWindowTitle(qt(form_.caption()));
-    if (on_caption) {
-        on_caption(windowTitle());
-    }
-}
+void FormWindow::show_caption() { setWindowTitle(qt(form_.caption())); }
 
 void FormWindow::closeEvent(QCloseEvent* event) {
     event->ignore(); // the form decides, and hides the window itself

@@ -64,6 +64,8 @@ TEST(Windows, monitor_shows_every_figure_at_each_size_of_screen) {
     form.form.show();
     expect_nothing_clipped(*window, {1280, 760});
     expect_nothing_clipped(*window, {1280 * 2 / 3, 760 * 2 / 3}); // the same screen at a scale of 150 %
+    form.tx_bytes.set_text("-2147483648");                        // wider than any before, with the window up
+    expect_nothing_clipped(*window, window->size());
     save_picture(*window, {1280, 760});
 }
 
