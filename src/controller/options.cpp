@@ -140,7 +140,7 @@ Options parse_options(std::span<const char* const> arguments) {
         } else {
             Options ignored;
             options.error = read_option(argument, "", ignored);
-            if (options.error.starts_with("--")) {
+            if (!options.error.starts_with("There is no option")) {
                 options.error = std::string(argument) + " needs a value.";
             }
         }

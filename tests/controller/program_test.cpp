@@ -46,7 +46,7 @@ TEST_F(Program, options_are_read_and_bad_ones_explained) {
     EXPECT_EQ(good.controller.faults.unplug_after, 9U);
     EXPECT_TRUE(good.controller.faults.silent);
     EXPECT_THAT(parse({"--pace", "fast"}).error, HasSubstr("--pace fast"));
-    EXPECT_THAT(parse({"--pace"}).error, HasSubstr("needs a value"));
+    EXPECT_THAT(parse({"--faults"}).error, HasSubstr("needs a value"));
     EXPECT_THAT(parse({"--faults", "lost=2"}).error, HasSubstr("0 to 1"));
     EXPECT_THAT(parse({"--faults", "lsot=1"}).error, HasSubstr("known are"));
     EXPECT_THAT(parse({"--colour", "red"}).error, HasSubstr("no option --colour"));
