@@ -50,6 +50,7 @@ void Console::wire() {
     comm.set_decoders(reply_decoders.in_order());
     polling.on_refresh(View::dashboard, [this] { dashboard.refresh(); });
     polling.on_refresh(View::basic_mapping, [this] { basic_mapping.refresh_live(); });
+    polling.on_refresh(View::none, [this] { main_console.show_link_state(); });
     polling.plot_and_log_sample = [this] { plotter.plot_and_log_sample(); };
     monitor.wire_menu();
     basic_mapping.wire_menus();

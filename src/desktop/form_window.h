@@ -86,11 +86,11 @@ public:
     void open();     // shows the window where it was last
     void put_away(); // hides it
     void show_caption();
-    std::function<void(const QString& caption)> on_caption;
 
 protected:
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override; // Enter presses the button that has the focus
 
 private:
     QWidget* box(bool horizontal, std::initializer_list<QWidget*> parts, std::initializer_list<int> stretches);

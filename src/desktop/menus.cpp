@@ -70,6 +70,7 @@ void Binding::build_menus(QMenuBar& bar) {
             menu->setToolTipsVisible(true); // a disabled item says why
             menu->setObjectName(qt(item->full_name()));
             menus.emplace(item, menu);
+            connect(menu, &QMenu::aboutToShow, this, [item] { item->click(); });
             action = menu->menuAction();
         } else {
             action = new QAction(&place);

@@ -99,7 +99,7 @@ void EcuComm::send_ecu_message(const Message& message, std::int16_t& expected_le
 // What came too late for an earlier message must not stand before this one's reply.
 void EcuComm::drain_input() {
     if (!remote()) {
-        comm1_.read_all();
+        comm1_.discard_input();
         return;
     }
     while (outgoing_sock_.available() > 0) {

@@ -11,9 +11,7 @@ Control::Control(Form& form, std::string_view name, int index, Kind kind, std::s
     form.add(*this);
 }
 
-std::string Control::full_name() const {
-    return index_ < 0 ? name_ : name_ + "(" + std::to_string(index_) + ")";
-}
+std::string Control::full_name() const { return index_ < 0 ? name_ : name_ + "(" + std::to_string(index_) + ")"; }
 
 void Control::announce(Property property) {
     if (FormHost* host = form_->host()) {

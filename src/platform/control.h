@@ -188,7 +188,7 @@ public:
     MenuItem* parent() const { return parent_; }
     bool checked() const { return checked_; }
     void set_checked(bool checked); // never fires `clicked`
-    void click();                   // runs `clicked` if enabled
+    void click();                   // runs `clicked` if enabled; for a parent, as its menu opens
     bool separator_before = false;
     std::function<void()> clicked;
 

@@ -28,6 +28,8 @@ public:
     virtual std::string device_of(int number) const = 0;
 
     std::vector<std::uint8_t> read_all() { return read(available()); }
+    // Forgets all input, what the driver holds and no event has delivered yet included.
+    virtual void discard_input() { read_all(); }
 };
 
 class SerialPorts {

@@ -64,6 +64,7 @@ struct FrmEcu {
     platform::MenuItem menu_about{form, "menu_about", "&About"};
 
     platform::Picture Picture1{form, "Picture1"};
+    platform::Label link_state{form, "link_state"}; // how the controller is reached at the moment
 
     platform::Button Command3d4{form, "Command3d4", "Monitor"};
     platform::Button Command1{form, "Command1", "Dashboard"};

@@ -53,6 +53,7 @@ void MainConsole::wire_ports() {
     for (std::size_t i = 0; i < use_.form.ports.size(); ++i) {
         use_.form.ports[i]->clicked = [this, i] { choose_port(i); };
     }
+    use_.form.menu_comm.clicked = [this] { name_ports(); }; // as the menu opens: an adapter may have been plugged in
     name_ports();
 }
 
@@ -91,8 +92,24 @@ void MainConsole::offer_what_exists() {
     form.menu_tool_flash_utility.set_enabled(false);
 }
 
+void MainConsole::show_link_state() {
+    const link::SharedState& state = use_.state;
+    const std::string port = "COM" + std::to_string(state.comm_port_number);
+    std::string text = port + " is opened with the first view";
+    if (state.demo_mode) {
+        text = "Demo mode, no controller";
+    } else if (!state.remote_server_ip.empty()) {
+        text = "Through the console at " + state.remote_server_ip;
+    } else if (state.comm_aborted) {
+        text = "Aborted: nothing is sent until a view is opened";
+    } else if (use_.comm1.is_open()) {
+        text = port + " is open";
+    }
+    use_.form.link_state.set_text(text);
+}
+
 void MainConsole::activate() {
-    name_ports();
+    show_link_state();
     if (!activated_) {
         activated_ = true;
         use_.state.first_tick_pending = true;
@@ -100,7 +117,6 @@ void MainConsole::activate() {
     }
 }
 
-// Anew at each activation, since an adapter may have been plugged in.
 void MainConsole::name_ports() {
     for (std::size_t i = 0; i < use_.form.ports.size(); ++i) {
         const int number = static_cast<int>(i) + 1;

@@ -32,6 +32,8 @@ public:
     std::function<void()> on_start_client;
     std::function<void()> on_halt_client; // its item starts disabled: there is no client yet
 
+    // Says in the main window how the controller is reached; run with each tick while no view is open.
+    void show_link_state();
     // Enables what leads to an existing view or a hook and disables the rest; called once all of them are there.
     void offer_what_exists();
 

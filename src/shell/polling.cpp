@@ -159,6 +159,7 @@ void Polling::act_on_view() {
             forget_monitor_strings();
         }
         use_.state.last_activity_time = use_.ports.now();
+        refresh(view);
         break;
     case View::monitor:
         if (use_.state.comm_aborted && leave_monitor) {

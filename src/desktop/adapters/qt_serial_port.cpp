@@ -51,9 +51,10 @@ public:
         if (device.empty()) {
             return "There is no device for port " + std::to_string(number) + ".";
         }
-        if (port_.isOpen()) {
+        if (is_open()) {
             return "The port is open already.";
         }
+        close(); // a broken port that its queued close has not reached yet
         broken_ = false;
         received_.clear();
         // A symbolic link is resolved, so that the lock is on the device whatever name it was opened by.
@@ -94,6 +95,13 @@ public:
         std::vector<std::uint8_t> result(received_.begin(), end);
         received_.erase(received_.begin(), end);
         return result;
+    }
+
+    void discard_input() override {
+        if (is_open()) {
+            port_.clear(QSerialPort::Input);
+        }
+        received_.clear();
     }
 
     std::size_t output_pending() const override {

@@ -1,11 +1,8 @@
-// The main window: the installer's picture, a button per view, and the state of the link in the status bar.
-#include "desktop/qt_text.h"
+// The main window: the installer's picture, a button per view, and in the status bar how the controller is reached.
 #include "desktop/windows/windows.h"
 #include "shell/frm_ecu.h"
 
 #include <QGridLayout>
-#include <QLabel>
-#include <QStatusBar>
 
 namespace ecu::desktop {
 
@@ -42,16 +39,7 @@ std::unique_ptr<FormWindow> make_frm_ecu_window(shell::FrmEcu& f, QtHost& host) 
     picture->setMinimumHeight(180);
     window->set_body(window->down({picture, button_rows(*window, f)}, {1, 0}));
 
-    auto* link = new QLabel;
-    link->setTextFormat(Qt::PlainText);
-    link->setAccessibleName("Link");
-    window->statusBar()->addWidget(link);
-    // The caption carries the link's state behind the arrow.
-    window->on_caption = [link](const QString& caption) {
-        const qsizetype arrow = caption.indexOf("->");
-        link->setText(arrow < 0 ? QStringLiteral("Link not opened") : "Link: " + caption.mid(arrow + 2));
-    };
-    window->on_caption(qt(f.form.caption()));
+    window->status(f.link_state)->setAccessibleName("Link");
     window->resize(590, 430);
     return window;
 }
