@@ -1,0 +1,61 @@
+// A setup file as values rather than as a script: what each line prints, to be compared and looked through. It differs
+// from what an upload would send in one place: the value of a BO_P line is taken from behind its second "=".
+#pragma once
+
+#include "calibration/scales.h"
+#include "calibration/setup_file.h"
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace ecu::cli {
+
+struct Value {
+    std::int32_t raw = 0;
+    int line = 0; // from 1
+};
+
+struct UnknownKey {
+    int line = 0;
+    std::string text; // "ABCD[003]"
+
+    bool operator==(const UnknownKey& other) const { return text == other.text; }
+};
+
+class CalibrationValues {
+public:
+    // Every element of every row, in the order of a setup file.
+    static const std::vector<calibration::FileKey>& all_keys();
+
+    // A key that stands twice has the value of the later line, as an upload has it.
+    void put(const calibration::FileKey& key, Value value);
+    std::optional<Value> find(const calibration::FileKey& key) const;
+    std::size_t size() const { return values_.size(); }
+    // Spans by the calibration's own sensor, engine speed and boost mode, as far as it holds them.
+    const calibration::Scales& scales() const { return scales_; }
+
+    std::vector<UnknownKey> unknown;
+
+private:
+    std::map<std::pair<const void*, int>, Value> values_;
+    calibration::Scales scales_;
+};
+
+// "row 15, column 2" of a map's cell, "cell 3" of one of the tables of nine, empty for anything else.
+std::string place_text(const calibration::FileKey& key);
+// The engineering value through the item's mask; empty for a switch, which has none.
+std::string shown_text(const calibration::FileKey& key, std::int32_t raw, const calibration::Scales& scales);
+
+// The number that the line prints, for a line of a known key.
+std::int32_t printed_value(std::string_view line, const calibration::LineMessage& known);
+
+// Throws Failure at a line that an upload would stop at; `name` is the file's name in its text.
+CalibrationValues values_of(std::string_view text, const std::string& name);
+// Reads the file. Throws Failure when it can't be.
+std::string text_of_file(const std::string& name);
+
+} // namespace ecu::cli

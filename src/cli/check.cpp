@@ -1,0 +1,223 @@
+#include "cli/check.h"
+
+#include "calibration/encoding.h"
+#include "cli/calibration_values.h"
+#include "cli/json.h"
+#include "platform/rounding.h"
+
+#include <QJsonArray>
+
+#include <algorithm>
+#include <limits>
+
+namespace ecu::cli {
+
+namespace {
+
+using calibration::Entry;
+using calibration::FileKey;
+using calibration::LineMessage;
+using calibration::LineStop;
+using calibration::Scales;
+using calibration::UnknownLine;
+using calibration::Width;
+
+struct Limits {
+    std::int32_t low;
+    std::int32_t high;
+};
+
+Limits of_width(Width width) {
+    switch (width) {
+    case Width::byte:
+        return {0, 255};
+    case Width::word:
+        return {0, 65535};
+    case Width::signed_word:
+        return {-32768, 32767};
+    }
+    return {0, 0};
+}
+
+const Entry& entry_of(const FileKey& key) { return key.table != nullptr ? key.table->entry : key.parameter->entry; }
+
+// What the screens could make of an entry. The limit of a typed number becomes that of the raw number it leads to.
+Limits entry_limits(const FileKey& key, Limits width, const Scales& scales) {
+    const Entry& entry = entry_of(key);
+    Limits limits{std::max(width.low, entry.raw_low), std::min(width.high, entry.raw_high)};
+    const auto raw_of = [&](std::string_view text) {
+        return key.table != nullptr ? calibration::raw_from_entry(*key.table, text, scales).raw
+                                    : calibration::raw_from_entry(*key.parameter, text, scales).raw;
+    };
+    if (!entry.lowest.text.empty()) {
+        limits.low = std::max(limits.low, raw_of(entry.lowest.text));
+    }
+    if (!entry.highest.text.empty()) {
+        limits.high = std::min(limits.high, raw_of(entry.highest.text));
+    }
+    return limits;
+}
+
+bool refused(const FileKey& key, std::int32_t raw, const Scales& scales) {
+    const calibration::Refusal& refusal = entry_of(key).refusal;
+    const double tested =
+        refusal.of_entry && key.parameter != nullptr ? shown_value(key.parameter->shown, raw, scales) : raw;
+    return tested < refusal.below || tested >= refusal.from;
+}
+
+std::string with_shown(const FileKey& key, std::int32_t raw, const Scales& scales) {
+    const std::string shown = shown_text(key, raw, scales);
+    return std::to_string(raw) + (shown.empty() || shown == std::to_string(raw) ? "" : " (" + shown + ")");
+}
+
+// A whole decimal number and nothing else.
+std::string number_fault(std::string_view text, std::int32_t sent) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+    text = text.substr(0, text.find_last_not_of(" \t") + 1);
+    if (text.empty()) {
+        return "has no value; an upload would send 0";
+    }
+    const std::string_view digits = text.starts_with('-') ? text.substr(1) : text;
+    if (digits.empty() || digits.find_first_not_of("0123456789") != std::string_view::npos) {
+        return "\"" + std::string(text) + "\" is not a whole number; an upload would send " + std::to_string(sent);
+    }
+    return {};
+}
+
+class Checker {
+public:
+    CheckReport check(std::string_view text) {
+        const std::vector<std::string> lines = calibration::split_lines(text);
+        report_.lines = static_cast<int>(lines.size());
+        // The spans that later lines set hold for earlier ones too.
+        for (const std::string& line : lines) {
+            if (const auto meaning = calibration::read_line(line);
+                const auto* known = std::get_if<LineMessage>(&meaning)) {
+                scales_of_.put(known->key, {known->value, 0});
+            }
+        }
+        for (const std::string& line : lines) {
+            ++number_;
+            look_at(line);
+        }
+        add_notes();
+        return std::move(report_);
+    }
+
+private:
+    void find(std::string key, std::string text) {
+        report_.findings.push_back({number_, std::move(key), std::move(text)});
+    }
+
+    void look_at(const std::string& line) {
+        const auto meaning = calibration::read_line(line);
+        if (const auto* stop = std::get_if<LineStop>(&meaning)) {
+            find(stop->key,
+                 (stop->value.empty() ? "" : stop->value + ": ") + stop->reason + "; an upload would stop here");
+        } else if (const auto* unknown = std::get_if<UnknownLine>(&meaning)) {
+            find(unknown->texts.front().substr(calibration::unknown_variable.size()),
+                 "is not known; an upload would pass over it");
+        } else if (const auto* known = std::get_if<LineMessage>(&meaning)) {
+            look_at_value(line, *known);
+        }
+    }
+
+    void look_at_value(const std::string& line, const LineMessage& known) {
+        const std::string key = calibration::key_text(known.key);
+        if (const auto earlier = seen_.find(known.key)) {
+            find(key, "stands in line " + std::to_string(earlier->line) + " already; the later value holds");
+        }
+        const std::int32_t printed = printed_value(line, known);
+        seen_.put(known.key, {printed, number_});
+        if (printed != known.value) {
+            ++lost_;
+        } else if (std::string fault = number_fault(
+                       std::string_view(line).substr(std::min(calibration::value_column, line.size())), known.value);
+                   !fault.empty() && !is_doubled(known.key)) {
+            find(key, std::move(fault));
+        }
+        if (std::string fault = range_fault(known.key, printed, scales_of_.scales()); !fault.empty()) {
+            find(key, std::move(fault));
+        }
+    }
+
+    static bool is_doubled(const FileKey& key) {
+        return key.parameter != nullptr && key.parameter->file == calibration::FileForm::vector_doubled;
+    }
+
+    void add_notes() {
+        report_.values = static_cast<int>(seen_.size());
+        if (const std::size_t all = CalibrationValues::all_keys().size(); seen_.size() < all) {
+            report_.notes.push_back(std::to_string(all - seen_.size()) + " of " + std::to_string(all) +
+                                    " values are not in the file; an upload leaves them as the controller has them");
+        }
+        if (lost_ > 0) {
+            report_.notes.push_back(std::to_string(lost_) + (lost_ == 1 ? " BO_P value stands" : " BO_P values stand") +
+                                    " behind a second \"=\"; an upload sends 0 in its place, so set the boost gains "
+                                    "again after it");
+        }
+    }
+
+    CheckReport report_;
+    CalibrationValues scales_of_;
+    CalibrationValues seen_;
+    int number_ = 0;
+    int lost_ = 0;
+};
+
+} // namespace
+
+std::string range_fault(const FileKey& key, std::int32_t raw, const Scales& scales) {
+    const Limits width = of_width(key.table != nullptr ? Width::byte : key.parameter->read.width);
+    if (raw < width.low || raw > width.high) {
+        const int bits = width.high == 255 ? 8 : 16;
+        return std::to_string(raw) + " does not fit the item's " + std::to_string(bits) +
+               " bits; an upload would send " + std::to_string(raw & (bits == 8 ? 0xFF : 0xFFFF));
+    }
+    const Entry& entry = entry_of(key);
+    if (entry.low_byte) {
+        // The entry's limits are those of a signed byte.
+        const std::int32_t value = raw > 127 ? raw - 256 : raw;
+        const bool any = entry.raw_low == std::numeric_limits<std::int32_t>::min();
+        return any || (value >= entry.raw_low && value <= entry.raw_high)
+                   ? ""
+                   : std::to_string(raw) + " stands for " + std::to_string(value) + ", outside " +
+                         std::to_string(entry.raw_low) + " to " + std::to_string(entry.raw_high);
+    }
+    const Limits limits = entry_limits(key, width, scales);
+    if (raw < limits.low || raw > limits.high) {
+        return with_shown(key, raw, scales) + " is outside " + with_shown(key, limits.low, scales) + " to " +
+               with_shown(key, limits.high, scales);
+    }
+    return refused(key, raw, scales) ? with_shown(key, raw, scales) + " is a value that the console's screens refuse"
+                                     : "";
+}
+
+CheckReport check(std::string_view text) { return Checker().check(text); }
+
+std::string as_text(const CheckReport& report, const std::string& name) {
+    std::string text;
+    for (const Finding& finding : report.findings) {
+        text += name + ":" + std::to_string(finding.line) + ": " + finding.key + ": " + finding.text + "\n";
+    }
+    for (const std::string& note : report.notes) {
+        text += "note: " + note + "\n";
+    }
+    return text + std::to_string(report.lines) + " lines, " + std::to_string(report.values) + " values, " +
+           std::to_string(report.findings.size()) + (report.findings.size() == 1 ? " finding\n" : " findings\n");
+}
+
+std::string as_json(const CheckReport& report) {
+    QJsonArray findings;
+    for (const Finding& finding : report.findings) {
+        findings.append(
+            QJsonObject{{"line", finding.line}, {"key", json_text(finding.key)}, {"text", json_text(finding.text)}});
+    }
+    QJsonArray notes;
+    for (const std::string& note : report.notes) {
+        notes.append(json_text(note));
+    }
+    return json_line({{"findings", findings}, {"notes", notes}, {"lines", report.lines}, {"values", report.values}});
+}
+
+} // namespace ecu::cli

@@ -1,0 +1,39 @@
+// The command line of ecu-cli.
+#pragma once
+
+#include "cli/failure.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+
+namespace ecu::cli {
+
+enum class Verb : std::uint8_t { info, download, upload, diff, check, monitor, log };
+
+struct Options {
+    Verb verb = Verb::info;
+    std::string file;   // of diff: the first
+    std::string second; // of diff
+    bool yes = false;   // upload without asking
+    int interval_ms = 1000;
+    long count = 0; // samples or rows; 0: until Ctrl+C
+
+    std::optional<int> port;
+    std::string device; // what the port stands for
+    std::string remote; // address of a console that serves its controller
+    bool json = false;
+};
+
+// Stands for the controller in place of a file name.
+inline constexpr const char* controller_word = "controller";
+
+struct Shown {
+    std::string text; // help or version, for the output stream
+};
+
+// Throws Failure for a command line that is none.
+std::variant<Options, Shown> parse_options(int argc, const char* const* argv);
+
+} // namespace ecu::cli

@@ -1,0 +1,50 @@
+// One console without windows and its way to the controller: the machine's adapters, the port, device or server that
+// the command line names, and the words for what goes wrong there.
+#pragma once
+
+#include "cli/options.h"
+#include "cli/terminal_desktop.h"
+#include "console/console.h"
+#include "desktop/adapters/qt_clock.h"
+#include "desktop/adapters/qt_datagram_socket.h"
+#include "desktop/adapters/qt_serial_port.h"
+#include "desktop/adapters/qt_timers.h"
+#include "desktop/adapters/qt_waiting.h"
+
+namespace ecu::cli {
+
+class Session {
+public:
+    // Settles where the controller is; opens nothing. Throws Failure when the command line and port.cfg do not tell.
+    explicit Session(const Options& options);
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    // Throws Failure when the port cannot be opened or the server does not answer.
+    void open_link();
+    // "the controller on port 1 (/dev/ttyUSB0)"
+    std::string controller_name() const;
+    // What a failed transaction means and what to do.
+    Failure explain(const LinkFailed& failed) const;
+
+    void send(const messages::Command& command) { console.comm.send_ecu_message({command.code}, command.reply); }
+    // Sleeps while events are handled; ends early when the user ends the command.
+    void sleep(double seconds);
+
+private:
+    void find_port();
+    void greet_server();
+
+    Options options_;
+    desktop::QtClock clock_;
+    desktop::QtWaiting waiting_;
+    desktop::QtTimers timers_;
+    desktop::QtSerialPorts serial_ports_;
+    desktop::QtDatagramSockets sockets_;
+
+public:
+    TerminalDesktop terminal;
+    console::Console console;
+};
+
+} // namespace ecu::cli

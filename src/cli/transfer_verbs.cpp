@@ -1,0 +1,198 @@
+#include "cli/calibration_values.h"
+#include "cli/check.h"
+#include "cli/compare.h"
+#include "cli/interrupt.h"
+#include "cli/json.h"
+#include "cli/verbs.h"
+
+#include <QJsonArray>
+
+#include <algorithm>
+#include <iostream>
+#include <unistd.h>
+
+namespace ecu::cli {
+
+namespace {
+
+using calibration::TransferResult;
+
+// What frm_wait shows, on one line of a terminal; nothing when the errors go elsewhere. Also where a transfer notices
+// that the user wants to end it.
+class ProgressLine {
+public:
+    explicit ProgressLine(Session& session) : session_(session), on_terminal_(isatty(STDERR_FILENO) == 1) {
+        session_.terminal.watch("frm_wait", [this](platform::Control& control) {
+            if (interrupted()) {
+                throw Interrupted{};
+            }
+            if (on_terminal_ && control.kind() == platform::Kind::shape) {
+                show();
+            }
+        });
+    }
+    ProgressLine(const ProgressLine&) = delete;
+    ProgressLine& operator=(const ProgressLine&) = delete;
+    ~ProgressLine() {
+        session_.terminal.watch("", {});
+        if (shown_) {
+            std::cerr << "\r\033[K" << std::flush;
+        }
+    }
+
+private:
+    void show() {
+        const calibration::FrmWait& wait = session_.console.forms.frm_wait;
+        const int percent = static_cast<int>(100 * wait.percent_bar.width() / wait.percent_track.width());
+        std::cerr << "\r" << percent << " %, " << wait.tx_bytes.text() << " bytes sent, " << wait.rx_bytes.text()
+                  << " received\033[K" << std::flush;
+        shown_ = true;
+    }
+
+    Session& session_;
+    bool on_terminal_;
+    bool shown_ = false;
+};
+
+// The console's texts are for a message box: several lines.
+std::string on_one_line(std::string text) {
+    std::ranges::replace(text, '\n', ' ');
+    return text;
+}
+
+void insist_on(const TransferResult& result, const Session& session) {
+    switch (result.outcome) {
+    case TransferResult::Outcome::done:
+        break;
+    case TransferResult::Outcome::file_failed:
+    case TransferResult::Outcome::stopped:
+        throw Failure(Status::file, on_one_line(result.trouble));
+    case TransferResult::Outcome::demo_mode:
+    case TransferResult::Outcome::no_answer:
+    case TransferResult::Outcome::cancelled:
+        throw Failure(Status::link,
+                      session.controller_name() + " does not answer. Check its power and cable and try again");
+    }
+    if (result.unanswered > 0) {
+        throw Failure(Status::link, std::to_string(result.unanswered) + " messages to " + session.controller_name() +
+                                        " had no answer. Check the line and do it again");
+    }
+}
+
+QJsonObject result_object(const Options& options, const TransferResult& result, const Session& session,
+                          double seconds) {
+    const link::SharedState& state = session.console.state;
+    return {{"file", json_text(options.file)},      {"lines", result.lines},
+            {"messages", result.messages},          {"seconds", seconds},
+            {"bytes_sent", state.tx_byte_count[1]}, {"bytes_received", state.rx_byte_count[1]}};
+}
+
+bool agreed_to_upload(const Options& options, const Session& session, std::size_t values) {
+    if (isatty(STDIN_FILENO) != 1) {
+        throw Failure(Status::usage, "an upload replaces values in the controller and nobody can be asked here. Give "
+                                     "--yes if you want it");
+    }
+    std::cerr << "Write " << values << " values of " << options.file << " into " << session.controller_name()
+              << "? [y/N] " << std::flush;
+    std::string answer;
+    std::getline(std::cin, answer);
+    return answer == "y" || answer == "Y" || answer == "yes";
+}
+
+CalibrationValues values_of_controller(const Options& options) {
+    Session session(options);
+    try {
+        session.open_link();
+        const ProgressLine progress(session);
+        std::string text;
+        const TransferResult result =
+            session.console.transfer.download_lines(controller_word, [&text](std::string_view line) {
+                text += line;
+                return true;
+            });
+        insist_on(result, session);
+        return values_of(text, controller_word);
+    } catch (const LinkFailed& failed) {
+        throw session.explain(failed);
+    }
+}
+
+} // namespace
+
+Status run_download(Session& session, const Options& options) {
+    session.open_link();
+    const double start = monotonic_seconds();
+    TransferResult result;
+    {
+        const ProgressLine progress(session);
+        result = session.console.transfer.download_to(options.file);
+    }
+    insist_on(result, session);
+    const double seconds = monotonic_seconds() - start;
+    if (options.json) {
+        std::cout << json_line(result_object(options, result, session, seconds));
+    } else {
+        std::cout << result.lines << " lines in " << options.file << "\n";
+    }
+    return Status::done;
+}
+
+Status run_upload(Session& session, const Options& options) {
+    // A line that fits no message is found before anything is sent, where it still does no harm.
+    const CalibrationValues values = values_of(text_of_file(options.file), options.file);
+    if (!options.yes && !agreed_to_upload(options, session, values.size())) {
+        std::cout << "Nothing was sent\n";
+        return Status::done;
+    }
+    session.open_link();
+    const double start = monotonic_seconds();
+    TransferResult result;
+    {
+        const ProgressLine progress(session);
+        result = session.console.transfer.upload_from(options.file);
+    }
+    insist_on(result, session);
+    const double seconds = monotonic_seconds() - start;
+    if (options.json) {
+        QJsonObject object = result_object(options, result, session, seconds);
+        QJsonArray unknown;
+        for (const UnknownKey& key : values.unknown) {
+            unknown.append(QJsonObject{{"line", key.line}, {"key", json_text(key.text)}});
+        }
+        object["unknown"] = unknown;
+        std::cout << json_line(object);
+    } else {
+        for (const UnknownKey& key : values.unknown) {
+            std::cout << "unknown  " << key.text << " in line " << key.line << ", not sent\n";
+        }
+        std::cout << result.messages << " values of " << options.file << " sent\n";
+    }
+    return Status::done;
+}
+
+Status run_diff(const Options& options) {
+    const bool controller_a = options.file == controller_word;
+    const bool controller_b = options.second == controller_word;
+    if (controller_a && controller_b) {
+        throw Failure(Status::usage, "both sides are the controller. Name a setup file for one of them");
+    }
+    // The file first: it may fail before any time is spent on the line.
+    const std::string& file = controller_a ? options.second : options.file;
+    const CalibrationValues first = values_of(text_of_file(file), file);
+    const CalibrationValues other = controller_a || controller_b
+                                        ? values_of_controller(options)
+                                        : values_of(text_of_file(options.second), options.second);
+    const CalibrationValues& a = controller_a ? other : first;
+    const CalibrationValues& b = controller_a ? first : other;
+    const Comparison comparison = compare(a, b);
+    std::cout << (options.json ? as_json(comparison, a, b) : as_text(comparison, a, b, options.file, options.second));
+    return comparison.same ? Status::done : Status::differs;
+}
+
+Status run_check(const Options& options) {
+    const CheckReport report = check(text_of_file(options.file));
+    std::cout << (options.json ? as_json(report) : as_text(report, options.file));
+    return report.findings.empty() ? Status::done : Status::differs;
+}
+
+} // namespace ecu::cli
