@@ -137,7 +137,7 @@ double EngineCalibration::gpo_duty(std::size_t channel, const OperatingPoint& at
     const double load = map_position(at.manifold_kpa);
     const double air = temperature_position(at.air);
     const auto table = [&](double x, double y) { return square(gpo_tables[channel], 9, x, y) / 256; };
-    switch (static_cast<GpoMode>(memory_.value(slot("GPOS") + channel) & 0xFU)) {
+    switch (static_cast<GpoMode>(memory_.value(slot("GPOS") + channel) & calibration::output_mode_mask)) {
     case GpoMode::off:
         return 0;
     case GpoMode::rpm_map:

@@ -1,5 +1,7 @@
 #include "controller/engine_model.h"
 
+#include "controller/wheel_capture.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -235,7 +237,7 @@ void EngineModel::ignite() {
 
 void EngineModel::count() {
     const double turns = state_.at.rpm / 60 * engine_step;
-    state_.teeth += turns * 35;
+    state_.teeth += turns * wheel_teeth;
     state_.cams += turns / 2;
     state_.can_frames += calibration_.sensor_on_can() ? 100 * engine_step : 0;
 }

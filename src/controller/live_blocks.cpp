@@ -1,5 +1,7 @@
 #include "controller/live_blocks.h"
 
+#include "controller/wheel_capture.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -98,7 +100,7 @@ Data trigger_block(const EngineState& state) {
     put_byte(data, 0U); // the first map is in use
     put_counter(data, state.teeth);
     put_counter(data, state.cams);
-    put_byte(data, static_cast<unsigned>(std::fmod(state.teeth, 35))); // tooth within the turn
+    put_byte(data, static_cast<unsigned>(std::fmod(state.teeth, wheel_teeth))); // tooth within the turn
     put_byte(data, static_cast<unsigned>(std::fmod(state.cams, 2)));
     put_counter(data, state.firmware_seconds);
     put_byte(data, 0U); // no trigger errors

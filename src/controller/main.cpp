@@ -62,6 +62,9 @@ int run(const controller::Options& options) {
         }
     };
     server.serve(end.get(), save_changes);
+    if (machine.unplugged()) {
+        std::cerr << "ecu-controller: the plug has been pulled, as asked for\n";
+    }
     save_changes();
     if (!options.link_path.empty()) {
         controller::remove_device_link(options.link_path, server.device());
