@@ -105,6 +105,7 @@ struct Frm3d {
         tps_rpm.set_tool_tip("This is the RPM at which the TPS PW and %TPS Mix mapping begins to opperate.");
         for (std::size_t i = 0; i < shading_colours.size(); ++i) {
             bk_color[i].set_back_colour(shading_colours[i]);
+            bk_color[i].set_fore_colour(shading_colours[i]); // the text says nothing
         }
         map_beg.place(0, axis_length, 0, 0);
         map_p_ptr.place(0, axis_length, 0, 0);
