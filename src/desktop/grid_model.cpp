@@ -20,7 +20,7 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
     case Qt::ForegroundRole:
         return back ? QVariant(QBrush(theme::text_on(theme::to_qt(*back)))) : QVariant();
     case Qt::TextAlignmentRole:
-        return QVariant(Qt::AlignCenter);
+        return QVariant(Qt::AlignRight | Qt::AlignVCenter);
     default:
         return {};
     }

@@ -37,7 +37,9 @@ public:
         QColor text = theme::text_on(fill);
         text.setAlpha(enabled ? 255 : 110);
         painter->setPen(text);
-        painter->drawText(option.rect, Qt::AlignCenter, index.data().toString());
+        const int inset = std::max(3, option.rect.width() / 7);
+        painter->drawText(option.rect.adjusted(0, 0, -inset, 0), Qt::AlignRight | Qt::AlignVCenter,
+                          index.data().toString());
         if (index == view_.currentIndex()) {
             painter->setPen(QPen(option.palette.color(QPalette::Highlight), 2));
             painter->drawRect(option.rect.adjusted(1, 1, -1, -1));
@@ -47,7 +49,7 @@ public:
     QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem&, const QModelIndex& index) const override {
         auto* editor = new QLineEdit(parent);
         editor->setFrame(false);
-        editor->setAlignment(Qt::AlignCenter);
+        editor->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         editor->setAccessibleName(view_.accessibleName());
         editor->setPalette(theme::edit_palette(QPalette(), platform::pending, platform::black));
         editor->setText(index.data().toString());
