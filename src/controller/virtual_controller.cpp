@@ -102,11 +102,4 @@ std::vector<std::uint8_t> VirtualController::take_output(double now) {
     return bytes;
 }
 
-void VirtualController::drop_line() {
-    pending_.clear();
-    output_.clear();
-    line_in_free_ = 0;
-    line_out_free_ = 0;
-}
-
 } // namespace ecu::controller

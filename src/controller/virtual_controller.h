@@ -32,8 +32,6 @@ public:
     std::optional<double> next_output() const;
     // Takes all that has reached the console by `now`.
     std::vector<std::uint8_t> take_output(double now);
-    // What was under way is lost, on either side.
-    void drop_line();
 
     bool unplugged() const { return faults_.unplugged(); }
     Faults& faults() { return faults_; }
