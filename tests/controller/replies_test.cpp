@@ -81,6 +81,14 @@ TEST(Replies, the_throttle_is_measured_where_it_stands) {
     EXPECT_EQ(console.send({212}).at(3), closed);
 }
 
+TEST(Replies, driver_tests_fire_the_channels_of_the_mask) {
+    ConsoleEnd console;
+    EXPECT_EQ(console.send({1, 0x05, 0, 0}), (Bytes{2, 7, 1, 5, 0, 15, 0}));
+    console.send({2, 0x80, 0, 0});
+    EXPECT_EQ(console.controller.firmware().fired_injectors(), 0x05);
+    EXPECT_EQ(console.controller.firmware().fired_coils(), 0x80);
+}
+
 TEST(Replies, a_capture_shows_the_missing_tooth_high_byte_first) {
     Settings settings;
     settings.firmware.driving = Driving::idle;
