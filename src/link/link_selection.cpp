@@ -16,7 +16,7 @@ namespace {
 
 constexpr const char* port_file = "port.cfg";
 
-// "port.cfg in /home/me/session": a file and its folder as the messages name them.
+// The file and its folder as the messages name them.
 std::string named(const platform::Ports& ports) {
     std::error_code ignored;
     const auto folder = std::filesystem::absolute(ports.folder, ignored).lexically_normal();
