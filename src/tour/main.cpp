@@ -65,6 +65,7 @@ private:
             return;
         }
         button.press();
+        desktop_.host().window_of(form).resize(1280, 800);
         wait(settle_seconds);
         ecu::platform::wait_until(desktop_.ports().waiting, desktop_.ports().clock, longest_read_seconds,
                                   [&] { return !desktop_.console().state.polling_paused; });
