@@ -1,0 +1,131 @@
+"""Whole calibrations between controllers and files."""
+import json
+import os
+import re
+import signal
+
+from programs import PATIENCE, Scenario
+
+
+class Transfers(Scenario):
+    def test_a_calibration_moved_to_an_empty_controller_differs_in_the_boost_gains_alone(self):
+        first, second = self.controller(), self.controller()
+        self.cli("download", "first.set", "--device", first)
+        text = self.read("first.set").decode()
+        self.assertEqual(text.count("\r\n"), 2126)
+        self.write("empty.set", re.sub(r"=( *)-?\d+\r\n", r"=\g<1>0\r\n", text))
+        self.cli("upload", "empty.set", "--yes", "--device", second)
+        out, _ = self.cli("--json", "diff", "empty.set", "controller", "--device", second)
+        self.assertTrue(json.loads(out)["same"])
+        self.cli("--device", second, "upload", "--yes", "first.set")
+        self.cli("download", "second.set", "--device", second)
+        out, _ = self.cli("--json", "diff", "first.set", "second.set", status=1)
+        found = json.loads(out)
+        self.assertEqual({value["key"] for value in found["changed"]}, {"BO_P"})
+        self.assertEqual({value["b"]["raw"] for value in found["changed"]}, {0})
+        self.assertEqual((found["missing"], found["unknown"]), ([], []))
+
+    def test_lost_and_corrupted_replies_leave_no_mark_in_the_file(self):
+        self.cli("download", "clean.set", "--device", self.controller())
+        self.cli("download", "noisy.set", "--device", self.controller("--faults", "lost=0.01,corrupted=0.01"))
+        self.assertEqual(self.read("clean.set"), self.read("noisy.set"))
+
+    def test_a_pulled_plug_leaves_the_older_file_and_says_so_in_one_line(self):
+        self.write("engine.set", "an older calibration")
+        device = self.controller("--faults", "unplug-after=700")
+        _, error = self.cli("download", "engine.set", "--device", device, status=3)
+        self.assertIn(device, error)
+        self.assertEqual([path.name for path in self.folder.iterdir()], ["engine.set"])
+        self.assertEqual(self.read("engine.set"), b"an older calibration")
+
+    def test_ctrl_c_in_a_download_leaves_no_part_of_a_file(self):
+        process = self.start("download", "engine.set", "--device", self.controller("--pace", "38400"))
+        self.wait_for((self.folder / "engine.set.new").exists, "the growing file")
+        process.send_signal(signal.SIGINT)
+        process.communicate(timeout=PATIENCE)
+        self.assertEqual(process.returncode, 130)
+        self.assertEqual(list(self.folder.iterdir()), [])
+
+    def test_an_upload_asks_first_and_takes_no_for_an_answer(self):
+        device = self.controller()
+        self.write("one.set", "MAPM[007]=12\r\n")
+        _, error = self.cli("upload", "one.set", "--device", device, status=2)
+        self.assertIn("--yes", error)
+        for answer, changed in ((b"n\n", 1), (b"y\n", 0)):
+            keyboard, terminal = os.openpty()
+            process = self.start("upload", "one.set", "--device", device, stdin=terminal)
+            os.write(keyboard, answer)
+            process.communicate(timeout=PATIENCE)
+            self.assertEqual(process.returncode, 0)
+            os.close(keyboard)
+            os.close(terminal)
+            out, _ = self.cli("--json", "diff", "one.set", "controller", "--device", device, status=1)
+            self.assertEqual(len(json.loads(out)["changed"]), changed)
+
+    def test_a_line_that_fits_no_message_is_named_before_anything_is_sent(self):
+        device = self.controller()
+        self.write("bad.set", "MAPM[007]=12\r\nMAPM[008]=256\r\n")
+        _, error = self.cli("upload", "bad.set", "--yes", "--device", device, status=4)
+        self.assertIn("bad.set:2: MAPM[008] = 256", error)
+        self.write("one.set", "MAPM[007]=12\r\n")
+        out, _ = self.cli("--json", "diff", "one.set", "controller", "--device", device, status=1)
+        self.assertEqual(len(json.loads(out)["changed"]), 1)
+
+
+class Live(Scenario):
+    def test_info_monitor_and_log_show_the_running_engine(self):
+        device = self.controller("--engine", "idle")
+        out, _ = self.cli("--json", "info", "--device", device)
+        self.assertEqual(json.loads(out)["firmware"], "V1.02.00")
+        out, _ = self.cli("monitor", "--json", "--count", "3", "--interval", "1", "--device", device)
+        samples = [json.loads(line) for line in out.splitlines()]
+        self.assertEqual(len(samples), 3)
+        self.assertGreater(samples[-1]["battery_volts"], 10)
+        self.cli("log", "run.csv", "--interval", "1", "--rows", "40", "--device", device)
+        lines = self.read("run.csv").split(b"\r\n")
+        self.assertEqual(len(lines), 4 + 40 + 1)
+        self.assertEqual({line.count(b",") for line in lines[4:-1]}, {36})
+
+    def test_a_killed_log_keeps_its_rows_whole(self):
+        process = self.start("log", "run.csv", "--interval", "1", "--device", self.controller())
+        log = self.folder / "run.csv"
+        self.wait_for(lambda: log.exists() and log.read_bytes().count(b"\r\n") > 20, "a log of 16 rows")
+        process.send_signal(signal.SIGKILL)
+        process.communicate(timeout=PATIENCE)
+        self.assertTrue(log.read_bytes().endswith(b"\r\n"))
+
+    def test_a_monitor_whose_reader_goes_away_ends(self):
+        process = self.start("monitor", "--interval", "1", "--device", self.controller())
+        process.stdout.readline()
+        process.stdout.close()
+        process.stderr.close()
+        process.wait(timeout=PATIENCE)
+
+
+class Failures(Scenario):
+    def test_every_kind_of_failure_has_its_status_and_one_line_that_says_what_to_do(self):
+        for arguments in ([], ["info"], ["info", "--port", "11"], ["upload"], ["monitor", "--interval", "x"],
+                          ["diff", "controller", "controller"], ["info", "--port", "1", "--remote", "127.0.0.1"]):
+            self.cli(*arguments, status=2)
+        _, error = self.cli("info", "--device", "/dev/no-such-device", status=3)
+        self.assertIn("/dev/no-such-device", error)
+        self.cli("info", "--device", self.controller("--faults", "silent"), status=3)
+        self.cli("check", "missing.set", status=4)
+        self.cli("diff", "missing.set", "missing.set", status=4)
+        _, error = self.cli("download", "gone/engine.set", "--device", self.controller(), status=4)
+        self.assertIn("gone/engine.set", error)
+        _, error = self.cli("log", "gone/run.csv", "--rows", "1", "--device", self.controller(), status=4)
+        self.assertIn("gone/run.csv", error)
+
+    def test_the_port_of_the_working_folder_is_used_when_none_is_named(self):
+        self.write("port.cfg", "3\r\n")
+        process = self.start("info", env={**os.environ, "ECU_PORT_3": self.controller()})
+        out, _ = process.communicate(timeout=PATIENCE)
+        self.assertEqual(process.returncode, 0)
+        self.assertIn("port 3", out)
+
+    def test_check_names_the_lines_it_finds(self):
+        self.write("odd.set", "SET_REV = 10000\r\nACC_RATE= 0\r\nSUPM[003]=5\r\n")
+        out, _ = self.cli("check", "odd.set", status=1)
+        self.assertIn("odd.set:2: ACC_RATE", out)
+        self.assertIn("odd.set:3: SUPM[003]", out)
