@@ -30,6 +30,15 @@ float single_by_text(float value) {
     return read;
 }
 
+// A tie is a tie of decimal numbers: 0.204 ms is exactly 127.5 ticks, whatever the binary product makes of it.
+// Fifteen digits hold every entry and shed the residue of the computation.
+std::int32_t round_as_decimal(double value) {
+    std::array<char, 40> text{};
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, 15).ptr;
+    std::from_chars(text.data(), end, value);
+    return round_to_even(value);
+}
+
 // The inverse of shown_value, not yet rounded.
 double unrounded_raw(const Conversion& conversion, double value, const Scales& scales) {
     switch (conversion.kind) {
@@ -71,7 +80,7 @@ EncodedEntry encode(const Entry& entry, const Conversion& scale, Width width, st
         out.notice = entry.replaced_notice;
         value = platform::leading_number(out.replaced);
     }
-    const std::int32_t raw = round_to_even(unrounded_raw(scale, value, scales));
+    const std::int32_t raw = round_as_decimal(unrounded_raw(scale, value, scales));
     const double tested = entry.refusal.of_entry ? value : raw;
     if (tested >= entry.refusal.from) {
         out.refusal = entry.refusal.from_text;

@@ -107,6 +107,13 @@ TEST(Entries, are_held_or_masked_to_what_the_message_carries) {
     }
 }
 
+TEST(Entries, on_a_decimal_tie_go_to_the_even_raw_number) {
+    const Scales scales;
+    EXPECT_EQ(raw_from_entry(parameter("ACC_MINP"), "0.204", scales).raw, 128); // 127.5 ticks
+    EXPECT_EQ(raw_from_entry(parameter("ACC_MINP"), "0.0024", scales).raw, 2);  // 1.5 ticks
+    EXPECT_EQ(raw_from_entry(parameter("ACC_MINP"), "0.0008", scales).raw, 0);  // 0.5 ticks
+}
+
 TEST(Entries, of_more_than_one_priming_pulse_are_questioned) {
     EXPECT_EQ(raw_from_entry(parameter("HOT_#P"), "1", {}).question, "");
     EXPECT_EQ(raw_from_entry(parameter("CLD_#P"), "2", {}).question,
