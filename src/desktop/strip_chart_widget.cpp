@@ -43,7 +43,6 @@ StripChartWidget::StripChartWidget(StripChart& chart)
     setMouseTracking(true);
     setNoAntialiasingOnDrag(false);
     setNotAntialiasedElements(QCP::aePlottables | QCP::aeGrid | QCP::aeAxes);
-    setPlottingHint(QCP::phFastPolylines, true);
 
     QSharedPointer<QCPAxisTickerDateTime> time_of_day(new QCPAxisTickerDateTime);
     time_of_day->setDateTimeSpec(Qt::UTC);
