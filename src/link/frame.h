@@ -1,6 +1,6 @@
 // The frames of the controller's line, built and checked with no line behind them. A request is always 8 bytes:
 // start 2, length 8, command, three arguments, checksum. A reply is start, total length, code, data, checksum.
-// The checksum of both is the sum of all bytes before it, low byte first.
+// The checksum of both is the sum of all bytes before it, low byte first. See docs/formats/wire.md.
 #pragma once
 
 #include <array>
