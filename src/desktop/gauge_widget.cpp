@@ -34,7 +34,7 @@ QFont sized(QFont font, double height, QFont::Weight weight) {
 } // namespace
 
 GaugeWidget::GaugeWidget(platform::Gauge& gauge) : gauge_(gauge) {
-    setMinimumSize(110, 110);
+    setMinimumSize(96, 96);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     frames_.setInterval(frame_ms);
     QObject::connect(&frames_, &QTimer::timeout, this, [this] { step(); });

@@ -10,7 +10,7 @@
 namespace ecu::desktop {
 
 LampWidget::LampWidget(platform::Shape& shape, platform::Colour dark) : shape_(shape), dark_(dark) {
-    setMinimumWidth(16);
+    setMinimumWidth(15);
     setFixedHeight(34);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }

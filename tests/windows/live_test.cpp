@@ -8,6 +8,7 @@
 #include <QCheckBox>
 #include <QDir>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QTemporaryDir>
 
 #include <cmath>
@@ -86,7 +87,14 @@ TEST(Dashboard, NeedlesSettleWithinAFifthOfASecondAndOnlyWhenSeen) {
     form.base_offset_deg.confirm("-8.25");
     form.control_ego_gain.set_text("1.047");
     QTest::qWait(200);
-    save_picture(*window, {1280, 800});
+    for (const QSize size : {QSize(853, 506), QSize(1280, 800)}) { // a small screen at a scale of 150 %
+        window->resize(size);
+        QTest::qWait(1);
+        const auto* scroll = window->findChild<QScrollArea*>();
+        EXPECT_LE(scroll->widget()->minimumSizeHint().width(), scroll->viewport()->width()) << size.width();
+        EXPECT_LE(scroll->widget()->minimumSizeHint().height(), scroll->viewport()->height()) << size.height();
+    }
+    save_picture(*window);
 }
 
 struct PlotterWindow {

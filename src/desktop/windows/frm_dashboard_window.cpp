@@ -8,8 +8,6 @@
 #include <QGridLayout>
 #include <QLabel>
 
-#include <algorithm>
-
 namespace ecu::desktop {
 
 namespace {
@@ -48,16 +46,17 @@ QWidget* mixture_bar(FormWindow& window, views::FrmDashboard& f) {
     auto* bar = new QWidget;
     auto* grid = new QGridLayout(bar);
     grid->setContentsMargins(0, 0, 0, 0);
-    grid->setHorizontalSpacing(2);
+    grid->setHorizontalSpacing(1);
     grid->setVerticalSpacing(2);
     for (platform::Shape& lamp : f.afr_led) {
         auto* widget = new LampWidget(lamp, views::lamp_dark);
         window.binding().bind_custom(
             lamp, widget, [widget](platform::Property) { widget->update(); }, QString("Lamp %1").arg(lamp.index()));
-        grid->addWidget(widget, 1, lamp.index());
-        grid->setColumnStretch(lamp.index(), 1);
-        grid->setColumnMinimumWidth(lamp.index(), 26);
+        grid->addWidget(widget, 1, lamp.index() + 1);
+        grid->setColumnStretch(lamp.index() + 1, 1);
     }
+    grid->setColumnMinimumWidth(0, 9); // the outermost labels are wider than their lamps
+    grid->setColumnMinimumWidth(views::lamp_count + 1, 9);
     const auto label = [&](platform::Label& control, const Caption& name) {
         auto* widget = static_cast<QLabel*>(window.make(control, name));
         widget->setAlignment(Qt::AlignCenter);
@@ -65,22 +64,17 @@ QWidget* mixture_bar(FormWindow& window, views::FrmDashboard& f) {
         return widget;
     };
     for (platform::Label& mark : f.lambda_label) {
-        const int lamp = mark.index() * 2;
         QLabel* widget = label(mark, "Mixture scale");
-        widget->setFont(theme::figure_font(11));
-        // Room from the lamps on both sides; the outermost have one neighbour only.
-        grid->addWidget(widget, 2, std::clamp(lamp - 1, 0, 15), 1, lamp == 0 || lamp == 16 ? 2 : 3);
-        if (lamp == 0 || lamp == 16) {
-            widget->setAlignment(lamp == 0 ? Qt::AlignLeft : Qt::AlignRight);
-        }
+        widget->setFont(theme::figure_font(9));
+        grid->addWidget(widget, 2, 2 * mark.index(), 1, 3); // with room from the columns on both sides of its lamp
     }
     QLabel* centre = label(f.lambda_val, "Mixture at the centre");
     centre->setFont(theme::figure_font(13));
-    grid->addWidget(centre, 0, 6, 1, 5);
-    grid->addWidget(new QLabel("Lean"), 0, 0, 1, 3);
+    grid->addWidget(centre, 0, 7, 1, 5);
+    grid->addWidget(new QLabel("Lean"), 0, 0, 1, 4);
     auto* rich = new QLabel("Rich");
     rich->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    grid->addWidget(rich, 0, 14, 1, 3);
+    grid->addWidget(rich, 0, 15, 1, 4);
     return bar;
 }
 
@@ -101,7 +95,7 @@ std::unique_ptr<FormWindow> make_frm_dashboard_window(views::FrmDashboard& f, Qt
     feedback.add(f.kill_timing);
     feedback.fill();
     QWidget* picture = window->make(f.Picture1, "Picture of the installation");
-    picture->setMinimumSize(160, 90);
+    picture->setMinimumSize(8, 40); // the first to give way on a small screen
     picture->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
     QWidget* controls = window->across({trims, feedback, mixture, picture}, {2, 2, 5, 2});
     controls->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
