@@ -4,8 +4,22 @@
 
 namespace ecu::desktop {
 
+namespace {
+
+constexpr std::int64_t ms_per_minute = 60'000;
+constexpr std::int64_t ms_per_day = 86'400'000;
+
+} // namespace
+
+// Asked for several times in every transaction, while the wire waits; the system looks at its time zone file at each
+// conversion to local time, which therefore is made once a minute.
 float QtClock::seconds_since_midnight() const {
-    return static_cast<float>(QTime::currentTime().msecsSinceStartOfDay()) / 1000.0F;
+    const std::int64_t now = QDateTime::currentMSecsSinceEpoch();
+    if (const std::int64_t minute = now / ms_per_minute; minute != minute_of_offset_) {
+        utc_offset_ms_ = QDateTime::currentDateTime().offsetFromUtc() * std::int64_t{1000};
+        minute_of_offset_ = minute;
+    }
+    return static_cast<float>((now + utc_offset_ms_) % ms_per_day) / 1000.0F;
 }
 
 std::string QtClock::date_text() const { return QDate::currentDate().toString("MM-dd-yyyy").toStdString(); }

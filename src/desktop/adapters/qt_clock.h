@@ -3,6 +3,8 @@
 
 #include "platform/clock.h"
 
+#include <cstdint>
+
 namespace ecu::desktop {
 
 class QtClock final : public platform::Clock {
@@ -10,6 +12,10 @@ public:
     float seconds_since_midnight() const override;
     std::string date_text() const override;
     std::string time_text() const override;
+
+private:
+    mutable std::int64_t minute_of_offset_ = -1; // since the epoch
+    mutable std::int64_t utc_offset_ms_ = 0;
 };
 
 } // namespace ecu::desktop
