@@ -66,7 +66,7 @@ TEST(SetupFileReader, TakesTheValueFromColumnElevenAndNoOther) {
     EXPECT_EQ(meaning("MAPM[007]=   1 2 cells"), meaning("MAPM[007]=12"));
     EXPECT_EQ(meaning("BO_P[002]= = 4096"), "218 2 0 0 >6"); // the second "=" is where the number should be
     EXPECT_EQ(meaning("BO_P[002]=  4096"), "218 2 0 16 >6");
-    EXPECT_EQ(meaning("ACC_RATE=31"), "102 1 0 0 >5"); // no "=" is searched for
+    EXPECT_EQ(meaning("ACC_RATE=31"), "102 1 0 0 >5");   // no "=" is searched for
     EXPECT_EQ(meaning("MAPM[007]=2.5"), "101 7 1 2 >6"); // ties to even
     EXPECT_EQ(meaning("MAPM[007]=3.5"), "101 7 1 4 >6");
     EXPECT_EQ(meaning("MAPM[ 7x]=12"), "101 7 1 12 >6");
