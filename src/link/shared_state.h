@@ -61,6 +61,7 @@ struct SharedState {
     bool master_mode = false;
 
     void request_view(ViewRequest request) { pending_view_request[static_cast<std::size_t>(request)] = true; }
+    void drop_view_requests() { pending_view_request.fill(false); }
 };
 
 } // namespace ecu::link

@@ -32,10 +32,8 @@ MainConsole::MainConsole(const Use& use) : use_(use) {
     FrmEcu& form = use_.form;
     form.form.on_activate = [this] { activate(); };
     form.form.on_unload = [this] { use_.ports.program.end(0); };
-    form.menu_file_exit.clicked = [this] { ask_to_quit(); };
-    form.Command3d5.clicked = [this] { ask_to_quit(); };
-    form.menu_about.clicked = [this] { use_.about.open(); };
-    form.Command3d6.clicked = [this] { use_.about.open(); };
+    form.menu_file_exit.clicked = form.Command3d5.clicked = instead_of_a_view([this] { ask_to_quit(); });
+    form.menu_about.clicked = form.Command3d6.clicked = instead_of_a_view([this] { use_.about.open(); });
     wire_views();
     wire_ports();
     wire_tools();
@@ -59,20 +57,22 @@ void MainConsole::wire_ports() {
 
 void MainConsole::wire_tools() {
     FrmEcu& form = use_.form;
-    form.menu_tool_reset.clicked = [this] { reset_controller(); };
-    form.menu_tool_reflash.clicked = [this] { prepare_to_reflash(); };
-    form.menufileopen.clicked = [this] { on_upload(); };
-    form.menufilesave.clicked = [this] { on_download(); };
-    form.menu_remote_setup_start_server.clicked = [this] { on_start_server(); };
-    form.menu_remote_setup_start_client.clicked = [this] { on_start_client(); };
-    form.menu_remote_setup_halt_client.clicked = [this] { on_halt_client(); };
-    // The controller's answer may enable this item in a version that has no utility.
-    form.menu_tool_flash_utility.clicked = [this] {
-        if (on_flash_utility) {
-            on_flash_utility();
-        }
-    };
+    form.menu_tool_reset.clicked = instead_of_a_view([this] { reset_controller(); });
+    form.menu_tool_reflash.clicked = instead_of_a_view([this] { prepare_to_reflash(); });
+    form.menufileopen.clicked = instead_of_a_view([this] { on_upload(); });
+    form.menufilesave.clicked = instead_of_a_view([this] { on_download(); });
+    form.menu_remote_setup_start_server.clicked = instead_of_a_view([this] { on_start_server(); });
+    form.menu_remote_setup_start_client.clicked = instead_of_a_view([this] { on_start_client(); });
+    form.menu_remote_setup_halt_client.clicked = instead_of_a_view([this] { on_halt_client(); });
+    form.menu_tool_flash_utility.clicked = instead_of_a_view([this] { on_flash_utility(); });
     offer_what_exists();
+}
+
+std::function<void()> MainConsole::instead_of_a_view(std::function<void()> action) {
+    return [this, action = std::move(action)] {
+        use_.state.drop_view_requests();
+        action();
+    };
 }
 
 void MainConsole::offer_what_exists() {

@@ -41,6 +41,8 @@ private:
     void wire_views();
     void wire_ports();
     void wire_tools();
+    // Whatever else the user turns to takes the place of a view that still waits to be opened.
+    std::function<void()> instead_of_a_view(std::function<void()> action);
     void activate();
     void name_ports();
     void choose_port(std::size_t index);

@@ -47,9 +47,10 @@ bool Navigation::available(View view) const { return views_.at(index_of(view)) !
 
 void Navigation::open(View view) {
     platform::Form* form = views_.at(index_of(view));
-    if (form == nullptr || opening_) {
+    if (form == nullptr || opening_ || state_.current_view != View::none) {
         return;
     }
+    state_.drop_view_requests();
     if (comm_.busy()) {
         state_.request_view(request_of(view));
         return;
@@ -68,6 +69,9 @@ void Navigation::open(View view) {
         if (needs_scales(view)) {
             comm_.send_ecu_message({'C'}, 21);
         }
+        if (!state_.comm_ready) { // the link was given up inside the retries
+            return;
+        }
         state_.current_view = view;
         state_.last_activity_time = ports_.now();
         state_.polling_paused = false;
@@ -84,6 +88,7 @@ void Navigation::open(View view) {
 void Navigation::wire_menu(platform::MenuItem& item, ViewRequest request, platform::Form& own) {
     offer(item, available(view_of(request)));
     item.clicked = [this, request, &own] {
+        state_.drop_view_requests();
         state_.request_view(request);
         own.unload();
     };

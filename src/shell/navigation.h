@@ -1,6 +1,8 @@
 // Opening and leaving views. One view form at a time is in front; its number is current_view, by which the scheduler
 // polls. A view's own menu never opens another view: it sets that view's pending request and closes its form, and the
-// next free tick opens the target, so that no transaction of the closing form is under way.
+// next free tick after that opens the target, so that no transaction of the closing form is under way.
+// The user's last choice holds: it takes the place of one that still waits, so that nothing is left over to pop up when
+// the chosen view closes.
 #pragma once
 
 #include "link/ecu_comm.h"
@@ -30,10 +32,12 @@ public:
     bool available(link::View view) const;
     // What the menu item of the main form does: opens the link, reads C where the view's scales need it, sets
     // current_view, shows the form, hides the main form, and lets the form's activation run. Inside a transaction it
-    // leaves a request instead; it does nothing inside another opening, or when the user left the link unopened.
+    // leaves a request instead. It does nothing while a view is up, inside another opening, or when the link is not
+    // open in the end.
     void open(link::View view);
     // Makes a menu item of view `own` lead to another view: sets its pending request and unloads `own`. Disables the
-    // item, with a tool tip saying so, when that view does not exist (called after all add_view calls).
+    // item, with a tool tip saying so, when that view does not exist (called after all add_view calls). The target
+    // waits for view_closed, however long the unloading takes.
     void wire_menu(platform::MenuItem& item, link::ViewRequest request, platform::Form& own);
     // What every view's unloading ends with: current_view becomes none, the form hides, the main form shows.
     void view_closed(platform::Form& own);

@@ -127,11 +127,12 @@ void Polling::first_tick() {
     use_.data.rpm_filter_state = 0;
 }
 
+// A view that sets a request may take its time to close, by a message box above all.
 bool Polling::open_requested_view() {
     auto& requests = use_.state.pending_view_request;
     for (std::size_t i = 0; i < requests.size(); ++i) {
         use_.ports.waiting.process_events();
-        if (requests[i]) {
+        if (requests[i] && use_.state.current_view == View::none) {
             requests[i] = false;
             use_.navigation.open(view_of(static_cast<link::ViewRequest>(i)));
             return true;

@@ -45,18 +45,21 @@ TEST_F(MainConsoleTest, WhatLeadsNowhereIsDisabledAndSaysSo) {
     EXPECT_EQ(uploads, 1);
 }
 
-TEST_F(MainConsoleTest, RequestsAreServedOneATickInTheirFixedOrder) {
+TEST_F(MainConsoleTest, RequestsWaitForTheViewToCloseAndTheFirstInTheirOrderIsServed) {
     start_in_monitor();
-    forms.frm_mon.menu_plot.click();
+    forms.frm_mon.form.on_unload = [this] {
+        desktop.run_for(0.2); // as a message box does
+        EXPECT_FALSE(forms.frm_dashboard.form.visible());
+        state.request_view(ViewRequest::plotter);
+        navigation.view_closed(forms.frm_mon.form);
+    };
     forms.frm_mon.menu_dash.click();
     EXPECT_TRUE(main.form.visible());
     desktop.run_for(0.06);
     EXPECT_EQ(state.current_view, View::dashboard);
-    EXPECT_FALSE(forms.frm_plotter.form.visible());
     forms.frm_dashboard.form.unload();
     desktop.run_for(0.1);
-    EXPECT_EQ(state.current_view, View::plotter);
-    EXPECT_THAT(state.pending_view_request, testing::Each(false));
+    EXPECT_EQ(state.current_view, View::none) << "nothing pops up behind it";
 }
 
 TEST_F(MainConsoleTest, AViewAskedForInsideATransactionOpensAfterIt) {
@@ -64,13 +67,18 @@ TEST_F(MainConsoleTest, AViewAskedForInsideATransactionOpensAfterIt) {
     controller.silence();
     desktop.schedule(desktop.now() + 120'000, [&] {
         ASSERT_TRUE(comm.busy());
-        forms.frm_mon.Command3d1.press();
+        forms.frm_mon.menu_dash.click();
         main.menu_View_Mapping.click();
         EXPECT_EQ(state.current_view, View::none);
         controller.speak();
     });
     desktop.run_for(0.5);
-    EXPECT_EQ(state.current_view, View::basic_mapping);
+    EXPECT_EQ(state.current_view, View::basic_mapping) << "the last choice";
+    main.Command3d4.press();
+    EXPECT_EQ(state.current_view, View::basic_mapping) << "one view at a time";
+    forms.frm_3d.form.unload();
+    desktop.run_for(0.1);
+    EXPECT_TRUE(main.form.visible());
 }
 
 TEST_F(MainConsoleTest, QuittingAsksFirst) {
@@ -109,6 +117,13 @@ TEST_F(MainConsoleTest, ResetAndPreparationToReflash) {
         EXPECT_EQ(state.link_title_suffix, "");
     }
     EXPECT_THAT(controller.messages(), ElementsAre(Bytes{174, 90, 0, 0}));
+    controller.silence(); // the map's opening asks for C in vain when the user thinks again
+    desktop.answer_box("Do you really want", platform::Answer::cancel);
+    press_in_dialog(0);
+    desktop.schedule(desktop.now() + 120'000, [&] { main.menu_tool_reflash.click(); });
+    main.menu_View_Mapping.click();
+    EXPECT_EQ(state.current_view, View::none);
+    EXPECT_TRUE(main.form.visible());
 }
 
 TEST_F(MainConsoleTest, AboutAsksTheControllerAndReportsTheLastFailure) {
