@@ -39,9 +39,9 @@ Qt::ItemFlags GridModel::flags(const QModelIndex& index) const {
 }
 
 void GridModel::announce_change() {
-    const int row = grid_.changed_row();
-    const QModelIndex first = row == 0 ? index(0, 0) : index(row - 1, grid_.changed_column() - 1);
-    const QModelIndex last = row == 0 ? index(grid_.rows() - 1, grid_.columns() - 1) : first;
+    const platform::Grid::Area& area = grid_.changed_area();
+    const QModelIndex first = index(area.first_row - 1, area.first_column - 1);
+    const QModelIndex last = index(area.last_row - 1, area.last_column - 1);
     emit dataChanged(first, last, {Qt::DisplayRole, Qt::BackgroundRole});
 }
 

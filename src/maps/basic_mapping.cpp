@@ -3,6 +3,7 @@
 #include "platform/display_mask.h"
 
 #include <cmath>
+#include <utility>
 
 namespace ecu::maps {
 
@@ -18,6 +19,7 @@ namespace {
 
 constexpr float short_wait = 0.1F; // seconds, around every sequence of messages
 constexpr int column_width = 38;
+constexpr int paint_interval = 60; // ms, of a map that is being read
 
 // What the four maps differ in, by map_view_index.
 struct MapRow {
@@ -58,7 +60,7 @@ BasicMapping::BasicMapping(const platform::Ports& ports, link::SharedState& stat
                            BlockSelection& selection, SurfaceWindow& surface_window, MapCellColours& map_cell_colours)
     : ports_(ports), state_(state), scales_(scales), live_(live), form_(frm_3d), TPS_mapped_(TPS_mapped),
       navigation_(navigation), surface_window_(surface_window), map_cell_colours_(map_cell_colours),
-      link_(ports, state, comm) {
+      link_(ports, state, comm), paint_timer_(ports.timers.make_timer(paint_interval)) {
     form_.form.on_activate = [this] { open(); };
     form_.form.on_unload = [this] { unloading(); };
     form_.Command3d1.clicked = [this] { close(); };
@@ -71,6 +73,13 @@ BasicMapping::BasicMapping(const platform::Ports& ports, link::SharedState& stat
     };
     form_.menuresetmap_Ign.clicked = [this] {
         reset_map(1, "this function will overwrite the Ignition table, continue?");
+    };
+    paint_timer_->on_tick = [this] {
+        if (filling_ != nullptr) {
+            filling_->end_batch();
+            filling_->begin_batch();
+            form_.map_status.set_text(progress_);
+        }
     };
     wire_boxes();
     for (std::size_t n = 0; n < map_rows.size(); ++n) {
@@ -186,18 +195,31 @@ void BasicMapping::prepare_window() {
 bool BasicMapping::read_maps(int opening) {
     for (std::size_t n = 0; n < map_rows.size(); ++n) {
         form_.show_map_type[n].set_checked(true);
-        const bool complete = link_.read_blocks(
-            calibration::read_32, map_rows[n].table->base, blocks_of_map,
-            [&](int block) {
-                form_.map_status.set_text("Reading " + std::string(map_rows[n].name) + ", block " +
-                                          std::to_string(block + 1) + " of " + std::to_string(blocks_of_map));
-            },
-            [&] { return exit_requested_ || opening != opening_; });
-        if (!complete) {
+        if (!read_map(n, opening)) {
             return false;
         }
     }
     return true;
+}
+
+// The ticks come while a reply is awaited, so that painting the cells takes no time from the line.
+bool BasicMapping::read_map(std::size_t map, int opening) {
+    const Repaint repaint(*form_.grids[map]);
+    platform::Grid* const below = std::exchange(filling_, form_.grids[map]);
+    paint_timer_->set_running(true);
+    const std::string title = "Reading " + std::string(map_rows[map].name) + ", block ";
+    const bool complete = link_.read_blocks(
+        calibration::read_32, map_rows[map].table->base, blocks_of_map,
+        [&](int block) {
+            progress_ = title + std::to_string(block + 1) + " of " + std::to_string(blocks_of_map);
+            if (block == 0) {
+                form_.map_status.set_text(progress_);
+            }
+        },
+        [&] { return exit_requested_ || opening != opening_; });
+    filling_ = below;
+    paint_timer_->set_running(below != nullptr);
+    return complete;
 }
 
 void BasicMapping::close() {

@@ -11,6 +11,8 @@
 #include "messages/live_data.h"
 #include "shell/navigation.h"
 
+#include <memory>
+
 namespace ecu::maps {
 
 class BasicMapping {
@@ -41,6 +43,7 @@ private:
     void open();
     void prepare_window();
     bool read_maps(int opening);
+    bool read_map(std::size_t map, int opening);
     void close();
     void unloading();
     void shade(std::size_t map, float low, float high);
@@ -74,6 +77,9 @@ private:
     // Any number of cell changes costs one drawing and one count, with the next events.
     bool redraw_posted_ = false;
     bool count_posted_ = false;
+    platform::Grid* filling_ = nullptr; // the grid that a read fills; it and the progress are shown at each tick
+    std::string progress_;
+    std::unique_ptr<platform::Timer> paint_timer_;
     int opening_ = 0; // tells a read that the window was closed and opened again under it
 };
 

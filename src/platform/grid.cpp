@@ -1,5 +1,6 @@
 #include "platform/grid.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace ecu::platform {
@@ -27,6 +28,12 @@ Grid::Cell& Grid::cell(int row, int column) {
 }
 
 void Grid::announce_cell(int row, int column) {
+    if (batch_ == 0 || !dirty_) {
+        changed_area_ = {row, column, row, column};
+    } else {
+        changed_area_ = {std::min(changed_area_.first_row, row), std::min(changed_area_.first_column, column),
+                         std::max(changed_area_.last_row, row), std::max(changed_area_.last_column, column)};
+    }
     if (batch_ > 0) {
         dirty_ = true;
         return;
@@ -81,7 +88,8 @@ void Grid::set_active_cell(int row, int column) {
 void Grid::end_batch() {
     if (--batch_ == 0 && dirty_) {
         dirty_ = false;
-        announce_cell(0, 0);
+        changed_row_ = changed_column_ = 0;
+        announce(Property::content);
     }
 }
 

@@ -47,6 +47,11 @@ public:
     // Where the last announced change was; row 0 means anywhere.
     int changed_row() const { return changed_row_; }
     int changed_column() const { return changed_column_; }
+    // The cells that it touched: one, or all between the outermost of a batch.
+    struct Area {
+        int first_row, first_column, last_row, last_column;
+    };
+    const Area& changed_area() const { return changed_area_; }
 
     std::function<void(int row, int column)> cell_changed;
     std::function<void(KeyPress&)> key_press; // a character typed; code is the character
@@ -73,6 +78,7 @@ private:
     int mouse_column_ = -1;
     int changed_row_ = 0;
     int changed_column_ = 0;
+    Area changed_area_{1, 1, rows_, columns_};
     int batch_ = 0;
     bool dirty_ = false;
 };

@@ -22,12 +22,16 @@ TEST_F(BasicMapping, OpeningReadAsksForBoxesThenFourMapsInBlocksOf32AndShowsWhat
     words['m'] = {0xE7, 0x18}; // 6375
     words['z'] = {0xFF, 0x03}; // full scale
     std::string progress;
+    controller.set_reply_delay(0.07); // longer than the label stands still
     on_request = [&](const Request& request) {
-        if (request[2] == 'l' && request[4] == 6 && request[3] == 0x40) {
+        if (request[2] == 'l' && request[4] == 6 && request[3] == 0x60) {
             progress = frm_3d.map_status.text() + (frm_3d.ign_map.visible() ? " shown" : "");
         }
     };
-    const auto messages = sent_by([this] { console.navigation.open(link::View::basic_mapping); });
+    const auto messages = sent_by([this] {
+        console.navigation.open(link::View::basic_mapping);
+        desktop.run_for(3);
+    });
     ASSERT_EQ(messages.size(), 3U + 32U);
     EXPECT_EQ(messages[1], (Bytes{'B', '0', '0', '0'}));
     EXPECT_EQ(messages[2], (Bytes{'Z', '0', '0', '0'}));

@@ -310,7 +310,10 @@ std::unique_ptr<FormWindow> make_frm_3d_window(maps::Frm3d& f, QtHost& host) {
     window->set_body(window->across({window->down({plot, legend(*window, f)}, {1, 0}), side}, {1, 0}));
     window->set_footer(window->buttons({&f.show_this_graph, &f.Command3d2, &f.Command3d1}));
     window->demo_badge(f.show_demo_mode);
-    window->status(f.map_status);
+    // Of fixed size, so that the progress of a read does not lay the window out again with each block.
+    QWidget* status = window->status(f.map_status);
+    status->setFixedSize(status->fontMetrics().horizontalAdvance("Reading TPS fuel map, block 8 of 8  "),
+                         status->fontMetrics().height() + 4);
     window->statusBar()->addPermanentWidget(
         muted("Ctrl+1\u20134 map   F6 to and from it   Shift+\u2191\u2193 step   Ctrl+S, Ctrl+F block"));
     window->keep_hidden(f.Picture1); // nothing is drawn in it
