@@ -138,10 +138,6 @@ void wire_grid(Grid& grid, const GridKeys& keys, BlockSelection& selection, std:
     };
 }
 
-void pend_on_change(TextBox& box) {
-    box.changed = [&box] { box.set_back_colour(platform::pending); };
-}
-
 void colour_by_focus(TextBox& box) {
     box.got_focus = [&box] { box.set_fore_colour(platform::light_red); };
     box.lost_focus = [&box] { box.set_fore_colour(platform::black); };

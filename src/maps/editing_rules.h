@@ -91,7 +91,6 @@ struct GridKeys {
 // Keys, block selection by keyboard and mouse, and Enter; the cell change is the window's own.
 void wire_grid(platform::Grid& grid, const GridKeys& keys, BlockSelection& selection, std::function<void()> update);
 
-void pend_on_change(platform::TextBox& box);
 void colour_by_focus(platform::TextBox& box); // light red while it has the focus
 // Shift+Up and Shift+Down; true when the key was one of them.
 bool step_box(platform::TextBox& box, const KeyStep& step, platform::KeyPress& key);
