@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QPixmap>
 #include <QTemporaryDir>
 
 #include <sys/resource.h>
@@ -60,7 +61,9 @@ int main(int argc, char** argv) {
     QTemporaryDir folder;
     QDir::setCurrent(folder.path());
     std::ofstream("port.cfg") << "1\n";
-    std::ofstream("OEM.JPG") << "\xFF\xD8\xFF";
+    QPixmap picture(8, 8);
+    picture.fill(Qt::black);
+    picture.save("OEM.JPG");
     std::ofstream("OEM.TXT") << "bench\n";
     ecu::desktop::theme::apply(application);
     ecu::desktop::DesktopConsole desktop;

@@ -2,12 +2,11 @@
 
 #include "link/frm_dialog.h"
 #include "platform/display_mask.h"
-#include "platform/leading_number.h"
 #include "platform/replace_file.h"
 #include "platform/rounding.h"
+#include "platform/small_file.h"
 
 #include <algorithm>
-#include <fstream>
 #include <limits>
 
 namespace ecu::link {
@@ -15,21 +14,6 @@ namespace ecu::link {
 namespace {
 
 constexpr const char* port_file = "port.cfg";
-
-// The file and its folder as the messages name them.
-std::string named(const platform::Ports& ports) {
-    std::error_code ignored;
-    const auto folder = std::filesystem::absolute(ports.folder, ignored).lexically_normal();
-    return std::string(port_file) + " in the folder " + folder.string();
-}
-
-// The first number of the file is all it holds; any longer text is not looked at.
-std::string start_of(std::ifstream& file) {
-    std::string text(64, '\0');
-    file.read(text.data(), static_cast<std::streamsize>(text.size()));
-    text.resize(static_cast<std::size_t>(file.gcount()));
-    return text;
-}
 
 } // namespace
 
@@ -98,12 +82,10 @@ std::array<std::string, 16> LinkSelection::list_serial_ports() {
 }
 
 bool LinkSelection::read_port_file() {
-    const std::filesystem::path path = ports_.folder / port_file;
-    std::ifstream file(path, std::ios::binary);
-    std::error_code ignored;
-    if (!file || !std::filesystem::is_regular_file(path, ignored)) {
+    const std::optional<std::string> content = platform::read_small_file(ports_.folder / port_file);
+    if (!content) {
         ports_.dialogs.message_box(
-            {.text = "There is no readable file " + named(ports_) +
+            {.text = "There is no readable file " + platform::named_in_folder(ports_, port_file) +
                      ".\nIt holds the number of the serial port. Put a file of this name with the number, 1 to 10, "
                      "as its only line there and start again.",
              .icon = platform::Icon::critical});
@@ -111,7 +93,7 @@ bool LinkSelection::read_port_file() {
     }
     using Limits = std::numeric_limits<std::int16_t>;
     state_.comm_port_number = static_cast<std::int16_t>(std::clamp<std::int32_t>(
-        platform::round_to_even(platform::leading_number(start_of(file))), Limits::min(), Limits::max()));
+        platform::round_to_even(platform::number_of_file(*content)), Limits::min(), Limits::max()));
     return true;
 }
 
@@ -119,7 +101,7 @@ void LinkSelection::choose_port(int number) {
     const std::string reason = platform::replace_file(ports_.folder / port_file, std::to_string(number) + "\n");
     if (!reason.empty()) {
         ports_.dialogs.message_box(
-            {.text = "The port number could not be written to " + named(ports_) +
+            {.text = "The port number could not be written to " + platform::named_in_folder(ports_, port_file) +
                      ".\nThe next start uses the number that the file holds now. Make the folder writable and choose "
                      "the port again.",
              .icon = platform::Icon::warning,

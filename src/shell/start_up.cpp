@@ -1,7 +1,9 @@
 #include "shell/start_up.h"
 
 #include "platform/picture.h"
-#include "shell/start_up_file.h"
+#include "platform/small_file.h"
+#include "platform/text_encoding.h"
+#include "shell/jpeg.h"
 
 #include <algorithm>
 #include <cctype>
@@ -20,11 +22,11 @@ bool says_demo(std::string_view command_line) {
 }
 
 std::string required_file(const StartUp& console, const char* name, const std::string& purpose) {
-    std::optional<std::string> content = read_start_up_file(console.ports.folder / name);
+    std::optional<std::string> content = platform::read_small_file(console.ports.folder / name);
     if (!content) {
         console.ports.dialogs.message_box(
-            {.text = "There is no readable file " + named_in_folder(console.ports, name) + ".\nIt holds " + purpose +
-                     ". Copy the file of this name from the installation there and start again.",
+            {.text = "There is no readable file " + platform::named_in_folder(console.ports, name) + ".\nIt holds " +
+                     purpose + ". Copy the file of this name from the installation there and start again.",
              .icon = platform::Icon::critical});
         console.ports.program.end(1);
     }
@@ -46,12 +48,12 @@ void set_title(const StartUp& console) {
 }
 
 void show_picture(const StartUp& console) {
-    if (!looks_like_jpeg(required_file(console, picture_file, "the picture of the installation"))) {
-        console.ports.dialogs.message_box(
-            {.text = named_in_folder(console.ports, picture_file) +
-                     " is not a JPEG picture.\nThe console goes on without it. Replace the file by a picture in that "
-                     "format, or copy the one of the installation there.",
-             .icon = platform::Icon::warning});
+    if (!is_whole_jpeg(required_file(console, picture_file, "the picture of the installation"))) {
+        console.ports.dialogs.message_box({.text = platform::named_in_folder(console.ports, picture_file) +
+                                                   " is not a JPEG picture, or only a part of one.\nThe console goes "
+                                                   "on without it. Replace the file by a whole picture in that "
+                                                   "format, or copy the one of the installation there.",
+                                           .icon = platform::Icon::warning});
         return;
     }
     const std::string path = (console.ports.folder / picture_file).string();
@@ -79,7 +81,8 @@ void start_up(const StartUp& console, std::string_view command_line) {
     check_port_item(console);
     set_title(console);
     show_picture(console);
-    console.about_form.oemtext.set_text(as_utf8(required_file(console, text_file, "the text of the About window")));
+    console.about_form.oemtext.set_text(
+        platform::as_utf8(required_file(console, text_file, "the text of the About window")));
     console.scales.map_span = 115;
     console.scales.map_base = 10;
     if (console.label_axes) {

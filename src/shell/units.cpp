@@ -1,9 +1,8 @@
 #include "shell/units.h"
 
-#include "platform/leading_number.h"
 #include "platform/replace_file.h"
 #include "platform/rounding.h"
-#include "shell/start_up_file.h"
+#include "platform/small_file.h"
 
 namespace ecu::shell {
 
@@ -37,11 +36,19 @@ void Units::start() {
     scales_.lambda_scale = 1.0F;
     check_only(form_.menuUnitsLambda, form_.menuUnitsLambda.size());
     scales_.shows_lambda = false;
-    const std::optional<std::string> text = read_start_up_file(ports_.folder / units_file);
-    if (!text) {
+    const std::filesystem::path path = ports_.folder / units_file;
+    const std::optional<std::string> content = platform::read_small_file(path);
+    std::error_code ignored;
+    if (!content && std::filesystem::exists(path, ignored)) {
+        ports_.dialogs.message_box({.text = platform::named_in_folder(ports_, units_file) +
+                                            " cannot be read.\nThe air/fuel figure is shown as lambda. Make the file "
+                                            "readable and start again, or choose the unit in the menu, which writes "
+                                            "the file anew.",
+                                    .icon = platform::Icon::warning});
+    } else if (!content) {
         write_file(0);
     }
-    const auto index = platform::round_to_even(platform::leading_number(text.value_or("0")));
+    const auto index = platform::round_to_even(platform::number_of_file(content.value_or("")));
     if (index >= 0 && index < static_cast<int>(lambda_scales.size())) {
         choose_lambda(static_cast<std::size_t>(index));
     }
@@ -62,7 +69,7 @@ void Units::write_file(std::size_t index) {
     const std::string reason = platform::replace_file(ports_.folder / units_file, std::to_string(index) + "\n");
     if (!reason.empty()) {
         ports_.dialogs.message_box({.text = "The choice of units could not be written to " +
-                                            named_in_folder(ports_, units_file) +
+                                            platform::named_in_folder(ports_, units_file) +
                                             ".\nIt holds until the program ends. Make the folder writable and choose "
                                             "the unit again.",
                                     .icon = platform::Icon::warning,

@@ -13,8 +13,8 @@ class Units {
 public:
     Units(const platform::Ports& ports, calibration::Scales& scales, FrmEcu& form);
 
-    // Takes over lambda.txt, which is made where there is none. An index outside the menu leaves the factor 1 and no
-    // item checked.
+    // Takes over lambda.txt, which is made where there is none; one that cannot be read is told and left. An index
+    // outside the menu leaves the factor 1 and no item checked.
     void start();
     // From now on a choice is kept in the file.
     void keep_choices() { keeps_choices_ = true; }

@@ -2,6 +2,7 @@
 // what a pulled plug does.
 #include "console/console.h"
 #include "support/sim_desktop.h"
+#include "support/tiny_jpeg.h"
 #include "support/wired_controller.h"
 
 #include <gmock/gmock.h>
@@ -16,7 +17,7 @@ class ConsoleTest : public testing::Test {
 protected:
     ConsoleTest() {
         desktop.write_file("port.cfg", "3\r\n");
-        desktop.write_file("OEM.JPG", "\xFF\xD8\xFF\xE0 picture");
+        desktop.write_file("OEM.JPG", test::tiny_jpeg);
         desktop.write_file("OEM.TXT", "text of the installer");
         console.forms.registry.set_host(&desktop);
         wired.controller.on_request = [this](const link::Request& request) {

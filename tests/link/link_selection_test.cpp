@@ -55,8 +55,12 @@ TEST(OpenLink, NoPortOffersDemoModeOrTheListAndTheEnd) {
 
 TEST(PortFile, IsReadByItsLeadingNumberAndMissedWithFileFolderAndRemedy) {
     LinkBench bench;
-    for (const auto& [text, number] : std::vector<std::pair<std::string, int>>{
-             {" 7 \r\n", 7}, {"11\n", 11}, {"", 0}, {"COM3\n", 0}, {std::string(5000, '9'), 32767}}) {
+    for (const auto& [text, number] : std::vector<std::pair<std::string, int>>{{" 7 \r\n", 7},
+                                                                               {"11\n", 11},
+                                                                               {"", 0},
+                                                                               {"COM3\n", 0},
+                                                                               {"\xEF\xBB\xBF\r\n\n4", 4},
+                                                                               {std::string(5000, '9'), 32767}}) {
         bench.desktop.write_file("port.cfg", text);
         EXPECT_TRUE(bench.selection.read_port_file());
         EXPECT_EQ(bench.state.comm_port_number, number) << text;

@@ -9,6 +9,7 @@
 #include "shell/polling.h"
 #include "shell/start_up.h"
 #include "support/sim_desktop.h"
+#include "support/tiny_jpeg.h"
 #include "views/monitor.h"
 
 #include <gmock/gmock.h>
@@ -30,7 +31,7 @@ protected:
             controller.reply_to(code, reply_frame({code}, count));
         }
         desktop.write_file("port.cfg", "3\r\n");
-        desktop.write_file("OEM.JPG", "\xFF\xD8\xFF\xE0picture");
+        desktop.write_file("OEM.JPG", tiny_jpeg);
         desktop.write_file("OEM.TXT", "Made for racing.\r\nCall us.");
     }
 

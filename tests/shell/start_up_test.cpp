@@ -3,6 +3,7 @@
 namespace ecu::test {
 namespace {
 
+using namespace std::string_literals;
 using testing::HasSubstr;
 
 class StartUpTest : public ConsoleRig {
@@ -22,7 +23,7 @@ protected:
 
 TEST_F(StartUpTest, TakesOverTheFilesOfTheFolder) {
     desktop.write_file("debug.ini", "");
-    desktop.write_file("lambda.txt", "3");
+    desktop.write_file("lambda.txt", "\xEF\xBB\xBF\r\n3");
     state.link_title_suffix = "left over";
     start_up();
     EXPECT_EQ(state.comm_port_number, 3);
@@ -56,17 +57,28 @@ TEST_F(StartUpTest, AMissingFileEndsTheProgram) {
 }
 
 TEST_F(StartUpTest, APictureThatIsNoneIsToldAndLeftOut) {
-    desktop.write_file("OEM.JPG", "<html>");
-    desktop.expect_box("OEM.JPG in the folder");
-    start_up();
-    EXPECT_EQ(main.Picture1.image_path(), "");
+    std::string half_frame(tiny_jpeg);
+    half_frame[5] = 8; // its length
+    for (const auto& broken : {std::string("<html>"), "\xFF\xD8\xFF" + std::string(40, '!'), half_frame,
+                               std::string(tiny_jpeg.substr(0, tiny_jpeg.size() - 1))}) {
+        desktop.write_file("OEM.JPG", broken);
+        desktop.expect_box("OEM.JPG in the folder");
+        start_up();
+        EXPECT_EQ(main.Picture1.image_path(), "");
+    }
     EXPECT_EQ(forms.frm_about.ECU_Rev.text(), "V1.02.00 02/12/10");
 }
 
-TEST_F(StartUpTest, TextThatIsNotUtf8IsReadAsLatin1) {
+TEST_F(StartUpTest, TextIsReadByItsEncoding) {
     const std::vector<std::pair<std::string, std::string>> texts{
-        {"caf\xE9", "caf\xC3\xA9"},       {"caf\xC3\xA9", "caf\xC3\xA9"},   {"\xEF\xBB\xBFx", "x"},
-        {"\xC0\xAF", "\xC3\x80\xC2\xAF"}, {"\xE2\x82", "\xC3\xA2\xC2\x82"}, {"", ""}};
+        {"caf\xE9", "caf\xC3\xA9"},
+        {"caf\xC3\xA9", "caf\xC3\xA9"},
+        {"\xEF\xBB\xBFx", "x"},
+        {"\xC0\xAF", "\xC3\x80\xC2\xAF"},
+        {"\xE2\x82", "\xC3\xA2\xC2\x82"},
+        {"", ""},
+        {"\xFF\xFEx\0\xAC\x20\x3D\xD8\x97\xDEy"s, "x\xE2\x82\xAC\xF0\x9F\x9A\x97"}, // a last half is dropped
+        {"\xFE\xFF\xD8\x3D\0x"s, "\xEF\xBF\xBDx"}};
     for (const auto& [file, shown] : texts) {
         desktop.write_file("OEM.TXT", file);
         start_up();
@@ -95,6 +107,10 @@ TEST_F(StartUpTest, LambdaFileCases) {
     start_up();
     EXPECT_EQ(desktop.read_file("lambda.txt"), "0\n");
     EXPECT_TRUE(scales.shows_lambda);
+    remove("lambda.txt");
+    std::filesystem::create_directory(desktop.folder() / "lambda.txt");
+    desktop.expect_box("lambda.txt in the folder " + desktop.folder().string() + " cannot be read.");
+    start_up();
 }
 
 TEST_F(StartUpTest, AChoiceOfUnitsIsKeptOnceTheWindowIsActive) {
