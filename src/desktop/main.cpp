@@ -9,7 +9,6 @@
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setApplicationName("ecu-console");
-    QApplication::setApplicationDisplayName("ECU System Console");
     QApplication::setQuitOnLastWindowClosed(false); // between two views no window is up for a moment
 
     const QStringList words = QApplication::arguments().mid(1);
