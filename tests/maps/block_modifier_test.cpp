@@ -69,9 +69,6 @@ TEST_F(BlockModifier, OperationsReachTheCellsOfTheBlockOnlyAndPaintThemYellow) {
     run(CellOperation::set_all, platform::Answer::no);
     EXPECT_EQ(fuel(5, 5), "1.500");
     EXPECT_FALSE(dialog.form.visible());
-    select(frm_3d.inj_map, 5, 5, 5, 5);
-    dialog.cell_operation[0].press(); // asks nothing
-    EXPECT_FALSE(dialog.form.visible());
 }
 
 TEST_F(BlockModifier, EachTableWritesBackThroughItsOwnMask) {
