@@ -1,7 +1,9 @@
 // The commands that are not values of the calibration: what each asks of the controller and the payload count of its
 // reply, which is what send_ecu_message expects. Values are read and written by calibration/parameters.h, cells of
-// table memory by calibration/tables.h.
+// table memory by calibration/tables.h; the one reading of values that screens ask for by itself is named here.
 #pragma once
+
+#include "calibration/parameters.h"
 
 #include <array>
 #include <cstdint>
@@ -25,6 +27,9 @@ inline constexpr Command firmware_revision{'R', 5};
 inline constexpr Command serial_number{'-', 6};
 inline constexpr Command capability_word{179, 5};
 inline constexpr Command compatibility_word{180, 5};
+
+// The sensor spans and the rpm range, by which others are shown; without arguments
+inline constexpr Command scales_block{calibration::read_request('C').command, calibration::read_request('C').reply};
 
 // What the controller is to do
 inline constexpr Command fire_injectors{1, 5};       // mask low, mask high, 0

@@ -1,5 +1,6 @@
 #include "messages/live_decoder.h"
 
+#include "messages/catalogue.h"
 #include "platform/display_mask.h"
 #include "platform/rounding.h"
 
@@ -84,28 +85,27 @@ LiveDecoder::LiveDecoder(link::SharedState& state, EcuLiveData& data, const plat
 
 bool LiveDecoder::decode(const link::Reply& reply, int payload_count) {
     struct Form {
-        std::uint8_t code;
-        int payload_count;
+        Command command;
         void (*decode)(LiveDecoder&, const link::Reply&);
     };
     static constexpr std::array<Form, 6> forms{{
-        {'A', 63, [](LiveDecoder& self, const link::Reply& r) { self.decode_live_block(r); }},
-        {129, 30,
+        {live_block, [](LiveDecoder& self, const link::Reply& r) { self.decode_live_block(r); }},
+        {live_block_two,
          [](LiveDecoder& self, const link::Reply& r) {
              self.decode_counts(r);
              self.decode_outputs(r);
          }},
-        {152, 9, [](LiveDecoder& self, const link::Reply& r) { self.decode_idle_valve(r, 3); }},
-        {178, 18, [](LiveDecoder& self, const link::Reply& r) { self.decode_counts(r); }},
-        {179, 5,
+        {live_idle_valve, [](LiveDecoder& self, const link::Reply& r) { self.decode_idle_valve(r, 3); }},
+        {live_counts, [](LiveDecoder& self, const link::Reply& r) { self.decode_counts(r); }},
+        {capability_word,
          [](LiveDecoder& self, const link::Reply& r) {
              self.state_.capabilities_loaded = true;
              self.capabilities_.apply(static_cast<std::uint16_t>(word_at(r, 3)));
          }},
-        {207, 37, [](LiveDecoder& self, const link::Reply& r) { self.decode_channels(r); }},
+        {live_block_three, [](LiveDecoder& self, const link::Reply& r) { self.decode_channels(r); }},
     }};
-    const auto form = std::ranges::find(forms, reply[2], &Form::code);
-    if (form == forms.end() || form->payload_count != payload_count) {
+    const auto form = std::ranges::find(forms, reply[2], [](const Form& row) { return row.command.code; });
+    if (form == forms.end() || form->command.reply != payload_count) {
         return false;
     }
     state_.reply_accepted = true;

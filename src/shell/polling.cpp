@@ -115,7 +115,7 @@ void Polling::show_demo_mode() {
 void Polling::first_tick() {
     if (use_.state.comm_ready) {
         use_.state.first_tick_pending = false;
-        use_.comm.send_ecu_message({'C'}, 21);
+        use_.comm.send_ecu_message({messages::scales_block.code}, messages::scales_block.reply);
         if (use_.state.demo_mode) {
             use_.scales.full_scale_rpm = demo_tachometer_rpm;
             const float red_line = red_line_share * demo_tachometer_rpm / 1000;
@@ -142,12 +142,11 @@ bool Polling::open_requested_view() {
 }
 
 void Polling::act_on_view() {
-    static constexpr Poll live{'A', 63};
-    static constexpr Poll counts{129, 30};
-    static constexpr std::array monitor_poll{live, counts, Poll{207, 37}};
-    static constexpr std::array live_poll{live};
-    static constexpr std::array gauge_poll{live, counts};
-    static constexpr std::array capability_poll{Poll{179, 5}, Poll{180, 5}};
+    static constexpr std::array monitor_poll{messages::live_block, messages::live_block_two,
+                                             messages::live_block_three};
+    static constexpr std::array live_poll{messages::live_block};
+    static constexpr std::array gauge_poll{messages::live_block, messages::live_block_two};
+    static constexpr std::array capability_poll{messages::capability_word, messages::compatibility_word};
 
     const View view = use_.state.current_view;
     if (view != View::none && view != View::diagnostics && !use_.state.capabilities_loaded &&
@@ -195,9 +194,9 @@ void Polling::act_on_view() {
 }
 
 // Returns false as soon as the user has left the view or started a sequence of messages there.
-bool Polling::poll(View view, std::span<const Poll> messages) {
-    for (const Poll& message : messages) {
-        use_.comm.send_ecu_message({message.code}, message.expected_length);
+bool Polling::poll(View view, std::span<const messages::Command> questions) {
+    for (const messages::Command& question : questions) {
+        use_.comm.send_ecu_message({question.code}, question.reply);
         use_.ports.waiting.process_events();
         if (use_.state.current_view != view || use_.state.polling_paused) {
             return false;
@@ -213,12 +212,13 @@ void Polling::refresh(View view) {
 }
 
 void Polling::timer3_tick() {
-    static constexpr std::array<Poll, 4> rotation{{{'A', 63}, {129, 30}, {'A', 63}, {207, 37}}};
+    static constexpr std::array rotation{messages::live_block, messages::live_block_two, messages::live_block,
+                                         messages::live_block_three};
     if (use_.state.polling_paused || use_.state.current_view != View::plotter) {
         return;
     }
-    const Poll& message = rotation[static_cast<std::size_t>(plotter_poll_step_)];
-    use_.comm.send_ecu_message({message.code}, message.expected_length);
+    const messages::Command& question = rotation[static_cast<std::size_t>(plotter_poll_step_)];
+    use_.comm.send_ecu_message({question.code}, question.reply);
     if (plot_and_log_sample) {
         plot_and_log_sample();
     }

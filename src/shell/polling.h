@@ -5,6 +5,7 @@
 #pragma once
 
 #include "calibration/scales.h"
+#include "messages/catalogue.h"
 #include "messages/live_data.h"
 #include "platform/gauge.h"
 #include "shell/demo_generator.h"
@@ -47,10 +48,6 @@ private:
         platform::Control* control;
         link::View view;
     };
-    struct Poll {
-        std::uint8_t code;
-        int expected_length;
-    };
     using Tick = void (Polling::*)();
 
     void run_or_defer(Tick tick, bool& overdue);
@@ -61,7 +58,7 @@ private:
     void first_tick();
     bool open_requested_view();
     void act_on_view();
-    bool poll(link::View view, std::span<const Poll> messages);
+    bool poll(link::View view, std::span<const messages::Command> questions);
     void refresh(link::View view);
 
     Use use_;
