@@ -1,5 +1,7 @@
 #include "shell/about.h"
 
+#include "messages/catalogue.h"
+
 namespace ecu::shell {
 
 namespace {
@@ -25,11 +27,13 @@ void About::open() {
 void About::activate() {
     state_.polling_paused = true;
     ports_.wait_seconds(a_moment);
-    if (state_.demo_mode) {
+    for (const messages::Command& question : {messages::firmware_revision, messages::serial_number}) {
+        if (form_.form.visible()) { // not if the user left during the first
+            comm_.send_ecu_message({question.code}, question.reply);
+        }
+    }
+    if (state_.demo_mode) { // nothing was sent, or the user gave up waiting
         form_.serial_num.set_text("DEMO MODE");
-    } else {
-        comm_.send_ecu_message({'R'}, 5);
-        comm_.send_ecu_message({'-'}, 6);
     }
     form_.comm_details.set_text(state_.failed_frame_text.empty() ? "No message has failed since the start."
                                                                  : state_.failed_frame_text);
