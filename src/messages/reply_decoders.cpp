@@ -221,7 +221,7 @@ void ReplyDecoders::decode_restart(const link::Reply& reply) {
     if (reply[data_at] == restart_now) {
         ports_.dialogs.say("The controller has been succesfully reset.");
     } else if (reply[data_at] == restart_for_flash) {
-        flash_menu_.set_enabled(true);
+        flash_menu_.set_enabled(flash_menu_.tag() != nothing_behind);
         ports_.dialogs.say("The controller is now ready to re-flash.");
     }
     state_.last_reply_time = ports_.now();

@@ -13,6 +13,9 @@
 
 namespace ecu::messages {
 
+// The tag of a menu item behind which there is nothing in this version: no reply enables it.
+inline constexpr std::string_view nothing_behind = "nothing behind";
+
 class ReplyDecoders {
 public:
     // Decodes the live replies: true when the code and size were its own.

@@ -1,14 +1,13 @@
 #include "shell/main_console.h"
 
+#include "messages/reply_decoders.h"
+
 namespace ecu::shell {
 
 namespace {
 
 using link::View;
-
-constexpr std::uint8_t restart_command = 174;
-constexpr std::uint8_t restart_argument = 165;
-constexpr std::uint8_t stop_for_flash_argument = 90;
+using messages::restart;
 
 struct ViewEntry {
     View view;
@@ -82,14 +81,18 @@ void MainConsole::offer_what_exists() {
         offer(form.*entry.item, exists);
         offer(form.*entry.button, exists);
     }
-    offer(form.menufileopen, static_cast<bool>(on_upload));
-    offer(form.menufilesave, static_cast<bool>(on_download));
-    offer(form.menu_remote_setup_start_server, static_cast<bool>(on_start_server));
-    offer(form.menu_remote_setup_start_client, static_cast<bool>(on_start_client));
-    offer(form.menu_remote_setup_halt_client, static_cast<bool>(on_halt_client));
-    offer(form.menu_tool_flash_utility, static_cast<bool>(on_flash_utility));
+    const auto offer_tool = [](platform::MenuItem& item, const std::function<void()>& action) {
+        offer(item, static_cast<bool>(action), tool_missing);
+    };
+    offer_tool(form.menufileopen, on_upload);
+    offer_tool(form.menufilesave, on_download);
+    offer_tool(form.menu_remote_setup_start_server, on_start_server);
+    offer_tool(form.menu_remote_setup_start_client, on_start_client);
+    offer_tool(form.menu_remote_setup_halt_client, on_halt_client);
+    offer_tool(form.menu_tool_flash_utility, on_flash_utility);
     form.menu_remote_setup_halt_client.set_enabled(false);
     form.menu_tool_flash_utility.set_enabled(false);
+    form.menu_tool_flash_utility.set_tag(on_flash_utility ? "" : messages::nothing_behind);
 }
 
 void MainConsole::show_link_state() {
@@ -140,7 +143,7 @@ void MainConsole::choose_port(std::size_t index) {
 
 void MainConsole::reset_controller() {
     use_.link_selection.open_comm_link();
-    use_.comm.send_ecu_message({restart_command, restart_argument, 0, 0}, 4);
+    use_.comm.send_ecu_message({restart.code, messages::restart_now, 0, 0}, restart.reply);
 }
 
 void MainConsole::prepare_to_reflash() {
@@ -151,7 +154,7 @@ void MainConsole::prepare_to_reflash() {
     use_.link_selection.open_comm_link();
     if (answer == platform::Answer::ok) {
         use_.state.reset_comm_watch = true;
-        use_.comm.send_ecu_message({restart_command, stop_for_flash_argument, 0, 0}, 4);
+        use_.comm.send_ecu_message({restart.code, messages::restart_for_flash, 0, 0}, restart.reply);
     }
     // The flash utility takes the port for itself, whatever the answer was.
     use_.state.comm_ready = false;

@@ -1,5 +1,7 @@
 #include "shell/navigation.h"
 
+#include "messages/catalogue.h"
+
 #include <algorithm>
 
 namespace ecu::shell {
@@ -28,11 +30,11 @@ ViewRequest request_of(View view) {
     return static_cast<ViewRequest>(std::ranges::find(request_targets, view) - request_targets.begin());
 }
 
-void offer(platform::Control& control, bool exists) {
+void offer(platform::Control& control, bool exists, std::string_view missing) {
     control.set_enabled(exists);
     if (!exists) {
-        control.set_tool_tip(view_missing);
-    } else if (control.tool_tip() == view_missing) {
+        control.set_tool_tip(missing);
+    } else if (control.tool_tip() == missing) {
         control.set_tool_tip("");
     }
 }
@@ -67,7 +69,7 @@ void Navigation::open(View view) {
             return;
         }
         if (needs_scales(view)) {
-            comm_.send_ecu_message({'C'}, 21);
+            comm_.send_ecu_message({messages::scales_block.code}, messages::scales_block.reply);
         }
         if (!state_.comm_ready) { // the link was given up inside the retries
             return;

@@ -18,8 +18,9 @@ link::ViewRequest request_of(link::View view); // of a view that is not none
 
 // The tool tip of what leads to a view or a tool that does not exist.
 inline constexpr std::string_view view_missing = "This view is not part of this version.";
+inline constexpr std::string_view tool_missing = "This tool is not part of this version.";
 // Disables the item or button, with the tool tip saying so, unless what it leads to exists.
-void offer(platform::Control& control, bool exists);
+void offer(platform::Control& control, bool exists, std::string_view missing = view_missing);
 
 class Navigation {
 public:

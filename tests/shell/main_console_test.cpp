@@ -29,11 +29,14 @@ TEST_F(MainConsoleTest, AnItemAndItsButtonOpenTheView) {
 
 TEST_F(MainConsoleTest, WhatLeadsNowhereIsDisabledAndSaysSo) {
     start();
-    const std::string missing(shell::view_missing);
-    for (const char* name : {"menu_View_supp", "Command2", "menu_view_diagnostic", "Command3", "menufileopen",
-                             "menufilesave", "menu_tool_flash_utility", "menu_remote_setup_start_server"}) {
+    const std::string view("This view is not part of this version."), tool("This tool is not part of this version.");
+    for (const auto& [name, tip] : {std::pair("menu_View_supp", view),
+                                    {"Command3", view},
+                                    {"menufilesave", tool},
+                                    {"menu_tool_flash_utility", tool},
+                                    {"menu_remote_setup_start_server", tool}}) {
         EXPECT_FALSE(main.form.at(name).enabled()) << name;
-        EXPECT_EQ(main.form.at(name).tool_tip(), missing) << name;
+        EXPECT_EQ(main.form.at(name).tool_tip(), tip) << name;
     }
     EXPECT_FALSE(forms.frm_mon.menu_sup.enabled());
     EXPECT_TRUE(forms.frm_mon.menu_plot.enabled());
@@ -140,6 +143,13 @@ TEST_F(MainConsoleTest, AboutAsksTheControllerAndReportsTheLastFailure) {
     main.Command3d6.press();
     EXPECT_EQ(forms.frm_about.serial_num.text(), "DEMO MODE");
     EXPECT_THAT(controller.sent(), IsEmpty());
+    state.demo_mode = false;
+    forms.frm_about.serial_num.set_text("1234");
+    controller.silence();
+    press_in_dialog(1);
+    desktop.on_modal("frm_about", [&](platform::Form&) { forms.frm_about.menu_file_exit.click(); });
+    main.menu_about.click();
+    EXPECT_EQ(forms.frm_about.serial_num.text(), "DEMO MODE") << "chosen when the first question had failed";
 }
 
 } // namespace
