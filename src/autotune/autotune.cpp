@@ -26,7 +26,8 @@ bool is_skipped(std::string_view factor) { return factor.empty() || factor == "X
 void apply_factor(const platform::Grid& factors, platform::Grid& map, int n) {
     const std::string& factor = maps::text_at(factors, n);
     const float product = number_of(factor) * number_of(maps::text_at(map, n));
-    if (!is_skipped(factor)) {
+    // A product beyond all numbers would read back as 0: no fuel.
+    if (!is_skipped(factor) && std::isfinite(product)) {
         maps::write_at(map, n, platform::masked(product, "0.000"));
     }
 }

@@ -34,8 +34,6 @@ public:
     // False when a rate of change cannot be formed: the loader ends there.
     bool autotune_routine(LogRow& row);
 
-    const std::array<std::int16_t, 256>& inj_counts() const { return inj_point_count_; }
-
 private:
     using Samples = std::vector<std::array<float, 256>>; // by sample slot, then cell
 
