@@ -77,21 +77,6 @@ TEST_F(PollingTest, TicksFollowOneAnotherWithoutAGapAndNeverOverlap) {
     EXPECT_THAT(controller.sent(), IsEmpty());
 }
 
-TEST_F(PollingTest, AbortClosesTheMonitorAndReopeningArmsTheLink) {
-    start_in_monitor();
-    controller.silence();
-    press_in_dialog(2);
-    desktop.run_for(2);
-    EXPECT_TRUE(state.comm_aborted);
-    EXPECT_FALSE(forms.frm_mon.form.visible());
-    EXPECT_TRUE(main.form.visible());
-    controller.speak();
-    controller.clear_sent();
-    main.Command3d4.press();
-    desktop.run_for(0.1);
-    EXPECT_GE(controller.count('A'), 1U);
-}
-
 TEST_F(PollingTest, DemoModeShowsItselfAndMakesUpPlausibleData) {
     desktop.expect_box("Demo Mode has been selected");
     start_in_monitor("demo");
