@@ -134,7 +134,10 @@ void BasicMapping::open() {
     }
     window_activated_ = true;
     exit_requested_ = false;
+    update_again_ = false;
     const int opening = ++opening_;
+    loading_maps_ = true;
+    allow_editing(false);
     link_.pause_polling(short_wait);
     prepare_window();
 
@@ -142,12 +145,9 @@ void BasicMapping::open() {
         link_.send(calibration::read_message(request), request.reply);
     }
     const bool complete = read_maps(opening);
-    if (opening != opening_) {
-        return; // a later opening has taken over
-    }
     if (!complete) {
         link_.resume_polling(short_wait);
-        if (opening == opening_) {
+        if (!replaced(opening)) {
             close();
         }
         return;
@@ -155,8 +155,8 @@ void BasicMapping::open() {
     form_.show_map_type[0].set_checked(true);
     shade_all();
     form_.Command3d1.set_enabled(true);
-    form_.Command3d2.set_enabled(true);
     form_.form.set_enabled(true);
+    allow_editing(true);
     loading_maps_ = false;
     show_pending_count();
     link_.resume_polling(short_wait);
@@ -171,13 +171,11 @@ void BasicMapping::prepare_window() {
             grid->set_column_width(column, column_width);
         }
     }
-    loading_maps_ = true;
     label_map_axis(0);
     for (int i = 0; i < 9; ++i) {
         const double rpm = i / 8.0 * static_cast<double>(scales_.full_scale_rpm);
         form_.Label6[static_cast<std::size_t>(i)].set_text(std::to_string(static_cast<long>(rpm)));
     }
-    form_.Command3d2.set_enabled(false);
     if (state_.demo_mode) {
         form_.ecu_pgm[0].confirm("10.200");
         form_.ecu_pgm[1].confirm("-.525");
@@ -216,10 +214,24 @@ bool BasicMapping::read_map(std::size_t map, int opening) {
                 form_.map_status.set_text(progress_);
             }
         },
-        [&] { return exit_requested_ || opening != opening_; });
+        [&] { return exit_requested_ || replaced(opening); });
     filling_ = below;
     paint_timer_->set_running(below != nullptr);
     return complete;
+}
+
+// What is typed into a map that is being read would be overwritten, or lose its yellow to the shading behind the read.
+void BasicMapping::allow_editing(bool allowed) {
+    form_.Command3d2.set_enabled(allowed);
+    for (platform::Grid* grid : form_.grids) {
+        grid->set_locked(!allowed);
+    }
+    for (platform::TextBox* box : {&form_.ecu_pgm[0], &form_.ecu_pgm[1], &form_.tps_rpm}) {
+        box->set_enabled(allowed);
+    }
+    for (platform::MenuItem* item : {&form_.menuresetmap_fuel, &form_.menuresetmap_Ign, &form_.menu_autotune}) {
+        item->set_enabled(allowed);
+    }
 }
 
 void BasicMapping::close() {
@@ -231,6 +243,7 @@ void BasicMapping::unloading() {
     exit_requested_ = true; // also when another view's menu item or the window's own button closed it
     if (state_.comm_aborted) {
         clear_all_entries();
+        ++opening_; // an Update under way must not send what is no value
     }
     window_activated_ = false;
     loading_maps_ = false;
@@ -252,26 +265,42 @@ void BasicMapping::clear_all_entries() {
 
 // -- Update
 
+// The walk runs to its end though the window be closed under it, for the tuner asked for all of it; only a new opening,
+// which reads everything anew, or a lost link ends it. Asked for again meanwhile it walks once more before the maps are
+// shaded.
 void BasicMapping::update_changed_entries() {
     if (updating_) {
-        return; // Enter during the walk: what is pending is on its way already
+        update_again_ = true;
+        return;
     }
     updating_ = true;
+    int opening = opening_;
     link_.pause_polling(short_wait);
-    write_box(parameter("FUEL_MX"), form_.ecu_pgm[0]);
-    write_box(parameter("FUEL_B"), form_.ecu_pgm[1]);
-    write_box(parameter("TPS_RPM"), form_.tps_rpm);
-    for (std::size_t n = 0; n < map_rows.size(); ++n) {
-        write_map(n);
-    }
-    shade_all();
-    show_pending_count();
+    do {
+        update_again_ = false;
+        opening = opening_;
+        write_pending(opening);
+    } while (update_again_);
     updating_ = false;
+    if (!replaced(opening)) {
+        shade_behind_update();
+        show_pending_count();
+        redraw_graph();
+    }
     link_.resume_polling(short_wait);
 }
 
-void BasicMapping::write_box(const calibration::Parameter& row, platform::TextBox& box) {
-    if (exit_requested_ || !box.is_pending()) {
+void BasicMapping::write_pending(int opening) {
+    write_box(parameter("FUEL_MX"), form_.ecu_pgm[0], opening);
+    write_box(parameter("FUEL_B"), form_.ecu_pgm[1], opening);
+    write_box(parameter("TPS_RPM"), form_.tps_rpm, opening);
+    for (std::size_t n = 0; n < map_rows.size(); ++n) {
+        write_map(n, opening);
+    }
+}
+
+void BasicMapping::write_box(const calibration::Parameter& row, platform::TextBox& box, int opening) {
+    if (replaced(opening) || !box.is_pending()) {
         return;
     }
     const auto entry = calibration::raw_from_entry(row, box.text(), scales_);
@@ -283,11 +312,12 @@ void BasicMapping::write_box(const calibration::Parameter& row, platform::TextBo
     }
 }
 
-void BasicMapping::write_map(std::size_t map) {
+void BasicMapping::write_map(std::size_t map, int opening) {
     const calibration::Table& row = *map_rows[map].table;
     for_each_pending(
         *form_.grids[map],
         [&](int i, std::string_view text) {
+            behind_update_[map][static_cast<std::size_t>(i)] = false;
             const auto entry = calibration::raw_from_entry(row, text, scales_);
             if (entry.refusal.empty()) {
                 link_.write_cell(row.base + i, entry.raw);
@@ -296,7 +326,25 @@ void BasicMapping::write_map(std::size_t map) {
                 ports_.dialogs.say(entry.refusal);
             }
         },
-        [this] { return !exit_requested_; });
+        [&] { return !replaced(opening); });
+}
+
+// Shading takes the yellow of a cell that was refused or had no reply, but not of one that the walk did not see.
+void BasicMapping::shade_behind_update() {
+    std::vector<std::pair<std::size_t, int>> still_pending;
+    for (std::size_t n = 0; n < map_rows.size(); ++n) {
+        for_each_pending(*form_.grids[n], [&](int i, std::string_view) {
+            if (behind_update_[n][static_cast<std::size_t>(i)]) {
+                still_pending.emplace_back(n, i);
+            }
+        });
+        behind_update_[n].fill(false);
+    }
+    shade_all();
+    for (const auto& [n, i] : still_pending) {
+        platform::Grid& grid = *form_.grids[n];
+        grid.set_cell_back(row_of(grid, i), column_of(grid, i), platform::pending);
+    }
 }
 
 void BasicMapping::note_pending() {
@@ -338,7 +386,14 @@ void BasicMapping::shade_all() {
 
 void BasicMapping::cell_changed(std::size_t map, int row, int column) {
     form_.grids[map]->set_cell_back(row, column, platform::pending);
+    if (updating_) {
+        behind_update_[map][static_cast<std::size_t>(index_of(*form_.grids[map], row, column))] = true;
+    }
     note_pending();
+    redraw_graph();
+}
+
+void BasicMapping::redraw_graph() {
     if (surface_window_.visible() && !loading_maps_ && !redraw_posted_) {
         redraw_posted_ = true;
         ports_.timers.post([this] {

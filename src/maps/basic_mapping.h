@@ -44,14 +44,19 @@ private:
     void prepare_window();
     bool read_maps(int opening);
     bool read_map(std::size_t map, int opening);
+    void allow_editing(bool allowed);
     void close();
     void unloading();
     void shade(std::size_t map, float low, float high);
     void shade_all();
-    void write_box(const calibration::Parameter& row, platform::TextBox& box);
-    void write_map(std::size_t map);
+    void shade_behind_update();
+    bool replaced(int opening) const { return opening != opening_; }
+    void write_pending(int opening);
+    void write_box(const calibration::Parameter& row, platform::TextBox& box, int opening);
+    void write_map(std::size_t map, int opening);
     void show_map(int index);
     void show_graph(std::size_t map);
+    void redraw_graph();
     void cell_changed(std::size_t map, int row, int column);
     void reset_map(std::size_t map, std::string_view question);
     void move_markers();
@@ -71,16 +76,19 @@ private:
 
     std::int16_t map_view_index_ = 0;
     bool loading_maps_ = false;   // no graph is drawn while the opening read runs
-    bool exit_requested_ = false; // stops a running read or Update
+    bool exit_requested_ = false; // stops a running read; an Update runs to its end behind the closed window
     bool window_activated_ = false;
     bool updating_ = false;
+    bool update_again_ = false; // asked for during an Update
+    // Cells written during an Update since it passed them, by map and table index: still pending when it ends.
+    std::array<std::array<bool, 256>, 4> behind_update_{};
     // Any number of cell changes costs one drawing and one count, with the next events.
     bool redraw_posted_ = false;
     bool count_posted_ = false;
     platform::Grid* filling_ = nullptr; // the grid that a read fills; it and the progress are shown at each tick
     std::string progress_;
     std::unique_ptr<platform::Timer> paint_timer_;
-    int opening_ = 0; // tells a read that the window was closed and opened again under it
+    int opening_ = 0; // tells a read or an Update that its values are gone: opened again, or closed with the link lost
 };
 
 } // namespace ecu::maps

@@ -21,6 +21,8 @@ int column_of(const Grid& grid, int index) {
     return grid.rows() == 16 ? calibration::map_col_16(index) : calibration::map_col_9(index);
 }
 
+int index_of(const Grid& grid, int row, int column) { return (column - 1) * grid.rows() + grid.rows() - row; }
+
 const std::string& text_at(const Grid& grid, int index) {
     return grid.cell_text(row_of(grid, index), column_of(grid, index));
 }
@@ -108,7 +110,9 @@ void wire_grid(Grid& grid, const GridKeys& keys, BlockSelection& selection, std:
         if (press.shift && !press.ctrl && (press.code == key::up || press.code == key::down)) {
             const bool up = press.code == key::up;
             press.code = key::shift; // so that the grid does not move its cursor as well
-            grid.set_cell_text(row, column, stepped(grid.cell_text(row, column), keys.step, up));
+            if (!grid.locked()) {
+                grid.set_cell_text(row, column, stepped(grid.cell_text(row, column), keys.step, up));
+            }
         } else if (press.ctrl && !press.shift && press.code == 'S') {
             selection.anchor_at(row, column);
         } else if (press.ctrl && !press.shift && press.code == 'F') {

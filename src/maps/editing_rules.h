@@ -19,6 +19,7 @@ namespace ecu::maps {
 // Grid cell of a table index.
 int row_of(const platform::Grid& grid, int index);
 int column_of(const platform::Grid& grid, int index);
+int index_of(const platform::Grid& grid, int row, int column); // and back
 const std::string& text_at(const platform::Grid& grid, int index);
 void write_at(platform::Grid& grid, int index, std::string_view text);
 inline int cells_of(const platform::Grid& grid) { return grid.rows() * grid.columns(); }
@@ -49,6 +50,9 @@ template <typename Write, typename GoOn> void for_each_pending(const platform::G
             write(i, text_at(grid, i));
         }
     }
+}
+template <typename Write> void for_each_pending(const platform::Grid& grid, Write write) {
+    for_each_pending(grid, write, [] { return true; });
 }
 
 // The question before a whole table or block is overwritten: yes, or no by default.

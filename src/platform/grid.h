@@ -41,6 +41,10 @@ public:
         mouse_column_ = column;
     }
 
+    // While it is locked the user edits nothing; the program writes as ever.
+    bool locked() const { return locked_; }
+    void set_locked(bool locked) { locked_ = locked; }
+
     // Announcements between these two are one repaint.
     void begin_batch() { ++batch_; }
     void end_batch();
@@ -81,6 +85,7 @@ private:
     Area changed_area_{1, 1, rows_, columns_};
     int batch_ = 0;
     bool dirty_ = false;
+    bool locked_ = false;
 };
 
 } // namespace ecu::platform

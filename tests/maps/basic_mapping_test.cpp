@@ -119,7 +119,7 @@ TEST_F(BasicMapping, RefusedValuesAreNamedOneByOneAndTheOthersStillGo) {
     EXPECT_THAT(update(), ElementsAre(Bytes{'m', 0x71, 0x02, 0}, Bytes{'z', 0, 0, 0}));
 }
 
-TEST_F(BasicMapping, EnterInsideAnUpdateOrBeforeTheMapsAreReadSendsNothingTwice) {
+TEST_F(BasicMapping, EnterInsideAnUpdateWalksOnceMoreAndBeforeTheMapsAreReadDoesNothing) {
     const auto enter = [this] {
         platform::KeyPress key{.code = 13};
         frm_3d.inj_map.key_press(key);
@@ -127,9 +127,51 @@ TEST_F(BasicMapping, EnterInsideAnUpdateOrBeforeTheMapsAreReadSendsNothingTwice)
     on_request = [&](const Request&) { enter(); };
     open();
     EXPECT_EQ(memory, decltype(memory){}); // no empty cell went out as 0 over a real one
+    on_request = [&](const Request& request) {
+        if (request[2] == 'e' && request[3] == 1) {
+            frm_3d.inj_map.set_cell_text(16, 1, ".5"); // behind the walk
+            enter();
+        }
+    };
     frm_3d.inj_map.set_cell_text(16, 1, "1");
     frm_3d.inj_map.set_cell_text(15, 1, "1");
-    EXPECT_THAT(sent_by(enter), ElementsAre(Bytes{'e', 0, 1, 128}, Bytes{'e', 1, 1, 128}));
+    EXPECT_THAT(sent_by(enter), ElementsAre(Bytes{'e', 0, 1, 128}, Bytes{'e', 1, 1, 128}, Bytes{'e', 0, 1, 64}));
+}
+
+TEST_F(BasicMapping, CellTypedBehindTheWalkStaysYellowAndOneAheadOfItIsSent) {
+    open();
+    on_request = [&](const Request& request) {
+        if (request[2] == 'e' && request[3] == 1) {
+            frm_3d.inj_map.set_cell_text(16, 1, ".5");
+            frm_3d.TPS_mix.set_cell_text(1, 16, "50");
+        }
+    };
+    frm_3d.inj_map.set_cell_text(15, 1, "1");
+    EXPECT_THAT(update(), ElementsAre(Bytes{'e', 1, 1, 128}, Bytes{'e', 255, 8, 32}));
+    EXPECT_TRUE(frm_3d.inj_map.cell_pending(16, 1));
+    EXPECT_EQ(fuel(16, 1) + " " + frm_3d.map_status.text(), ".5 1 value pending");
+    EXPECT_THAT(update(), ElementsAre(Bytes{'e', 0, 1, 64}));
+}
+
+TEST_F(BasicMapping, LeavingDuringAnUpdateSendsItsRestAndOpeningAgainReadsInstead) {
+    open();
+    on_request = [&](const Request& request) {
+        if (request[2] == 'e' && request[3] == 0 && request[4] == 1) {
+            desktop.post([this] { frm_3d.Command3d1.press(); });
+        } else if (request[2] == 'e' && request[5] == 255) {
+            desktop.post([this] { frm_3d.form.show(); });
+        }
+    };
+    maps::write_all(frm_3d.inj_map, "1");
+    EXPECT_EQ(update().size(), 256U);
+    EXPECT_FALSE(frm_3d.form.visible() || console.state.polling_paused);
+    open();
+    frm_3d.ign_map.set_cell_text(16, 1, "10");
+    frm_3d.inj_map.set_cell_text(16, 1, "1");
+    frm_3d.inj_map.set_cell_text(15, 1, "1.992");
+    EXPECT_THAT(update(), testing::Not(testing::Contains(Bytes{'e', 0, 6, 104})));
+    EXPECT_EQ(frm_3d.ign_map.cell_text(16, 1), "-16.00");
+    EXPECT_FALSE(console.state.polling_paused);
 }
 
 TEST_F(BasicMapping, ExitInTheMiddleOfTheReadClosesAfterTheBlockAndReopeningReadsAgain) {
