@@ -1,12 +1,13 @@
 #include "views/dashboard.h"
 
 #include "calibration/encoding.h"
+#include "messages/catalogue.h"
 #include "platform/display_mask.h"
 #include "platform/leading_number.h"
 #include "platform/rounding.h"
 
 #include <algorithm>
-#include <array>
+#include <utility>
 
 namespace ecu::views {
 
@@ -18,6 +19,11 @@ using platform::masked;
 using platform::round_to_even;
 
 constexpr double trim_step = 0.1;
+constexpr std::uint8_t timing_to_zero = 165;
+constexpr std::uint8_t timing_as_mapped = 0;
+
+// What the opening asks for: the trims, and the limits that the scales hang on.
+constexpr auto opening_reads = calibration::read_requests(163, 'C', 'B');
 
 struct Tachometer {
     float up_to_rpm;
@@ -41,6 +47,19 @@ constexpr std::array<Manifold, 4> manifolds{{
 }};
 
 constexpr std::array<float, 3> filter_gains{0.2F, 0.5F, 1.0F};
+
+// Holds a flag up, and gives it back as it was.
+class Raised {
+public:
+    explicit Raised(bool& flag) : flag_(flag), before_(std::exchange(flag, true)) {}
+    Raised(const Raised&) = delete;
+    Raised& operator=(const Raised&) = delete;
+    ~Raised() { flag_ = before_; }
+
+private:
+    bool& flag_;
+    bool before_;
+};
 
 std::array<Gauge*, 10> gauges(FrmDashboard& form) {
     return {&form.tachometer, &form.manifold_pressure, &form.water_temp,  &form.air_temp,    &form.bat_volts,
@@ -68,7 +87,10 @@ Gauge::Scale tachometer_scale(float full_scale_rpm) {
 Dashboard::Dashboard(const platform::Ports& ports, link::SharedState& state, link::EcuComm& comm,
                      shell::Navigation& navigation, calibration::Scales& scales, messages::EcuLiveData& live,
                      FrmDashboard& form)
-    : ports_(ports), state_(state), comm_(comm), navigation_(navigation), scales_(scales), live_(live), form_(form) {
+    : ports_(ports), state_(state), comm_(comm), navigation_(navigation), scales_(scales), live_(live),
+      form_(form), trims_{{{&form.ecu_pgm[0], &calibration::parameter("FUEL_MX")},
+                           {&form.ecu_pgm[1], &calibration::parameter("FUEL_B")},
+                           {&form.base_offset_deg, &calibration::parameter("BASE_DEG")}}} {
     wire();
 }
 
@@ -79,17 +101,23 @@ void Dashboard::wire() {
     form_.menu_file_exit.clicked = [this] { form_.form.unload(); };
     form_.Command2.clicked = [this] { update(); };
     form_.menu_Update.clicked = [this] { update(); };
-    for (platform::TextBox* box : {&form_.ecu_pgm[0], &form_.ecu_pgm[1], &form_.base_offset_deg}) {
-        box->changed = [box] { box->set_back_colour(platform::pending); };
-        box->key_down = [this, box](platform::KeyPress& key) { trim_key(*box, box != &form_.base_offset_deg, key); };
+    for (Trim& trim : trims_) {
+        trim.box->changed = [&trim] {
+            trim.written = true;
+            trim.box->set_back_colour(platform::pending);
+        };
+        trim.box->key_down = [this, box = trim.box](platform::KeyPress& key) {
+            trim_key(*box, box != &form_.base_offset_deg, key);
+        };
     }
     form_.kill_timing.clicked = [this] {
-        const std::uint8_t on = form_.kill_timing.checked() ? 165 : 0;
-        comm_.send_ecu_message({169, on, 0, 0}, 4);
+        const std::uint8_t timing = form_.kill_timing.checked() ? timing_to_zero : timing_as_mapped;
+        comm_.send_ecu_message({messages::session_latch.code, timing, 0, 0}, messages::session_latch.reply);
     };
     form_.kill_ego.clicked = [this] {
-        const std::uint8_t command = form_.kill_ego.checked() ? 'D' : 'd';
-        comm_.send_ecu_message({command}, 3);
+        const messages::Command& command =
+            form_.kill_ego.checked() ? messages::oxygen_control_off : messages::oxygen_control_on;
+        comm_.send_ecu_message({command.code}, command.reply);
     };
     for (std::size_t i = 0; i < form_.menu_opts_tach_filt_num.size(); ++i) {
         form_.menu_opts_tach_filt_num[i].clicked = [this, i] { filter_tachometer(i); };
@@ -108,18 +136,9 @@ void Dashboard::wire() {
 }
 
 void Dashboard::activate() {
+    const Raised opening(opening_);
     form_.form.set_caption("Dashboard" + state_.link_title_suffix);
-    state_.polling_paused = true;
-    ports_.wait_seconds(0.1F);
-    for (platform::TextBox* box : {&form_.ecu_pgm[0], &form_.ecu_pgm[1], &form_.base_offset_deg}) {
-        box->set_back_colour(platform::pending); // unsure until the controller has answered
-    }
-    ports_.waiting.process_events();
-    ports_.wait_seconds(0.2F);
-    comm_.send_ecu_message({163}, 4);
-    comm_.send_ecu_message({'C'}, 21);
-    comm_.send_ecu_message({'B'}, 12);
-    state_.polling_paused = false;
+    ask_controller();
     ports_.wait_seconds(0.1F);
     for (Gauge* gauge : gauges(form_)) {
         gauge->set_back_colour(platform::bright_white);
@@ -138,6 +157,21 @@ void Dashboard::activate() {
     }
 }
 
+void Dashboard::ask_controller() {
+    state_.polling_paused = true;
+    ports_.wait_seconds(0.1F);
+    for (Trim& trim : trims_) {
+        trim.box->set_back_colour(platform::pending); // unsure until the controller has answered
+        trim.written = false;
+    }
+    ports_.waiting.process_events();
+    ports_.wait_seconds(0.2F);
+    for (const calibration::ReadRequest& request : opening_reads) {
+        comm_.send_ecu_message(calibration::read_message(request), request.reply);
+    }
+    state_.polling_paused = false;
+}
+
 void Dashboard::scale_gauges() {
     form_.tachometer.set_scale(tachometer_scale(scales_.full_scale_rpm));
     const auto* const manifold = std::ranges::find(manifolds, scales_.map_span, &Manifold::sensor_kpa);
@@ -149,7 +183,7 @@ void Dashboard::scale_gauges() {
 void Dashboard::scale_lamps() {
     const auto stoichiometric = static_cast<double>(scales_.lambda_scale);
     for (std::size_t i = 0; i < form_.lambda_label.size(); ++i) {
-        form_.lambda_label[8 - i].set_text(masked(stoichiometric * (static_cast<double>(i + 6) / 10), "#0.0"));
+        form_.lambda_label[i].set_text(masked(stoichiometric * mark_lambda(i), "#0.0"));
     }
     form_.lambda_val.set_text(scales_.shows_lambda ? "= 1.0" : "=" + masked(stoichiometric, "#0.0"));
 }
@@ -187,21 +221,23 @@ void Dashboard::show_mixture(float lambda) {
 }
 
 void Dashboard::update() {
-    state_.polling_paused = true;
+    if (opening_) {
+        return;
+    }
+    const Raised paused(state_.polling_paused);
     ports_.wait_seconds(0.1F);
-    const std::array<std::pair<platform::TextBox*, const calibration::Parameter*>, 3> trims{
-        {{&form_.ecu_pgm[0], &calibration::parameter("FUEL_MX")},
-         {&form_.ecu_pgm[1], &calibration::parameter("FUEL_B")},
-         {&form_.base_offset_deg, &calibration::parameter("BASE_DEG")}}};
-    for (const auto& [box, row] : trims) {
-        if (box->is_pending()) {
-            send_trim(*box, *row);
+    for (const Trim& trim : trims_) {
+        // An empty box that nobody has written shows that the controller did not answer. It would go out as 0, and
+        // take the fuel from a running engine.
+        if (trim.box->is_pending() && (trim.written || !trim.box->text().empty())) {
+            send_trim(trim);
         }
     }
-    state_.polling_paused = false;
 }
 
-void Dashboard::send_trim(platform::TextBox& box, const calibration::Parameter& row) {
+void Dashboard::send_trim(const Trim& trim) {
+    platform::TextBox& box = *trim.box;
+    const calibration::Parameter& row = *trim.row;
     const calibration::EncodedEntry entry = calibration::raw_from_entry(row, box.text(), scales_);
     if (!entry.replaced.empty()) {
         box.set_text(entry.replaced);
@@ -227,6 +263,9 @@ void Dashboard::trim_key(platform::TextBox& box, bool steps, platform::KeyPress&
     }
     const double step = key.code == platform::key::up ? trim_step : -trim_step;
     key.code = 0;
+    if (opening_) {
+        return;
+    }
     box.set_text(masked(leading_number(box.text()) + step, "##.000"));
     update();
 }

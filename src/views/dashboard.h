@@ -9,13 +9,16 @@
 #include "shell/navigation.h"
 #include "views/frm_dashboard.h"
 
-#include <cstdint>
+#include <array>
 
 namespace ecu::views {
 
 // The lamp of a mixture, 8 being lambda 1.0; a leaner one is lower, down to 0, a richer one higher, up to 16.
 // `lambda` must not be 0.
 std::size_t lamp_of(float lambda);
+
+// Lambda at the mark lambda_label(i) of the bar: 1.4 for the first, down to 0.6.
+constexpr double mark_lambda(std::size_t label) { return (14 - static_cast<double>(label)) / 10; }
 
 // The tachometer's scale in thousands of rpm. The last tenth before full scale is zone b, the tenth below it zone a.
 platform::Gauge::Scale tachometer_scale(float full_scale_rpm);
@@ -37,8 +40,14 @@ private:
     void scale_gauges();
     void scale_lamps();
     void show_mixture(float lambda);
-    void send_trim(platform::TextBox& box, const calibration::Parameter& row);
+    struct Trim {
+        platform::TextBox* box;
+        const calibration::Parameter* row;
+        bool written = false; // by a reply or by the tuner, since the last opening
+    };
+    void send_trim(const Trim& trim);
     void trim_key(platform::TextBox& box, bool steps, platform::KeyPress& key);
+    void ask_controller();
     void leave();
 
     const platform::Ports& ports_;
@@ -48,7 +57,9 @@ private:
     calibration::Scales& scales_;
     messages::EcuLiveData& live_;
     FrmDashboard& form_;
+    std::array<Trim, 3> trims_; // in the order in which they are sent
     std::size_t lit_lamp_ = 0;
+    bool opening_ = false; // the trims are being read: none may be sent
 };
 
 } // namespace ecu::views

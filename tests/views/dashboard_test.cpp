@@ -64,6 +64,29 @@ TEST(Dashboard, LeavingDuringTheOpeningReadsDoesNotLeaveItPolling) {
     EXPECT_FALSE(bench.state.polling_paused);
 }
 
+TEST(Dashboard, SendsNoTrimWhileItReadsThemNorOneThatNobodyHasWritten) {
+    DashboardBench bench;
+    bool paused = false;
+    bench.desktop.schedule(test::to_microseconds(0.2), [&] { // between the yellow and the first reply
+        platform::KeyPress enter{.code = platform::key::enter};
+        bench.form.base_offset_deg.key_down(enter);
+        platform::KeyPress up{.code = platform::key::up, .shift = true};
+        bench.form.ecu_pgm[0].key_down(up);
+        bench.form.Command2.press();
+        paused = bench.state.polling_paused;
+    });
+    bench.open(bench.form.form);
+    EXPECT_TRUE(paused);
+    EXPECT_EQ(bench.controller.sent_codes(), "\xA3"
+                                             "CB");
+    bench.sent();
+    bench.form.ecu_pgm[1].confirm("1"); // the only one that a reply fills
+    bench.state.polling_paused = true;  // by a sequence around this one
+    EXPECT_THAT(bench.update(bench.form.ecu_pgm[1], ""), ElementsAre(Bytes{'o', 0, 0x40, 0}));
+    EXPECT_TRUE(bench.state.polling_paused);
+    EXPECT_TRUE(bench.form.ecu_pgm[0].is_pending() && bench.form.base_offset_deg.is_pending());
+}
+
 TEST(Dashboard, ShowsItsOwnFiguresInDemoMode) {
     DashboardBench bench;
     bench.state.demo_mode = true;
@@ -113,6 +136,10 @@ TEST(Dashboard, LightsOneLampOfTheBarAndNoneWithoutAReading) {
     for (const auto& [lambda, lamp] : std::vector<std::pair<float, std::size_t>>{
              {1.0F, 8}, {1.6F, 0}, {2.0F, 0}, {0.625F, 16}, {0.6F, 16}, {0.1F, 16}, {0.9F, 10}, {1.1F, 6}}) {
         EXPECT_EQ(lamp_of(lambda), lamp) << lambda;
+    }
+    // The marks of the scale stand at the lamps that their values light: two at the rich end's last.
+    for (std::size_t i = 0; i < 9; ++i) {
+        EXPECT_EQ(lamp_of(static_cast<float>(mark_lambda(i))), (std::array{2, 3, 4, 6, 8, 10, 13, 16, 16}[i])) << i;
     }
     DashboardBench bench;
     const auto lit_at = [&](float lambda) {
