@@ -88,6 +88,7 @@ QWidget* Binding::make(Control& control, const QString& spoken_name) {
     }
     QWidget* widget = widget_of(control);
     if (!spoken_name.isEmpty()) {
+        bound_.at(&control).own_name.clear();
         widget->setAccessibleName(spoken(spoken_name));
     }
     return widget;
@@ -100,8 +101,7 @@ void Binding::bind_custom(Control& control, QWidget* widget, Update update, cons
     controls_.emplace(widget, &control);
     widget->setObjectName(qt(control.full_name()));
     if (widget->accessibleName().isEmpty()) {
-        const QString text = spoken_name.isEmpty() ? qt(control.text()) : spoken_name;
-        widget->setAccessibleName(spoken(text.isEmpty() ? qt(control.full_name()).replace('_', ' ') : text));
+        spoken_name.isEmpty() ? name_by_text(control, bound) : widget->setAccessibleName(spoken(spoken_name));
     }
     widget->installEventFilter(this);
     for (const Property property :
@@ -112,6 +112,13 @@ void Binding::bind_custom(Control& control, QWidget* widget, Update update, cons
     if (!control.visible()) {
         refresh(control, Property::visible);
     }
+}
+
+// A control with nothing beside it is called by its text; what stands in a box for entries is no name.
+void Binding::name_by_text(const Control& control, Bound& bound) {
+    const QString text = control.kind() == Kind::text_box ? QString() : spoken(qt(control.text()));
+    bound.own_name = text.isEmpty() ? qt(control.full_name()).replace('_', ' ') : text;
+    bound.widget->setAccessibleName(bound.own_name);
 }
 
 void Binding::follow(const Control& control, QWidget* companion) {
@@ -183,6 +190,10 @@ void Binding::refresh_common(Control& control, Bound& bound, Property property) 
         paint_colours(control, widget);
         break;
     case Property::text:
+        if (!bound.own_name.isEmpty() && widget.accessibleName() == bound.own_name) {
+            name_by_text(control, bound);
+        }
+        break;
     case Property::checked:
     case Property::value:
     case Property::content:
@@ -200,6 +211,9 @@ void Binding::paint_colours(Control& control, QWidget& widget) {
     }
     switch (control.kind()) {
     case Kind::text_box:
+        if (static_cast<platform::TextBox&>(control).multi_line) {
+            return; // read-only: no edit state to be told
+        }
         widget.setPalette(theme::edit_palette(palette, back, fore));
         return;
     case Kind::label:

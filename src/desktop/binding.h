@@ -54,10 +54,12 @@ private:
         QAction* action = nullptr;
         Update update;
         std::vector<QPointer<QWidget>> companions;
+        QString own_name; // the accessible name, where the control's text gives it
     };
 
     Bound& add(platform::Control& control);
     void refresh_common(platform::Control& control, Bound& bound, platform::Property property);
+    static void name_by_text(const platform::Control& control, Bound& bound);
     void paint_colours(platform::Control& control, QWidget& widget);
     void move_focus(platform::Control* to);
 

@@ -12,6 +12,8 @@
 #include <QLineEdit>
 #include <QPainter>
 
+#include <algorithm>
+
 namespace ecu::desktop {
 
 using platform::Control;
@@ -155,10 +157,11 @@ void Panel::boxes(const Caption& name, std::span<Control* const> controls, const
     place(caption_widget(name, false), in_a_line(widgets, false), caption_widget(unit, true));
 }
 
-void Panel::header(std::initializer_list<const char*> titles) {
+void Panel::header(std::initializer_list<Column> columns) {
+    columns_ = columns;
     int column = first_column_ + 1;
-    for (const char* title : titles) {
-        QWidget* label = caption_widget(title, true);
+    for (const Column& titled : columns_) {
+        QWidget* label = caption_widget(titled.title, true);
         if (label != nullptr) {
             layout_->addWidget(label, row_, column, Qt::AlignRight);
         }
@@ -167,14 +170,24 @@ void Panel::header(std::initializer_list<const char*> titles) {
     header_rows_ = ++row_;
 }
 
-void Panel::figures(const Caption& name, std::initializer_list<platform::Label*> labels, const char* widest) {
+QString Panel::spoken_column(std::size_t column) const {
+    const auto same = [&](const Column& other) { return std::string_view(other.title) == columns_[column].title; };
+    const QString title = QString::fromUtf8(columns_[column].title);
+    const bool repeated = std::ranges::count_if(columns_, same) > 1;
+    return repeated && column > 0 ? QString::fromUtf8(columns_[column - 1].title) + ' ' + title : title;
+}
+
+void Panel::figures(const Caption& name, std::initializer_list<platform::Label*> labels) {
     layout_->setColumnStretch(first_column_, 1);
     if (QWidget* caption = caption_widget(name, false)) {
         layout_->addWidget(caption, row_, first_column_);
     }
-    int column = first_column_ + 1;
+    std::size_t column = 0;
     for (platform::Label* label : labels) {
-        layout_->addWidget(window_->make_figure(*label, name, widest), row_, column++, Qt::AlignRight);
+        const QString spoken_name = name.text() + ' ' + spoken_column(column);
+        layout_->addWidget(window_->make_figure(*label, Caption(spoken_name.toStdString()), columns_.at(column).widest),
+                           row_, first_column_ + 1 + static_cast<int>(column), Qt::AlignRight | Qt::AlignVCenter);
+        ++column;
     }
     ++row_;
 }

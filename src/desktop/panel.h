@@ -65,9 +65,15 @@ public:
                     const char* widest = "00000.00");
     // Several controls side by side behind one caption.
     void boxes(const Caption& name, std::span<platform::Control* const> controls, const Caption& unit = "");
-    // A row of a table: caption, then one figure per label. header() gives the titles above them.
-    void header(std::initializer_list<const char*> titles);
-    void figures(const Caption& name, std::initializer_list<platform::Label*> labels, const char* widest = "00.000");
+    // A table: header() gives the titles of its columns and the widest text to make room for in each; figures() is a
+    // row, a caption and one figure per label. A figure is spoken of by its row and column. A title that stands twice
+    // is spoken of with the title before it.
+    struct Column {
+        const char* title;
+        const char* widest;
+    };
+    void header(std::initializer_list<Column> columns);
+    void figures(const Caption& name, std::initializer_list<platform::Label*> labels);
     // Check boxes, option buttons, buttons: one after the other, downwards or side by side.
     void column(std::span<platform::Control* const> controls);
     void side_by_side(std::span<platform::Control* const> controls);
@@ -84,6 +90,7 @@ public:
 
 private:
     QWidget* caption_widget(const Caption& caption, bool unit);
+    QString spoken_column(std::size_t column) const;
     void place(QWidget* name, QWidget* field, QWidget* unit);
 
     FormWindow* window_;
@@ -91,6 +98,7 @@ private:
     QGridLayout* layout_;
     int row_ = 0;
     int header_rows_ = 0;
+    std::vector<Column> columns_;
     int first_column_ = 0;
 };
 

@@ -1,6 +1,9 @@
 // The realtime monitor, to be read at arm's length: the figures grow with the window as far as everything fits.
+#include "desktop/theme.h"
 #include "desktop/windows/windows.h"
 #include "views/frm_mon.h"
+
+#include <QGridLayout>
 
 namespace ecu::desktop {
 
@@ -9,11 +12,11 @@ namespace {
 Panel engine_panel(FormWindow& window, views::FrmMon& f) {
     Panel panel = window.panel("Engine");
     panel.figure("Engine Speed", f.ECU_Data[0], "RPM", "00000");
-    panel.figure("Timing", f.ECU_Data[19], "deg", "-00.00B");
-    panel.figure("Manifold Pressure", f.ECU_Data[4], "kPa", "000.0");
-    panel.figure("Throttle Position", f.ECU_Data[3], "%", "000.0");
+    panel.figure("MPH=", f.speed_MPH, "", "000.00");
+    panel.figure("R/M=", f.rpm_mph_ratio, "", "0000.00");
+    panel.figure("Gear=", f.gear_number, "", "00");
     panel.figure("IAC State", f.ECU_Data[15], "", "OPENING");
-    panel.figure("IAC Error", f.ECU_Data[16], "", "ERR0");
+    panel.figure("IAC Error", f.ECU_Data[16], "", "ERR255");
     panel.figure("IAC Position", f.ECU_Data[17], "", "0000");
     panel.figure("IAC RPM Setpoint", f.ECU_Data[18], "RPM", "0000");
     panel.spread();
@@ -22,40 +25,54 @@ Panel engine_panel(FormWindow& window, views::FrmMon& f) {
 
 Panel fuel_panel(FormWindow& window, views::FrmMon& f) {
     Panel panel = window.panel("Fuel");
-    panel.figure("A/F Ratio", f.ECU_Data[1], f.unit_of_lambda, "00.000");
-    panel.figure("Lambda Setpoint", f.ego_lambda_setpoint, f.unit_of_setpoint, "00.000");
+    panel.figure("A/F Ratio", f.ECU_Data[1], f.unit_of_lambda, "00.00");
+    panel.figure("Lambda Setpoint", f.ego_lambda_setpoint, f.unit_of_setpoint, "00.00");
     panel.figure("Base Injection PW", f.ECU_Data[5], "ms", "00.000");
     panel.figure("EGO Correction", f.ECU_Data[6], "Gamma", "0.000");
     panel.figure("MAP Enrichment", f.ECU_Data[7], "Gamma", "0.000");
     panel.figure("Accel Enrichment", f.ECU_Data[8], "", "00.000");
     panel.figure("CLT Enrichment", f.ECU_Data[9], "Gamma", "0.000");
+    panel.figure("Map#=", f.map_num, "", "0");
     panel.spread();
     return panel;
 }
 
 Panel sensors_panel(FormWindow& window, views::FrmMon& f) {
     Panel panel = window.panel("Sensors");
+    panel.figure("Manifold Pressure", f.ECU_Data[4], "kPa", "000.0");
+    panel.figure("Throttle Position", f.ECU_Data[3], "%", "000.0");
     panel.figure("Coolant Temp.", f.ECU_Data[2], "\u00b0C", "-000");
     panel.figure("AirTemp.", f.ECU_Data[11], "\u00b0C", "-000");
-    panel.figure("EGT", f.EGT, "\u00b0C", "0000.0");
+    panel.figure("EGT=", f.EGT, "\u00b0C", "0000.0");
+    panel.figure("Barometic Pressure", f.ECU_Data[14], "kPa", "000.0");
     panel.figure("Battery Voltage", f.ECU_Data[10], "Volts DC", "00.00");
     panel.figure("AUX Input", f.ECU_Data[12], "Volts DC", "0.000");
-    panel.figure("Barometic Pressure", f.ECU_Data[14], "kPa", "000.0");
-    panel.figure("MPH", f.speed_MPH, "", "000.00");
-    panel.figure("R/M", f.rpm_mph_ratio, "", "0000.00");
-    panel.figure("Gear", f.gear_number, "", "00");
+    panel.spread();
+    return panel;
+}
+
+// What fires the plugs, from the crank's and cam's teeth to what holds the spark back.
+Panel ignition_panel(FormWindow& window, views::FrmMon& f) {
+    Panel panel = window.panel("Ignition");
+    panel.figure("Timing", f.ECU_Data[19], "degrees", "00.00B");
+    panel.figure("Rev Lim=", f.rev_limit_stat, "", "RPM2");
+    panel.figure("Flat Shft=", f.flat_shift_stat, "", "FLAT+");
+    panel.figure("TrigB=", f.trig_b_stat, "", "HIGH");
+    panel.figure("#Trigs=", f.num_trigs, "", "00000");
+    panel.figure("#Cam=", f.num_cams, "", "00000");
+    panel.figure("WDbg=", f.wheel_idx_num, "", "000");
+    panel.figure("CDbg=", f.cam_idx_num, "", "000");
     panel.spread();
     return panel;
 }
 
 // Fuel and ignition of each channel side by side.
 Panel channels_panel(FormWindow& window, views::FrmMon& f) {
-    Panel panel = window.panel("Injection and Ignition Channels");
-    panel.header({"Inj ms", "Duty%", "Dwell", "Duty%"});
+    Panel panel = window.panel("Channels");
+    panel.header({{"Inj ms", "00.000"}, {"Duty%", "000"}, {"Dwell", "00.000"}, {"Duty%", "000"}});
     for (std::size_t i = 0; i < 8; ++i) {
         const std::string name = "Chan" + std::to_string(i + 1);
-        panel.figures(std::string_view(name), {&f.inj_pw[i], &f.inj_duty[i], &f.ign_dwell[i], &f.ign_duty[i]},
-                      "00.000");
+        panel.figures(std::string_view(name), {&f.inj_pw[i], &f.inj_duty[i], &f.ign_dwell[i], &f.ign_duty[i]});
     }
     panel.spread();
     return panel;
@@ -63,19 +80,10 @@ Panel channels_panel(FormWindow& window, views::FrmMon& f) {
 
 Panel status_panel(FormWindow& window, views::FrmMon& f) {
     Panel panel = window.panel("Status");
-    panel.figure("AUX", f.aux_stat, "", "HIGH");
-    panel.figure("MapSel", f.map_sel_stat, "", "HIGH");
-    panel.figure("TrigB", f.trig_b_stat, "", "HIGH");
-    panel.figure("Rev Lim", f.rev_limit_stat, "", "RPM2");
-    panel.figure("Flat Shft", f.flat_shift_stat, "", "FLAT+");
-    panel.figure("TErrs", f.err_flgs, "", "000");
-    panel.next_column();
-    panel.figure("Map#", f.map_num, "", "0");
-    panel.figure("#Trigs", f.num_trigs, "", "00000");
-    panel.figure("#Cam", f.num_cams, "", "00000");
-    panel.figure("WDbg", f.wheel_idx_num, "", "000");
-    panel.figure("CDbg", f.cam_idx_num, "", "000");
-    panel.figure("CPUt", f.cpu_secs, "", "00000");
+    panel.figure("AUX=", f.aux_stat, "", "HIGH");
+    panel.figure("MapSel=", f.map_sel_stat, "", "HIGH");
+    panel.figure("TErrs=", f.err_flgs, "", "000");
+    panel.figure("CPUt=", f.cpu_secs, "", "00000");
     panel.spread();
     return panel;
 }
@@ -90,14 +98,31 @@ Panel link_panel(FormWindow& window, views::FrmMon& f) {
     return panel;
 }
 
+// Two bands of three panels, whose edges meet.
+QWidget* panels(FormWindow& window, views::FrmMon& f) {
+    auto* body = new QWidget;
+    auto* layout = new QGridLayout(body);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(theme::margin);
+    layout->addWidget(engine_panel(window, f), 0, 0);
+    layout->addWidget(fuel_panel(window, f), 0, 1);
+    layout->addWidget(sensors_panel(window, f), 0, 2);
+    layout->addWidget(ignition_panel(window, f), 1, 0);
+    layout->addWidget(window.down({status_panel(window, f), link_panel(window, f)}), 1, 1);
+    layout->addWidget(channels_panel(window, f), 1, 2);
+    layout->setRowStretch(0, 8);
+    layout->setRowStretch(1, 9);
+    for (int column = 0; column < 3; ++column) {
+        layout->setColumnStretch(column, 1);
+    }
+    return body;
+}
+
 } // namespace
 
 std::unique_ptr<FormWindow> make_frm_mon_window(views::FrmMon& f, QtHost& host) {
     auto window = std::make_unique<FormWindow>(f.form, host);
-    QWidget* left = window->down({engine_panel(*window, f), link_panel(*window, f)}, {8, 4});
-    QWidget* middle = window->down({fuel_panel(*window, f), status_panel(*window, f)}, {7, 6});
-    QWidget* right = window->down({sensors_panel(*window, f), channels_panel(*window, f)}, {9, 9});
-    window->set_body(window->across({left, middle, right}, {4, 4, 5}));
+    window->set_body(panels(*window, f));
     window->set_footer(window->buttons({&f.Command3d1}));
     window->demo_badge(f.show_demo_mode);
     window->keep_hidden(f.ECU_Data[13]); // nothing is ever written to it
