@@ -83,8 +83,8 @@ FigureLabel* FormWindow::make_figure(platform::Label& control, const Caption& na
     binding_.bind_custom(
         control, label,
         [this, &control, label](Property property) {
-            if (property == Property::text && label->show_text(qt(control.text())) && isVisible()) {
-                fit_figures();
+            if (property == Property::text && label->show_text(qt(control.text()))) {
+                isVisible() ? fit_figures() : static_cast<void>(grown_unfitted_ = true);
             }
         },
         name.text());
@@ -234,6 +234,7 @@ void FormWindow::set_figure_points(double points) {
 
 // The largest half point at which the body still fits; what is left of the window goes to the gaps.
 void FormWindow::fit_figures() {
+    grown_unfitted_ = false;
     if (figures_.empty() || scroll_ == nullptr || figure_points_.first >= figure_points_.second) {
         return;
     }
@@ -271,6 +272,9 @@ void FormWindow::open() {
         move(front->geometry().center() - rect().center());
     }
     show();
+    if (grown_unfitted_) {
+        fit_figures(); // a window of the size that it had last gets no resize event
+    }
     raise();
     if (!testAttribute(Qt::WA_ShowWithoutActivating)) {
         activateWindow();
@@ -281,6 +285,10 @@ void FormWindow::keyPressEvent(QKeyEvent* event) {
     auto* button = qobject_cast<QPushButton*>(focusWidget());
     if (button != nullptr && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) {
         button->click();
+        return;
+    }
+    if (closes_on_escape_ && event->key() == Qt::Key_Escape) {
+        close();
         return;
     }
     QMainWindow::keyPressEvent(event);

@@ -81,6 +81,9 @@ public:
     QWidget* status(platform::Label& label); // in the status bar
     // Figures take the largest size between these at which everything fits the window.
     void scale_figures(double smallest_points, double largest_points);
+    // Escape closes the window as its close button does. For windows whose closing loses nothing; a widget that uses
+    // Escape itself, such as a cell being edited, still gets it first.
+    void close_on_escape() { closes_on_escape_ = true; }
 
     // Called by the host.
     void open();     // shows the window where it was last
@@ -90,7 +93,7 @@ public:
 protected:
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override; // Enter presses the button that has the focus
+    void keyPressEvent(QKeyEvent* event) override; // Enter presses the button that has the focus; Escape
 
 private:
     QWidget* box(bool horizontal, std::initializer_list<QWidget*> parts, std::initializer_list<int> stretches);
@@ -109,6 +112,8 @@ private:
     std::pair<double, double> figure_points_{14, 14};
     QByteArray geometry_;
     bool opened_ = false;
+    bool closes_on_escape_ = false;
+    bool grown_unfitted_ = false; // a figure grew while the window was hidden
 };
 
 } // namespace ecu::desktop
