@@ -8,7 +8,10 @@
 #include "views/frm_mon.h"
 #include "windows/window_bench.h"
 
+#include <QLabel>
+#include <QPushButton>
 #include <QScrollArea>
+#include <QTimer>
 
 namespace ecu::desktop {
 namespace {
@@ -66,7 +69,30 @@ TEST(Windows, monitor_shows_every_figure_at_each_size_of_screen) {
     expect_nothing_clipped(*window, {1280 * 2 / 3, 760 * 2 / 3}); // the same screen at a scale of 150 %
     form.tx_bytes.set_text("-2147483648");                        // wider than any before, with the window up
     expect_nothing_clipped(*window, window->size());
+    window->setObjectName("frm_mon_small");
+    save_picture(*window);
+    window->setObjectName("frm_mon");
     save_picture(*window, {1280, 760});
+    form.form.hide();
+    form.speed_MPH.set_text("-123456789012"); // wider still, with the window away: it comes back fitted
+    form.form.show();
+    expect_nothing_clipped(*window, window->size());
+}
+
+TEST(Windows, monitor_names_each_figure_by_row_and_column_and_its_units_by_their_text) {
+    QtHost host;
+    views::FrmMon form;
+    const auto window = make_frm_mon_window(form, host);
+    const auto name = [&](const char* label) { return named<QLabel>(*window, label).accessibleName().toStdString(); };
+    EXPECT_EQ(name("ECU_Data(0)"), "Engine Speed");
+    EXPECT_EQ(name("inj_pw(0)"), "Chan1 Inj ms");
+    EXPECT_EQ(name("ign_dwell(4)"), "Chan5 Dwell");
+    EXPECT_EQ(name("inj_duty(7)"), "Chan8 Inj ms Duty%"); // there are two columns of this title
+    EXPECT_EQ(name("ign_duty(7)"), "Chan8 Dwell Duty%");
+    form.unit_of_lambda.set_text("%O2");
+    EXPECT_EQ(name("Label1(8)"), "%O2");
+    form.ECU_Data[1].set_text("20.9");
+    EXPECT_EQ(name("ECU_Data(1)"), "A/F Ratio");
 }
 
 TEST(Windows, main_window_has_its_buttons_menus_and_link_state) {
@@ -103,13 +129,43 @@ TEST(Windows, small_windows_are_complete) {
     about.oemtext.set_text("Installed by the workshop.\nCall us when the engine does not.");
     wait.tx_bytes.set_text("15744");
     wait.rx_bytes.set_text("15260");
-    wait.update_info.set_text("Unknown Configuration Parameter found: XYZ=1");
     wait.percent_bar.set_width(wait.percent_track.width() / 3);
     for (FormWindow* window : {dialog_window.get(), retries_window.get(), about_window.get(), wait_window.get()}) {
         expect_complete(*window);
         window->form().show();
+        QTest::qWait(1);
+        wait.update_info.set_text("Unknown Configuration Parameter found: XYZ=1"); // activation cleared it
         save_picture(*window);
     }
+    QTest::keyClick(&named<QWidget>(*about_window, "oemtext"), Qt::Key_Escape);
+    EXPECT_FALSE(about.form.visible());
+    QTest::keyClick(dialog_window.get(), Qt::Key_Escape);
+    EXPECT_TRUE(dialog.form.visible()) << "the question wants an answer";
+}
+
+TEST(Windows, failure_dialog_shows_the_whole_of_a_long_question_and_reason) {
+    QtHost host;
+    link::FrmDialog dialog;
+    const auto window = make_frm_dialog_window(dialog, host);
+    window->setObjectName("frm_Dialog_long");
+    const int short_height = window->sizeHint().height();
+    QTimer::singleShot(0, window.get(), [&] {
+        for (const char* text : {"dialog_caption", "dialog_details"}) {
+            const auto& label = named<QLabel>(*window, text);
+            EXPECT_GT(label.heightForWidth(label.width()), label.fontMetrics().height()) << "too short to be a test";
+            EXPECT_GE(label.height(), label.heightForWidth(label.width())) << text;
+        }
+        EXPECT_GT(window->height(), short_height);
+        EXPECT_TRUE(named<QPushButton>(*window, "dialog_button(1)").isVisible());
+        EXPECT_FALSE(named<QPushButton>(*window, "dialog_button(2)").isVisible());
+        save_picture(*window);
+        QTest::keyClick(window.get(), Qt::Key_Return);
+    });
+    EXPECT_EQ(dialog.ask("Communications has failed, Remote server IS responding, ECU hardware is NOT.",
+                         {"Exit", "Demo", "", ""},
+                         "Port 3 is /dev/serial/by-id/usb-Controller_Cable_A900XYZ-if00-port0: permission denied. "
+                         "Another program may hold it."),
+              0);
 }
 
 } // namespace
