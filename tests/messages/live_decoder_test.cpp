@@ -1,5 +1,6 @@
 #include "console/forms.h"
 #include "messages/live_decoder.h"
+#include "support/fixture.h"
 #include "support/sim_desktop.h"
 
 #include <gmock/gmock.h>
@@ -11,41 +12,15 @@ namespace {
 
 using link::View;
 
-// clang-format off
-const std::vector<std::uint8_t> live_block{
-    'A', 0x00,
-    0x34, 0x12,                         // 4: frames received
-    0x01, 0x00,                         // 6: the sensor reads lambda
-    110, 135, 32,                       // 8: set point, sensor, throttle
-    0xBA, 0x13,                         // 11: pulse width
-    90, 0xF6, 180,                      // 13: coolant, air, battery
-    63, 144, 0x00, 0x80, 72,            // 16: corrections
-    0x30, 0x03,                         // 21: barometer
-    0xEC, 0xFF,                         // 23: timing
-    0x27,                               // 25: inputs 0, 1, 2 and 5
-    0x92, 0x01, 0xFF, 0xFF,             // 26: manifold, two bytes not read
-    0x80, 0x0C,                         // 30: rpm
-    0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE,
-    0x99, 0x00,                         // 39: raw throttle
-    5, 64, 8, 0, 3, 96,                 // 41: cells and remainders
-    2, 0xB8, 0x0B, 0xEE,                // 47: dyno
-    1, 1, 2, 2, 3, 3, 4, 4, 5, 5,       // 51: wideband
-    0xE4, 0x2E};                        // 61: exhaust
-const std::vector<std::uint8_t> second_block{
-    129,
-    2, 0x39, 0x30, 0x07, 0x00, 1, 4,    // 3: map, triggers, cams, indices
-    0x10, 0x27, 9,                      // 10: seconds, errors
-    0x88, 0x03, 0x41, 0x06, 5,          // 13: speed, ratio, gear
-    0, 51, 128, 255,                    // 18: output duties
-    0x00, 0x02,                         // 22: auxiliary input
-    4, 3, 0x2C, 0x01, 0x52, 0x03};      // 24: idle valve
-const std::vector<std::uint8_t> channel_block{
-    207,
-    0xE8, 0x03, 0x64, 0x00, 0xD0, 0x07, 0xC8, 0x00, 0x00, 0x00, 0xFF, 0xFF, 0x0A, 0x00, 0x14, 0x00,
-    191, 192, 217, 218, 255, 0, 1, 13,  // 19: injector duties
-    102, 103, 127, 129, 0, 0, 0, 5,     // 27: ignition duties
-    0, 0};
-// clang-format on
+std::vector<std::uint8_t> block_of(const std::string& name) {
+    std::vector<std::uint8_t> block;
+    for (const auto& row : test::fixture("live_blocks.csv")) {
+        if (row[0] == name) {
+            std::ranges::copy(test::bytes_of(row[1]), std::back_inserter(block));
+        }
+    }
+    return block;
+}
 
 class LiveDecoderTest : public testing::Test {
 protected:
@@ -64,6 +39,9 @@ protected:
     }
     std::string mon(std::string_view name, int index = -1) { return forms.frm_mon.form.at(name, index).text(); }
 
+    const std::vector<std::uint8_t> live_block = block_of("live");
+    const std::vector<std::uint8_t> second_block = block_of("second");
+    const std::vector<std::uint8_t> channel_block = block_of("channels");
     test::SimDesktop desktop;
     console::Forms forms{desktop};
     link::SharedState state;

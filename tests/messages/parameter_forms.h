@@ -1,17 +1,9 @@
 // The decoders with the forms that the parameter replies act on, and replies fed to them as the receiver does.
 #pragma once
 
+#include "console/forms.h"
 #include "messages/reply_decoders.h"
-#include "shell/frm_about.h"
-#include "shell/frm_ecu.h"
 #include "support/sim_desktop.h"
-
-#include "diagnostics/frm_diagnostics.h"
-#include "maps/frm_2d.h"
-#include "maps/frm_3d.h"
-#include "maps/frm_sup.h"
-#include "maps/frm_tool.h"
-#include "views/frm_dashboard.h"
 
 namespace ecu::test {
 
@@ -21,21 +13,13 @@ struct ParameterBench {
     link::SharedState state;
     calibration::Scales scales;
     calibration::CalibrationImage image{scales};
-    shell::FrmEcu main;
-    shell::FrmAbout about;
-    maps::FrmTool tool;
-    maps::Frm2d corrections;
-    maps::Frm3d mapping;
-    maps::FrmSup outputs;
-    views::FrmDashboard dashboard;
-    platform::FormRegistry forms = [this] {
-        platform::FormRegistry registry;
-        for (platform::Form* form :
-             {&main.form, &about.form, &tool.form, &corrections.form, &mapping.form, &outputs.form, &dashboard.form}) {
-            registry.add(*form);
-        }
-        return registry;
-    }();
+    console::Forms all{desktop};
+    platform::FormRegistry& forms = all.registry;
+    maps::FrmTool& tool = all.frm_tool;
+    maps::Frm2d& corrections = all.frm_2d;
+    maps::Frm3d& mapping = all.frm_3d;
+    maps::FrmSup& outputs = all.frm_sup;
+    views::FrmDashboard& dashboard = all.frm_dashboard;
     messages::ReplyDecoders decoders{ports, state, image, scales, forms, {}};
 
     // Offers a reply of this code and data to all three decoders; whether one of them took it.

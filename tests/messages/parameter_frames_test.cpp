@@ -1,9 +1,9 @@
 // Every item of the calibration by literal frames: its read, the reply in its control, an entry's write, the echo.
 #include "messages/parameter_forms.h"
+#include "support/fixture.h"
 
 #include <gmock/gmock.h>
 
-#include <fstream>
 #include <sstream>
 
 namespace ecu::test {
@@ -25,31 +25,19 @@ struct FrameLine {
     std::string echo_shown;
 };
 
-Bytes bytes_of(const std::string& hex) {
-    std::istringstream in(hex);
-    in >> std::hex;
-    Bytes bytes;
-    for (unsigned byte = 0; in >> byte;) {
-        bytes.push_back(static_cast<std::uint8_t>(byte));
-    }
-    return bytes;
+// A text, or the states of switches without the sign between their groups.
+std::string text_of(std::string field) {
+    std::erase(field, '+');
+    return field;
 }
 
-std::vector<FrameLine> fixture() {
-    std::ifstream in(ECU_FIXTURES "/parameter_frames.csv");
+std::vector<FrameLine> frame_lines() {
     std::vector<FrameLine> lines;
-    for (std::string line; std::getline(in, line);) {
-        if (line.starts_with('#')) {
-            continue;
-        }
-        std::array<std::string, 11> field;
-        std::istringstream fields(line);
-        for (std::string& text : field) {
-            std::getline(fields, text, ';');
-        }
+    for (const auto& field : fixture("parameter_frames.csv")) {
         lines.push_back({field[0], std::stoi(field[1]), bytes_of(field[2]),
                          field[3] == "=" ? lines.back().reply : bytes_of(field[3]), field[4], std::stoi(field[5]),
-                         field[6], field[7], bytes_of(field[8]), bytes_of(field[9]), field[10]});
+                         text_of(field[6]), text_of(field[7]), bytes_of(field[8]), bytes_of(field[9]),
+                         text_of(field[10])});
     }
     return lines;
 }
@@ -68,12 +56,12 @@ public:
         if (grid_ != nullptr) {
             return grid_->cell_text(row_, column_);
         }
-        std::string state = switches_.empty() ? controls_.front()->text() : "";
-        for (const auto& group : switches_) {
-            state += state.empty() ? "" : "+";
-            for (const platform::Control* control : group) {
-                state += checked(*control) ? '1' : '0';
-            }
+        if (!switches_) {
+            return controls_.front()->text();
+        }
+        std::string state;
+        for (const platform::Control* control : controls_) {
+            state += checked(*control) ? '1' : '0';
         }
         return state;
     }
@@ -82,23 +70,20 @@ public:
         if (grid_ != nullptr) {
             grid_->set_cell_text(row_, column_, entry);
             grid_->set_cell_back(row_, column_, yellow);
-        } else if (switches_.empty()) {
+        } else if (!switches_) {
             controls_.front()->set_text(entry);
             controls_.front()->set_back_colour(yellow);
         } else {
             set_switches(entry);
         }
     }
-    bool is_marked() const {
-        return grid_ != nullptr     ? grid_->cell_pending(row_, column_)
-               : !switches_.empty() ? controls_.front()->fore_colour() == yellow || !controls_.front()->tag().empty()
-                                    : controls_.front()->back_colour() == yellow;
-    }
-    bool is_confirmed() const {
-        return grid_ != nullptr ? grid_->cell_back(row_, column_) == bright_white
-               : switches_.empty()
-                   ? controls_.front()->back_colour() == bright_white
-                   : controls_.front()->fore_colour() == platform::black && controls_.front()->tag().empty();
+    // Yellow for a change that waits, white once it is confirmed.
+    std::optional<platform::Colour> mark() const {
+        if (grid_ != nullptr || !switches_) {
+            return grid_ != nullptr ? grid_->cell_back(row_, column_) : controls_.front()->back_colour();
+        }
+        const platform::Control& first = *controls_.front();
+        return first.fore_colour() == platform::black && first.tag().empty() ? bright_white : yellow;
     }
 
 private:
@@ -107,16 +92,11 @@ private:
         return box != nullptr ? box->checked() : dynamic_cast<const platform::OptionButton&>(control).checked();
     }
     void set_switches(const std::string& entry) {
-        std::istringstream states(entry);
-        for (const auto& group : switches_) {
-            std::string state;
-            std::getline(states, state, '+');
-            for (std::size_t n = 0; n < group.size(); ++n) {
-                if (auto* box = dynamic_cast<platform::CheckBox*>(group[n])) {
-                    box->set_checked(state.at(n) == '1');
-                } else if (state.at(n) == '1') {
-                    dynamic_cast<platform::OptionButton&>(*group[n]).set_checked(true);
-                }
+        for (std::size_t n = 0; n < controls_.size(); ++n) {
+            if (auto* box = dynamic_cast<platform::CheckBox*>(controls_[n])) {
+                box->set_checked(entry.at(n) == '1');
+            } else if (entry.at(n) == '1') {
+                dynamic_cast<platform::OptionButton&>(*controls_[n]).set_checked(true);
             }
         }
         controls_.front()->set_fore_colour(yellow);
@@ -132,18 +112,14 @@ private:
             column_ = std::stoi(name.substr(name.find(',') + 1));
             return;
         }
-        std::vector<platform::Control*> group;
         if (open != std::string::npos && name[open] == '[') {
             for (int n = 0; n < number; ++n) {
-                group.push_back(&form_.at(bare, n));
+                controls_.push_back(&form_.at(bare, n));
             }
         } else {
-            group.push_back(&form_.at(bare, number));
+            controls_.push_back(&form_.at(bare, number));
         }
-        controls_.insert(controls_.end(), group.begin(), group.end());
-        if (group.front()->kind() != platform::Kind::text_box) {
-            switches_.push_back(group);
-        }
+        switches_ = controls_.front()->kind() != platform::Kind::text_box;
     }
 
     platform::Form& form_;
@@ -151,7 +127,7 @@ private:
     int row_ = 0;
     int column_ = 0;
     std::vector<platform::Control*> controls_;
-    std::vector<std::vector<platform::Control*>> switches_;
+    bool switches_ = false;
 };
 
 // A request's command and arguments as they travel.
@@ -163,7 +139,7 @@ Bytes travelling(const link::Message& message) {
 TEST(ParameterFrames, every_item_reads_shows_writes_and_echoes) {
     ParameterBench bench;
     int items = 0;
-    for (const FrameLine& line : fixture()) {
+    for (const FrameLine& line : frame_lines()) {
         SCOPED_TRACE(line.key);
         const Parameter* row = calibration::find_parameter(line.key);
         const Table* table = calibration::find_table(line.key);
@@ -180,10 +156,10 @@ TEST(ParameterFrames, every_item_reads_shows_writes_and_echoes) {
         }
         control.enter(control.text()); // pending: an entry that the controller has not answered
         EXPECT_FALSE(bench.receive(line.reply, 1)) << "a reply of another size";
-        EXPECT_TRUE(control.is_marked());
+        EXPECT_EQ(control.mark(), yellow);
         EXPECT_TRUE(bench.receive(line.reply));
         EXPECT_EQ(control.text(), line.shown);
-        EXPECT_TRUE(control.is_confirmed());
+        EXPECT_EQ(control.mark(), bright_white);
         EXPECT_EQ(row != nullptr ? bench.image.raw(*row, line.element) : bench.image.cell(table->base + line.element),
                   line.raw);
 
@@ -203,7 +179,7 @@ TEST(ParameterFrames, every_item_reads_shows_writes_and_echoes) {
         EXPECT_EQ(write, line.write);
         EXPECT_TRUE(bench.receive(line.echo));
         EXPECT_EQ(control.text(), line.echo_shown);
-        EXPECT_TRUE(control.is_confirmed());
+        EXPECT_EQ(control.mark(), bright_white);
     }
     EXPECT_EQ(items, 75 + 21 + 29);
 }

@@ -9,16 +9,10 @@ namespace {
 using calibration::parameter;
 using calibration::table;
 
-class ParameterReplies : public ::testing::Test, protected ParameterBench {
-protected:
-    // The reply to C with these last three bytes and a pressure cut at full scale.
-    Bytes configuration_block(std::uint8_t map_type) {
-        return {'C', 0, 0, 0, 0, 0, 0, 0xFF, 0x03, 0, 0, 0, 0, 0, 0x40, 0x1F, 0, 36, map_type};
-    }
-};
+class ParameterReplies : public testing::Test, protected ParameterBench {};
 
 TEST_F(ParameterReplies, pressure_is_shown_by_the_sensor_of_its_own_block) {
-    EXPECT_TRUE(receive(configuration_block(0x40 | 2)));
+    EXPECT_TRUE(receive({'C', 0, 0, 0, 0, 0, 0, 0xFF, 0x03, 0, 0, 0, 0, 0, 0x40, 0x1F, 0, 36, 0x40 | 2}));
     EXPECT_EQ(tool.min_pressure.text(), "630.0");
     EXPECT_EQ(scales.map_span, 551);
     EXPECT_EQ(scales.map_base, 79);
@@ -45,34 +39,31 @@ TEST_F(ParameterReplies, fuel_trims_and_timing_offset_confirm_both_forms) {
     EXPECT_FALSE(dashboard.base_offset_deg.is_pending());
 }
 
-TEST_F(ParameterReplies, priming_threshold_keeps_its_crooked_scale) {
-    const std::vector<std::pair<int, std::string>> cases{{200, "-14"}, {121, "120"}, {127, "120"}, {255, "0"}};
-    for (const auto& [raw, shown] : cases) {
-        receive({'W', static_cast<std::uint8_t>(raw)});
-        EXPECT_EQ(tool.temp_threshold.text(), shown);
-        EXPECT_EQ(image.raw(parameter("TMP_THRS")), raw);
+TEST_F(ParameterReplies, some_replies_show_what_no_common_scale_does) {
+    const platform::TextBox& base = tool.tps_base_val;
+    const platform::TextBox& full = tool.tps_fs_val;
+    const platform::TextBox& relay = outputs.cool_rly_temp[1];
+    const std::vector<std::tuple<Bytes, const platform::Control*, std::string>> cases{
+        {{'W', 200}, &tool.temp_threshold, "-14"}, // crooked
+        {{'W', 121}, &tool.temp_threshold, "120"},
+        {{'W', 127}, &tool.temp_threshold, "120"},
+        {{'W', 255}, &tool.temp_threshold, "0"},
+        {{213, 128}, &base, "128.0"}, // the throttle's replies differ
+        {{215, 128}, &base, "50.2"},
+        {{214, 200}, &full, "78.4"},
+        {{216, 200}, &full, "200.0"},
+        {{212, 128, 201}, &base, "50.2"},
+        {{173, 1, 200}, &relay, "-56"}, // signed in the echo alone
+        {{172, 0, 200, 0, 0}, &relay, "200"},
+        {{'R', 0xD8, 0x27}, &all.frm_about.FW_Rev, "V1.02.00"},
+        {{'R', 7, 0}, &all.frm_about.FW_Rev, "V0.00.07"},
+        {{'-', 0x34, 0x12, 3}, &all.frm_about.serial_num, "201268"}}; // 3 * 65536 + 4660
+    for (const auto& [reply, control, shown] : cases) {
+        EXPECT_TRUE(receive(reply));
+        EXPECT_EQ(control->text(), shown) << testing::PrintToString(reply);
     }
-}
-
-TEST_F(ParameterReplies, throttle_replies_differ_in_what_they_show) {
-    receive({213, 128});
-    EXPECT_EQ(tool.tps_base_val.text(), "128.0");
-    receive({215, 128});
-    EXPECT_EQ(tool.tps_base_val.text(), "50.2");
-    receive({214, 200});
-    EXPECT_EQ(tool.tps_fs_val.text(), "78.4");
-    receive({216, 200});
-    EXPECT_EQ(tool.tps_fs_val.text(), "200.0");
-    receive({212, 128, 201});
-    EXPECT_EQ(tool.tps_base_val.text(), "50.2");
+    EXPECT_EQ(image.raw(parameter("TMP_THRS")), 255);
     EXPECT_EQ(image.raw(parameter("TPS_FS")), 201);
-}
-
-TEST_F(ParameterReplies, relay_echo_is_signed_and_its_read_is_not) {
-    receive({173, 1, 200});
-    EXPECT_EQ(outputs.cool_rly_temp[1].text(), "-56");
-    receive({172, 0, 200, 0, 0});
-    EXPECT_EQ(outputs.cool_rly_temp[1].text(), "200");
 }
 
 TEST_F(ParameterReplies, an_index_that_the_vector_has_not_is_taken_without_effect) {
@@ -168,15 +159,6 @@ TEST_F(ParameterReplies, cells_outside_all_tables_are_ignored) {
     EXPECT_TRUE(receive({'e', 0xB1, 0x0A, 7}));
 }
 
-TEST_F(ParameterReplies, the_controller_is_told_apart) {
-    EXPECT_TRUE(receive({'R', 0xD8, 0x27}));
-    EXPECT_EQ(about.FW_Rev.text(), "V1.02.00");
-    EXPECT_TRUE(receive({'R', 7, 0}));
-    EXPECT_EQ(about.FW_Rev.text(), "V0.00.07");
-    EXPECT_TRUE(receive({'-', 0x34, 0x12, 3}));
-    EXPECT_EQ(about.serial_num.text(), "201268") << "3 * 65536 + 4660, without the checksum behind";
-}
-
 TEST_F(ParameterReplies, incompatible_revisions_are_reported_each_time) {
     const std::string both = "The ECU reports that there is an incompatibility with some internal features.  ";
     const std::string old_console = both + "This program is older than what is required for your ECU.";
@@ -190,14 +172,14 @@ TEST_F(ParameterReplies, incompatible_revisions_are_reported_each_time) {
 }
 
 TEST_F(ParameterReplies, restart_is_reported_and_unlocks_the_flash_utility) {
-    main.menu_tool_flash_utility.set_enabled(false);
+    all.frm_ecu.menu_tool_flash_utility.set_enabled(false);
     desktop.expect_box("The controller has been succesfully reset.");
     EXPECT_TRUE(receive({174, 0}));
     EXPECT_TRUE(receive({174, 165}));
-    EXPECT_FALSE(main.menu_tool_flash_utility.enabled());
+    EXPECT_FALSE(all.frm_ecu.menu_tool_flash_utility.enabled());
     desktop.expect_box("The controller is now ready to re-flash.");
     EXPECT_TRUE(receive({174, 90}));
-    EXPECT_TRUE(main.menu_tool_flash_utility.enabled());
+    EXPECT_TRUE(all.frm_ecu.menu_tool_flash_utility.enabled());
     EXPECT_EQ(desktop.boxes().size(), 2U);
     EXPECT_EQ(state.last_reply_time, ports.now());
 }

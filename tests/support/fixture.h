@@ -1,6 +1,7 @@
 // The data files of tests/fixtures: one case a line, its fields between semicolons, lines of "#" are comments.
 #pragma once
 
+#include <cstdint>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
@@ -25,6 +26,17 @@ inline std::vector<std::vector<std::string>> fixture(const std::string& name) {
         throw std::runtime_error("nothing in the fixture " + name);
     }
     return rows;
+}
+
+// The bytes of "41 0A FF".
+inline std::vector<std::uint8_t> bytes_of(const std::string& hexadecimal) {
+    std::istringstream in(hexadecimal);
+    in >> std::hex;
+    std::vector<std::uint8_t> bytes;
+    for (unsigned byte = 0; in >> byte;) {
+        bytes.push_back(static_cast<std::uint8_t>(byte));
+    }
+    return bytes;
 }
 
 } // namespace ecu::test
