@@ -18,13 +18,13 @@ struct LinkBench {
     platform::Ports ports = desktop.ports();
     SharedState state;
     std::unique_ptr<platform::SerialPort> comm1 = desktop.make_serial_port();
-    std::unique_ptr<platform::DatagramSocket> socket = desktop.make_datagram_socket();
+    SimDatagramSocket socket;
     platform::Form main_form{"FrmEcu", "ECU System Console [Master Mode]"};
     platform::Form monitor{"frm_mon", ""};
     platform::Label group_delay{monitor, "group_delay"};
     FrmDialog dialog;
     FrmRetries retries{desktop};
-    EcuComm comm{ports, state, *comm1, *socket, dialog, retries, group_delay};
+    EcuComm comm{ports, state, *comm1, socket, dialog, retries, group_delay};
     LinkSelection selection{ports, state, *comm1, dialog, main_form};
     ScriptedController controller{desktop, desktop.line()};
     std::map<int, int> sizes{{'A', 63}, {174, 4}}; // payload_count by code

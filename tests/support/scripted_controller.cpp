@@ -1,41 +1,14 @@
 #include "support/scripted_controller.h"
 
 #include <algorithm>
-#include <iterator>
-#include <numeric>
 
 namespace ecu::test {
-
-namespace {
-
-std::uint8_t low(unsigned value) { return static_cast<std::uint8_t>(value & 0xFF); }
-std::uint8_t high(unsigned value) { return static_cast<std::uint8_t>(value / 256); }
-
-} // namespace
 
 Bytes reply_frame(Bytes code_and_data, int payload_count) {
     if (payload_count > 2) {
         code_and_data.resize(static_cast<std::size_t>(payload_count) - 2);
     }
-    Bytes frame;
-    frame.reserve(code_and_data.size() + 4);
-    frame.push_back(2);
-    frame.push_back(low(static_cast<unsigned>(code_and_data.size() + 4)));
-    std::ranges::copy(code_and_data, std::back_inserter(frame));
-    const unsigned sum = std::accumulate(frame.begin(), frame.end(), 0U);
-    frame.push_back(low(sum));
-    frame.push_back(high(sum));
-    return frame;
-}
-
-Request request_frame(Bytes message) {
-    message.resize(4, '0');
-    Request frame{2, 8};
-    std::ranges::copy(message, frame.begin() + 2);
-    const unsigned sum = std::accumulate(frame.begin(), frame.begin() + 6, 0U);
-    frame[6] = low(sum);
-    frame[7] = high(sum);
-    return frame;
+    return link::build_reply(code_and_data.front(), std::span(code_and_data).subspan(1));
 }
 
 ScriptedController::ScriptedController(SimEvents& events, SimSerialLine& line) : events_(events), line_(line) {
@@ -57,7 +30,7 @@ void ScriptedController::take(std::span<const std::uint8_t> bytes) {
 
 void ScriptedController::answer(const Request& request) {
     const auto fixed = fixed_.find(request[2]);
-    Bytes reply = fixed != fixed_.end() ? fixed->second : responder ? responder(request) : Bytes{};
+    const Bytes reply = fixed != fixed_.end() ? fixed->second : responder ? responder(request) : Bytes{};
     if (silent_ || reply.empty()) {
         return;
     }
@@ -65,11 +38,7 @@ void ScriptedController::answer(const Request& request) {
         --dropped_;
         return;
     }
-    if (std::exchange(corrupt_, false)) {
-        reply[reply.size() - 2] ^= 1;
-    }
-    reply.resize(reply.size() - std::min(std::exchange(cut_, 0), reply.size()) + std::exchange(surplus_, 0));
-    line_.receive(reply, reply_delay_ + std::exchange(delay_, 0));
+    line_.receive(reply, reply_delay_);
 }
 
 std::string ScriptedController::sent_codes() const {

@@ -39,8 +39,8 @@ SimDesktop::SimDesktop() {
 SimDesktop::~SimDesktop() {
     std::error_code ignored;
     std::filesystem::remove_all(folder_, ignored);
-    for (const BoxAnswer& answer : answers_) {
-        ADD_FAILURE() << "no message box asked for the answer to: " << answer.text;
+    for (const auto& [text, answer] : answers_) {
+        ADD_FAILURE() << "no message box asked for the answer to: " << text;
     }
     for (const std::string& file : files_) {
         ADD_FAILURE() << "no file dialog asked for: " << file;
@@ -71,10 +71,6 @@ std::unique_ptr<platform::SerialPort> SimDesktop::make_serial_port() {
     return std::make_unique<SimSerialPort>(line(ports_made_++));
 }
 
-void SimDesktop::answer_box(std::string text, platform::Answer answer, double seconds_open) {
-    answers_.push_back({std::move(text), answer, seconds_open});
-}
-
 std::vector<std::string> SimDesktop::box_texts() const {
     std::vector<std::string> texts;
     std::ranges::transform(boxes_, std::back_inserter(texts), &platform::MessageBox::text);
@@ -83,18 +79,15 @@ std::vector<std::string> SimDesktop::box_texts() const {
 
 platform::Answer SimDesktop::message_box(const platform::MessageBox& box) {
     boxes_.push_back(box);
-    const auto scripted =
-        std::ranges::find_if(answers_, [&](const BoxAnswer& a) { return box.text.find(a.text) != std::string::npos; });
+    const auto scripted = std::ranges::find_if(
+        answers_, [&](const auto& answer) { return box.text.find(answer.first) != std::string::npos; });
     if (scripted == answers_.end()) {
         ADD_FAILURE() << "unexpected message box: " << box.text;
         return safe_answer(box.buttons);
     }
-    const BoxAnswer chosen = *scripted;
+    const platform::Answer answer = scripted->second;
     answers_.erase(scripted);
-    if (chosen.seconds_open > 0) {
-        run_for(chosen.seconds_open);
-    }
-    return chosen.answer;
+    return answer;
 }
 
 std::string SimDesktop::next_file(const platform::FileDialog& dialog) {
@@ -106,11 +99,6 @@ std::string SimDesktop::next_file(const platform::FileDialog& dialog) {
     const std::string file = files_.front();
     files_.pop_front();
     return file;
-}
-
-void SimDesktop::form_shown(platform::Form& form) {
-    shown_.push_back(form.name());
-    post([&form] { form.activate(); });
 }
 
 void SimDesktop::on_modal(const std::string& form, std::function<void(platform::Form&)> action) {
@@ -132,37 +120,19 @@ void SimDesktop::run_modal(platform::Form& form) {
     const auto action = std::move(actions.front());
     actions.pop_front();
     action(form);
-    await_hidden(form);
-}
-
-void SimDesktop::await_hidden(platform::Form& form) {
     if (!run_until([&form] { return !form.visible(); }, longest_modal_seconds)) {
         ADD_FAILURE() << "the modal form stayed open: " << form.name();
         form.hide();
     }
 }
 
-void SimDesktop::control_changed(platform::Control& control, platform::Property property) {
-    ++changes_[&control][property];
-}
-
-int SimDesktop::changes(const std::string& form, const std::string& control) const {
+int SimDesktop::changes(const std::string& form, const std::string& control,
+                        std::optional<platform::Property> property) const {
     int count = 0;
-    for (const auto& [changed, properties] : changes_) {
-        if (changed->form().name() == form && changed->full_name() == control) {
-            for (const auto& [property, times] : properties) {
-                count += times;
-            }
-        }
-    }
-    return count;
-}
-
-int SimDesktop::changes(const std::string& form, const std::string& control, platform::Property property) const {
-    int count = 0;
-    for (const auto& [changed, properties] : changes_) {
-        if (changed->form().name() == form && changed->full_name() == control && properties.contains(property)) {
-            count += properties.at(property);
+    for (const auto& [changed, times] : changes_) {
+        const auto& [which, what] = changed;
+        if (which->form().name() == form && which->full_name() == control && what == property.value_or(what)) {
+            count += times;
         }
     }
     return count;

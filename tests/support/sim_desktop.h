@@ -7,8 +7,7 @@
 #include "platform/form.h"
 #include "platform/ports.h"
 #include "support/scripted_controller.h"
-#include "support/sim_network.h"
-#include "support/sim_serial.h"
+#include "support/sim_datagrams.h"
 
 #include <filesystem>
 
@@ -41,10 +40,9 @@ public:
 
     // The line of the i-th serial port that the console makes; usable before that.
     SimSerialLine& line(std::size_t i = 0);
-    SimNetwork network{*this};
 
-    // Answers the first box yet to come whose text contains this, after keeping it open for a while.
-    void answer_box(std::string text, platform::Answer answer, double seconds_open = 0);
+    // Answers the first box yet to come whose text contains this.
+    void answer_box(std::string text, platform::Answer answer) { answers_.emplace_back(std::move(text), answer); }
     void expect_box(std::string text) { answer_box(std::move(text), platform::Answer::ok); }
     void choose_file(std::string path) { files_.push_back(std::move(path)); } // "" cancels the dialog
     const std::vector<platform::MessageBox>& boxes() const { return boxes_; }
@@ -53,10 +51,9 @@ public:
 
     // What the user does with the next modal showing of the form, once its activation is done.
     void on_modal(const std::string& form, std::function<void(platform::Form&)> action);
-    const std::vector<std::string>& shown() const { return shown_; } // form names in order of showing, modal or not
     // How often a control announced a change of any property, or of this one.
-    int changes(const std::string& form, const std::string& control) const;
-    int changes(const std::string& form, const std::string& control, platform::Property property) const;
+    int changes(const std::string& form, const std::string& control,
+                std::optional<platform::Property> property = {}) const;
     void clear_changes() { changes_.clear(); }
 
     platform::Answer message_box(const platform::MessageBox& box) override;
@@ -64,32 +61,31 @@ public:
     std::string save_file(const platform::FileDialog& dialog) override { return next_file(dialog); }
     [[noreturn]] void end(int status) override { throw ProgramEnded{status}; }
     std::unique_ptr<platform::SerialPort> make_serial_port() override;
-    std::unique_ptr<platform::DatagramSocket> make_datagram_socket() override { return network.make_socket(); }
-    void form_shown(platform::Form& form) override;
+    std::unique_ptr<platform::DatagramSocket> make_datagram_socket() override {
+        return std::make_unique<SimDatagramSocket>();
+    }
+    void form_shown(platform::Form& form) override {
+        post([&form] { form.activate(); });
+    }
     void form_hidden(platform::Form&) override {}
     void form_changed(platform::Form&, platform::FormChange) override {}
     void run_modal(platform::Form& form) override;
-    void control_changed(platform::Control& control, platform::Property property) override;
+    void control_changed(platform::Control& control, platform::Property property) override {
+        ++changes_[{&control, property}];
+    }
 
 private:
-    struct BoxAnswer {
-        std::string text;
-        platform::Answer answer;
-        double seconds_open;
-    };
     std::string next_file(const platform::FileDialog& dialog);
-    void await_hidden(platform::Form& form);
 
     std::filesystem::path folder_;
     std::deque<SimSerialLine> lines_;
     std::size_t ports_made_ = 0;
-    std::vector<BoxAnswer> answers_;
+    std::vector<std::pair<std::string, platform::Answer>> answers_;
     std::deque<std::string> files_;
     std::vector<platform::MessageBox> boxes_;
     std::vector<platform::FileDialog> file_dialogs_;
     std::map<std::string, std::deque<std::function<void(platform::Form&)>>> modal_actions_;
-    std::vector<std::string> shown_;
-    std::map<const platform::Control*, std::map<platform::Property, int>> changes_;
+    std::map<std::pair<const platform::Control*, platform::Property>, int> changes_;
 };
 
 } // namespace ecu::test

@@ -27,10 +27,6 @@ public:
     double seconds() const { return static_cast<double>(now_) / 1e6; }
     // The time of day at this moment; it runs on from here. 86390 is ten seconds before midnight.
     void set_time_of_day(double seconds) { midnight_offset_ = to_microseconds(seconds) - now_; }
-    // Moves the clock while no event gets through, as a long computation does.
-    void skip(double seconds) { now_ += to_microseconds(seconds); }
-    // Virtual time at which a test counts as stuck; 6 hours unless told.
-    void set_time_limit(double seconds) { time_limit_ = to_microseconds(seconds); }
 
     // Runs everything that happens in the next `seconds`.
     void run_for(double seconds);
@@ -57,7 +53,6 @@ private:
 
     Microseconds now_ = 0;
     Microseconds midnight_offset_ = to_microseconds(10 * 3600);
-    Microseconds time_limit_ = to_microseconds(6 * 3600);
     std::uint64_t sequence_ = 0;
     std::map<Key, std::function<void()>> queue_;
     Microseconds instant_ = 0; // where the calls below were counted

@@ -4,6 +4,13 @@
 
 namespace ecu::test {
 
+Bytes take_front(std::deque<std::uint8_t>& from, std::size_t at_most) {
+    const auto end = from.begin() + static_cast<std::ptrdiff_t>(std::min(at_most, from.size()));
+    Bytes bytes(from.begin(), end);
+    from.erase(from.begin(), end);
+    return bytes;
+}
+
 std::string SimSerialLine::open(int number, int baud) {
     tried_.push_back(number);
     if (open_) {
@@ -13,7 +20,6 @@ std::string SimSerialLine::open(int number, int baud) {
         return failure->second;
     }
     open_ = true;
-    number_ = number;
     baud_ = baud;
     ++opening_;
     return "";
@@ -60,25 +66,6 @@ void SimSerialLine::write(std::span<const std::uint8_t> bytes) {
             peer(sent);
         }
     });
-}
-
-Bytes SimSerialLine::read(std::size_t at_most) {
-    const auto end = input_.begin() + static_cast<std::ptrdiff_t>(std::min(at_most, input_.size()));
-    Bytes bytes(input_.begin(), end);
-    input_.erase(input_.begin(), end);
-    return bytes;
-}
-
-std::size_t SimSerialLine::output_pending() const {
-    if (pace_ == 0 || output_free_ <= events_.now()) {
-        return 0;
-    }
-    return static_cast<std::size_t>((output_free_ - events_.now() + byte_time() - 1) / byte_time());
-}
-
-void SimSerialLine::drain_output(int milliseconds) {
-    const Microseconds left = std::max(Microseconds{0}, output_free_ - events_.now());
-    events_.skip(static_cast<double>(std::min(left, milliseconds * Microseconds{1000})) / 1e6);
 }
 
 } // namespace ecu::test

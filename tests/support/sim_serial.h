@@ -12,6 +12,9 @@ namespace ecu::test {
 
 using Bytes = std::vector<std::uint8_t>;
 
+// Removes and gives up to so many bytes of the front.
+Bytes take_front(std::deque<std::uint8_t>& from, std::size_t at_most);
+
 class SimSerialLine {
 public:
     explicit SimSerialLine(SimEvents& events) : events_(events) {}
@@ -25,23 +28,18 @@ public:
     // Bytes for the console. They come as events, after what is on the wire already; lost when the port is closed.
     void receive(std::span<const std::uint8_t> bytes, double after_seconds = 0);
     void fail_open(int number, std::string reason) { failures_[number] = std::move(reason); }
-    void mend(int number) { failures_.erase(number); }
 
     bool is_open() const { return open_; }
-    int number() const { return number_; }
     int baud() const { return baud_; }
     const std::vector<int>& tried() const { return tried_; } // port numbers in the order of open calls
-    const Bytes& written() const { return written_; }        // everything since the start or clear_written
-    void clear_written() { written_.clear(); }
+    const Bytes& written() const { return written_; }
 
     // The console's side.
     std::string open(int number, int baud);
     void close();
     void write(std::span<const std::uint8_t> bytes);
     std::size_t available() const { return input_.size(); }
-    Bytes read(std::size_t at_most);
-    std::size_t output_pending() const;
-    void drain_output(int milliseconds);
+    Bytes read(std::size_t at_most) { return take_front(input_, at_most); }
 
 private:
     Microseconds byte_time() const { return pace_ > 0 ? 10'000'000 / pace_ : 0; }
@@ -49,7 +47,6 @@ private:
     SimEvents& events_;
     int pace_ = 0;
     bool open_ = false;
-    int number_ = 0;
     int baud_ = 0;
     int opening_ = 0; // counts open and close, so that bytes of an earlier opening are known
     std::map<int, std::string> failures_;
@@ -69,8 +66,8 @@ public:
     void write(std::span<const std::uint8_t> bytes) override { line_.write(bytes); }
     std::size_t available() const override { return line_.available(); }
     Bytes read(std::size_t at_most) override { return line_.read(at_most); }
-    std::size_t output_pending() const override { return line_.output_pending(); }
-    void drain_output(int milliseconds) override { line_.drain_output(milliseconds); }
+    std::size_t output_pending() const override { return 0; }
+    void drain_output(int) override {}
     std::string device_of(int number) const override { return "/dev/sim" + std::to_string(number); }
 
 private:

@@ -25,10 +25,6 @@ public:
         events_.cancel(wake_);
     }
 
-    void drop_next_reply(int times = 1) { controller.faults().strike_next(controller::Fault::lost, times); }
-    void delay_next_reply() { controller.faults().strike_next(controller::Fault::late); }
-    void cut_next_reply() { controller.faults().strike_next(controller::Fault::cut); }
-    void corrupt_next_reply() { controller.faults().strike_next(controller::Fault::corrupted); }
     void silence() { controller.faults().set_silent(true); }
     void speak() { controller.faults().set_silent(false); }
 
