@@ -35,7 +35,11 @@ bool GridModel::setData(const QModelIndex& index, const QVariant& value, int rol
 }
 
 Qt::ItemFlags GridModel::flags(const QModelIndex& index) const {
-    return index.isValid() ? Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsEditable : Qt::NoItemFlags;
+    if (!index.isValid()) {
+        return Qt::NoItemFlags;
+    }
+    const Qt::ItemFlags shown = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
+    return grid_.locked() ? shown : shown | Qt::ItemIsEditable;
 }
 
 void GridModel::announce_change() {

@@ -10,6 +10,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPainter>
+#include <QPointer>
 #include <QStyledItemDelegate>
 
 #include <algorithm>
@@ -54,20 +55,24 @@ public:
         editor->setPalette(theme::edit_palette(QPalette(), platform::pending, platform::black));
         editor->setText(index.data().toString());
         editor->selectAll();
-        Edit& edit = edit_;
-        edit = {.row = index.row() + 1, .column = index.column() + 1, .typed_over = view_.typed_over_};
-        edit.text = view_.grid().cell_text(edit.row, edit.column);
-        edit.back = view_.grid().cell_back(edit.row, edit.column);
-        connect(editor, &QLineEdit::textEdited, &view_, [this](const QString& text) {
-            edit_.wrote = true;
-            view_.grid().set_cell_text(edit_.row, edit_.column, text.toStdString());
-        });
+        edit_ = {.editor = editor, .row = index.row() + 1, .column = index.column() + 1};
+        edit_.typed_over = view_.typed_over_;
+        keep_for_escape();
+        connect(editor, &QLineEdit::textEdited, &view_, [this](const QString& text) { write(text); });
         return editor;
     }
     // The editor has its text from the start, and each key wrote it: a reply that comes meanwhile changes the cell
     // and not what is being typed.
     void setEditorData(QWidget*, const QModelIndex&) const override {}
-    void setModelData(QWidget*, QAbstractItemModel*, const QModelIndex&) const override {}
+    void setModelData(QWidget*, QAbstractItemModel*, const QModelIndex&) const override { settle(); }
+
+    // A cell that turned white under its editor was confirmed: that is what Escape goes back to from now on.
+    void cell_may_have_changed() {
+        if (edit_.editor != nullptr && !edit_.writing &&
+            view_.grid().cell_back(edit_.row, edit_.column) == platform::confirmed) {
+            keep_for_escape();
+        }
+    }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
@@ -81,6 +86,7 @@ protected:
             }
             if (view_.editor_key(key, edit_.typed_over)) {
                 QKeyEvent again(key.type(), key.key(), key.modifiers(), key.text(), key.isAutoRepeat());
+                settle();
                 emit closeEditor(editor, NoHint);
                 QCoreApplication::sendEvent(&view_, &again);
                 return true;
@@ -92,30 +98,53 @@ protected:
 
 private:
     struct Edit {
+        QPointer<QLineEdit> editor = {};
         int row = 1;
         int column = 1;
         bool typed_over = false;
-        bool wrote = false;
+        bool typed = false;
+        bool restorable = false; // written since the text below was the cell's
+        bool writing = false;
         std::string text = {};
         std::optional<platform::Colour> back = {};
     };
 
+    void keep_for_escape() const {
+        edit_.text = view_.grid().cell_text(edit_.row, edit_.column);
+        edit_.back = view_.grid().cell_back(edit_.row, edit_.column);
+        edit_.restorable = false;
+    }
+    void write(const QString& text) const {
+        if (!view_.grid().locked()) {
+            edit_.typed = edit_.restorable = edit_.writing = true;
+            view_.grid().set_cell_text(edit_.row, edit_.column, text.toStdString());
+            edit_.writing = false;
+        }
+    }
+    // The echo of an earlier text may have come over what was typed since.
+    void settle() const {
+        if (edit_.editor != nullptr && edit_.typed &&
+            edit_.editor->text() != qt(view_.grid().cell_text(edit_.row, edit_.column))) {
+            write(edit_.editor->text());
+        }
+    }
     // Nothing was entered, so what the writing made pending is not.
     void restore() const {
         platform::Grid& grid = view_.grid();
-        if (edit_.wrote) {
+        if (edit_.restorable) {
             grid.set_cell_text(edit_.row, edit_.column, edit_.text);
             grid.set_cell_back(edit_.row, edit_.column, edit_.back);
         }
+        edit_.editor.clear();
     }
 
     GridView& view_;
     mutable Edit edit_; // a view has one editor at most
 };
 
-GridView::GridView(platform::Grid& grid) : grid_(grid), model_(grid) {
+GridView::GridView(platform::Grid& grid) : grid_(grid), model_(grid), delegate_(new GridDelegate(*this)) {
     setModel(&model_);
-    setItemDelegate(new GridDelegate(*this));
+    setItemDelegate(delegate_);
     horizontalHeader()->hide();
     verticalHeader()->hide();
     horizontalHeader()->setMinimumSectionSize(8);
@@ -133,6 +162,9 @@ GridView::GridView(platform::Grid& grid) : grid_(grid), model_(grid) {
 void GridView::refresh(Property property) {
     if (property == Property::content) {
         model_.announce_change();
+        delegate_->cell_may_have_changed();
+    } else if (property == Property::value) {
+        select_shown_block();
     } else if (property == Property::scale) {
         apply_sizes();
     } else if (property == Property::focus) {
@@ -144,6 +176,36 @@ void GridView::refresh(Property property) {
             setCurrentIndex(active);
         }
     }
+}
+
+void GridView::select_shown_block() {
+    const platform::Grid::Area& block = grid_.shown_block();
+    if (block.rows() > 0 && block.columns() > 0) {
+        selectionModel()->select({model_.index(block.first_row - 1, block.first_column - 1),
+                                  model_.index(block.last_row - 1, block.last_column - 1)},
+                                 QItemSelectionModel::ClearAndSelect);
+    }
+}
+
+// Selecting with Shift or by Ctrl+A chooses a block as dragging the mouse does.
+void GridView::report_keyed_block() const {
+    const auto ranges = selectionModel()->selection();
+    if (grid_.block_chosen && ranges.size() == 1 && ranges.first().width() * ranges.first().height() > 1) {
+        const QItemSelectionRange& block = ranges.first();
+        grid_.block_chosen({block.top() + 1, block.left() + 1, block.bottom() + 1, block.right() + 1});
+    }
+}
+
+// Shift and a click extend the selection from where it began: to the grid that is a press there and a release here.
+void GridView::report_extension(const QModelIndex& to) {
+    const auto ranges = selectionModel()->selection();
+    if (!grid_.mouse_down || ranges.isEmpty()) {
+        return;
+    }
+    const QItemSelectionRange& block = ranges.first();
+    grid_.set_mouse_cell((to.row() == block.top() ? block.bottom() : block.top()) + 1,
+                         (to.column() == block.left() ? block.right() : block.left()) + 1);
+    grid_.mouse_down(platform::MouseButton::left);
 }
 
 void GridView::apply_sizes() {
@@ -199,8 +261,13 @@ void GridView::keyPressEvent(QKeyEvent* event) {
         paste_block();
     } else if (event->key() == Qt::Key_Delete) {
         clear_block();
+    } else if (event->key() == Qt::Key_Backspace) {
+        if (!grid_.locked()) {
+            grid_.set_cell_text(grid_.active_row(), grid_.active_column(), "");
+        }
     } else if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
         QTableView::keyPressEvent(event);
+        report_keyed_block();
     }
 }
 
@@ -239,6 +306,12 @@ void GridView::note_mouse(const QMouseEvent& event) {
 void GridView::mousePressEvent(QMouseEvent* event) {
     note_mouse(*event);
     const auto button = button_of(*event);
+    const QModelIndex at = indexAt(event->position().toPoint());
+    if (button == platform::MouseButton::left && event->modifiers().testFlag(Qt::ShiftModifier) && at.isValid()) {
+        QTableView::mousePressEvent(event);
+        report_extension(at);
+        return;
+    }
     if (grid_.mouse_down && button != platform::MouseButton::none) {
         grid_.mouse_down(button);
     }
@@ -287,23 +360,33 @@ void GridView::paste_block() {
     if (text.endsWith('\n')) {
         text.chop(1);
     }
-    if (text.isEmpty() || !isEnabled()) {
+    if (text.isEmpty() || !isEnabled() || grid_.locked()) {
         return;
     }
-    const QModelIndex corner = currentIndex();
+    const auto ranges = selectionModel()->selection();
+    const QItemSelectionRange block = ranges.isEmpty() ? QItemSelectionRange(currentIndex()) : ranges.first();
     grid_.begin_batch();
-    const QStringList lines = text.split('\n');
-    for (int line = 0; line < lines.size() && corner.row() + line < grid_.rows(); ++line) {
-        const QStringList cells = lines[line].split('\t');
-        for (int cell = 0; cell < cells.size() && corner.column() + cell < grid_.columns(); ++cell) {
-            grid_.set_cell_text(corner.row() + line + 1, corner.column() + cell + 1,
-                                cells[cell].trimmed().toStdString());
+    if (!text.contains('\n') && !text.contains('\t')) {
+        for (const QModelIndex& index : block.indexes()) {
+            grid_.set_cell_text(index.row() + 1, index.column() + 1, text.trimmed().toStdString());
+        }
+    } else {
+        const QStringList lines = text.split('\n');
+        for (int line = 0; line < lines.size() && block.top() + line < grid_.rows(); ++line) {
+            const QStringList cells = lines[line].split('\t');
+            for (int cell = 0; cell < cells.size() && block.left() + cell < grid_.columns(); ++cell) {
+                grid_.set_cell_text(block.top() + line + 1, block.left() + cell + 1,
+                                    cells[cell].trimmed().toStdString());
+            }
         }
     }
     grid_.end_batch();
 }
 
 void GridView::clear_block() {
+    if (grid_.locked()) {
+        return;
+    }
     grid_.begin_batch();
     for (const QModelIndex& index : selectionModel()->selectedIndexes()) {
         grid_.set_cell_text(index.row() + 1, index.column() + 1, "");

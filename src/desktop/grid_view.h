@@ -1,7 +1,7 @@
 // A Grid on the screen, edited in place like a spreadsheet: typing replaces, F2 or a double click edits, Escape
-// restores what was typed over, Tab, Enter and the arrows move, Delete empties, Ctrl+C and Ctrl+V carry a block as
-// tab-separated text. What is typed goes to the cell with each key, so that no edit is lost to a menu or button.
-// The grid's own handlers hear of every key and mouse button first; a key that they change is theirs alone.
+// restores what was typed over, Tab, Enter and the arrows move, Delete and Backspace empty, Ctrl+C and Ctrl+V carry a
+// block as tab-separated text. What is typed goes to the cell with each key, so that no edit is lost to a menu or
+// button. The grid's own handlers hear of every key and mouse button first; a key that they change is theirs alone.
 #pragma once
 
 #include "desktop/grid_model.h"
@@ -9,6 +9,8 @@
 #include <QTableView>
 
 namespace ecu::desktop {
+
+class GridDelegate;
 
 class GridView final : public QTableView {
 public:
@@ -19,7 +21,8 @@ public:
     QSize minimumSizeHint() const override;
 
     void copy_block() const;
-    void paste_block(); // from the active cell; writes cell texts and nothing else
+    // From the selection's top left, a single copied cell into all of it; writes cell texts and nothing else.
+    void paste_block();
     void clear_block();
     // A key in a cell's editor: true when it ends the edit and acts on the grid instead.
     bool editor_key(const QKeyEvent& event, bool typed_over);
@@ -32,6 +35,9 @@ protected:
     bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
 
 private:
+    void select_shown_block();
+    void report_keyed_block() const;
+    void report_extension(const QModelIndex& to);
     void note_mouse(const QMouseEvent& event);
     void apply_sizes();
     QSize cell_size() const;
@@ -39,6 +45,7 @@ private:
 
     platform::Grid& grid_;
     GridModel model_;
+    GridDelegate* delegate_;
     bool typed_over_ = false;
     friend class GridDelegate;
 };

@@ -85,6 +85,11 @@ void Grid::set_active_cell(int row, int column) {
     }
 }
 
+void Grid::show_block(const Area& block) {
+    shown_block_ = block;
+    announce(Property::value);
+}
+
 void Grid::end_batch() {
     if (--batch_ == 0 && dirty_) {
         dirty_ = false;

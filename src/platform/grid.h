@@ -4,6 +4,7 @@
 
 #include "platform/control.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace ecu::platform {
@@ -12,6 +13,14 @@ enum class MouseButton : std::uint8_t { none = 0, left = 1, right = 2 };
 
 class Grid : public Control {
 public:
+    // Both corners belong to it. No cells: last before first.
+    struct Area {
+        int first_row, first_column, last_row, last_column;
+        int rows() const { return std::max(0, last_row - first_row + 1); }
+        int columns() const { return std::max(0, last_column - first_column + 1); }
+        bool operator==(const Area&) const = default;
+    };
+
     // Body rows and columns, the headers not counted: Grid(form, "inj_map", 16, 16).
     Grid(Form& form, std::string_view name, int rows, int columns);
     int rows() const { return rows_; }
@@ -41,6 +50,10 @@ public:
         mouse_column_ = column;
     }
 
+    // The cells that the program shows as selected; the active cell stays.
+    const Area& shown_block() const { return shown_block_; }
+    void show_block(const Area& block);
+
     // While it is locked the user edits nothing; the program writes as ever.
     bool locked() const { return locked_; }
     void set_locked(bool locked) { locked_ = locked; }
@@ -52,13 +65,11 @@ public:
     int changed_row() const { return changed_row_; }
     int changed_column() const { return changed_column_; }
     // The cells that it touched: one, or all between the outermost of a batch.
-    struct Area {
-        int first_row, first_column, last_row, last_column;
-    };
     const Area& changed_area() const { return changed_area_; }
 
     std::function<void(int row, int column)> cell_changed;
-    std::function<void(KeyPress&)> key_press; // a character typed; code is the character
+    std::function<void(KeyPress&)> key_press;      // a character typed; code is the character
+    std::function<void(const Area&)> block_chosen; // several cells selected by keys
     std::function<void(MouseButton)> mouse_down;
     std::function<void(MouseButton)> mouse_up;
 
@@ -86,6 +97,7 @@ private:
     int batch_ = 0;
     bool dirty_ = false;
     bool locked_ = false;
+    Area shown_block_{1, 1, 0, 0};
 };
 
 } // namespace ecu::platform

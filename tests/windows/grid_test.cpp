@@ -77,15 +77,26 @@ TEST_F(GridWindow, typing_replaces_at_once_and_enter_reaches_the_grid) {
     EXPECT_FALSE(form_.grid.cell_pending(1, 2));
 }
 
-TEST_F(GridWindow, escape_restores_the_text_typed_over) {
+TEST_F(GridWindow, escape_restores_the_text_typed_over_or_what_was_confirmed_since) {
     type(Qt::Key_9);
     EXPECT_EQ(form_.grid.cell_text(1, 1), "9");
     type(Qt::Key_Escape);
     EXPECT_EQ(form_.grid.cell_text(1, 1), "11");
     EXPECT_EQ(form_.grid.cell_back(1, 1), confirmed);
+    for (const bool more : {false, true}) {
+        type(Qt::Key_9);
+        form_.grid.confirm_cell(1, 1, "9.000");
+        form_.grid.set_cell_back(1, 1, platform::light_red); // shaded
+        if (more) {
+            type(Qt::Key_5);
+        }
+        type(Qt::Key_Escape);
+        EXPECT_EQ(form_.grid.cell_text(1, 1), "9.000");
+        EXPECT_FALSE(form_.grid.cell_pending(1, 1));
+    }
 }
 
-TEST_F(GridWindow, reply_during_an_edit_leaves_what_is_being_typed) {
+TEST_F(GridWindow, reply_during_an_edit_leaves_what_is_being_typed_and_loses_none_of_it) {
     type(Qt::Key_F2);
     ASSERT_NE(editor(), nullptr);
     type(Qt::Key_End);
@@ -93,6 +104,25 @@ TEST_F(GridWindow, reply_during_an_edit_leaves_what_is_being_typed) {
     EXPECT_EQ(form_.grid.cell_text(1, 1), "110");
     form_.grid.confirm_cell(1, 1, "11");
     EXPECT_EQ(editor()->text(), "110");
+    type(Qt::Key_Tab);
+    EXPECT_EQ(form_.grid.cell_text(1, 1), "110");
+    EXPECT_TRUE(form_.grid.cell_pending(1, 1));
+}
+
+TEST_F(GridWindow, locked_grid_takes_nothing_from_the_user) {
+    form_.grid.set_locked(true);
+    QApplication::clipboard()->setText("9");
+    for (const auto& [key, modifier] : {std::pair{Qt::Key_9, Qt::NoModifier},
+                                        {Qt::Key_Delete, Qt::NoModifier},
+                                        {Qt::Key_Backspace, Qt::NoModifier},
+                                        {Qt::Key_V, Qt::ControlModifier}}) {
+        type(key, modifier);
+    }
+    EXPECT_EQ(form_.grid.cell_text(1, 1), "11");
+    form_.grid.set_locked(false);
+    type(Qt::Key_Backspace);
+    EXPECT_EQ(form_.grid.cell_text(1, 1), "");
+    EXPECT_TRUE(form_.grid.cell_pending(1, 1));
 }
 
 TEST_F(GridWindow, tab_and_arrows_move_also_out_of_an_edit) {
@@ -135,6 +165,33 @@ TEST_F(GridWindow, block_is_copied_and_pasted_as_tab_separated_text) {
     EXPECT_EQ(form_.grid.cell_text(4, 5), "2.5"); // the second line would lie outside
     EXPECT_TRUE(form_.grid.cell_pending(4, 5));
     EXPECT_FALSE(form_.grid.cell_pending(4, 3));
+    select(3, 2);
+    form_.grid.show_block({1, 1, 3, 2}); // as after dragging from the top left: the active cell is the last
+    type(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(form_.grid.cell_text(2, 2) + " " + form_.grid.cell_text(3, 2), "4.5 32");
+    QApplication::clipboard()->setText("7");
+    type(Qt::Key_V, Qt::ControlModifier); // one cell fills them all
+    EXPECT_EQ(form_.grid.cell_text(1, 1) + form_.grid.cell_text(3, 2), "77");
+}
+
+// Else the block dialog would work on other cells than the highlighted ones.
+TEST_F(GridWindow, every_way_to_extend_a_selection_tells_its_corners) {
+    std::vector<int> corners;
+    form_.grid.mouse_down = form_.grid.mouse_up = [&](platform::MouseButton) {
+        corners.insert(corners.end(), {form_.grid.mouse_row(), form_.grid.mouse_column()});
+    };
+    form_.grid.block_chosen = [&](const platform::Grid::Area& block) {
+        corners = {block.first_row, block.first_column, block.last_row, block.last_column};
+    };
+    select(3, 4);
+    QTest::mouseClick(view_->viewport(), Qt::LeftButton, Qt::ShiftModifier, place_of(1, 2));
+    EXPECT_EQ(corners, (std::vector<int>{3, 4, 1, 2}));
+    EXPECT_EQ(view_->selectionModel()->selectedIndexes().size(), 9);
+    QTest::mouseClick(view_->viewport(), Qt::LeftButton, {}, place_of(2, 2));
+    type(Qt::Key_Right, Qt::ShiftModifier);
+    EXPECT_EQ(corners, (std::vector<int>{2, 2, 2, 3}));
+    type(Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(corners, (std::vector<int>{1, 1, 4, 5}));
 }
 
 TEST_F(GridWindow, mouse_tells_the_cell_under_it_and_minus_one_outside) {
