@@ -59,15 +59,19 @@ BasicMapping::BasicMapping(const platform::Ports& ports, link::SharedState& stat
                            const platform::CheckBox& TPS_mapped, shell::Navigation& navigation,
                            BlockSelection& selection, SurfaceWindow& surface_window, MapCellColours& map_cell_colours)
     : ports_(ports), state_(state), scales_(scales), live_(live), form_(frm_3d), TPS_mapped_(TPS_mapped),
-      navigation_(navigation), surface_window_(surface_window), map_cell_colours_(map_cell_colours),
-      link_(ports, state, comm), paint_timer_(ports.timers.make_timer(paint_interval)) {
+      navigation_(navigation), selection_(selection), surface_window_(surface_window),
+      map_cell_colours_(map_cell_colours), link_(ports, state, comm),
+      paint_timer_(ports.timers.make_timer(paint_interval)) {
     form_.form.on_activate = [this] { open(); };
     form_.form.on_unload = [this] { unloading(); };
     form_.Command3d1.clicked = [this] { close(); };
     form_.menufileexit.clicked = [this] { close(); };
     form_.Command3d2.clicked = [this] { update_changed_entries(); };
     form_.menuupdate.clicked = [this] { form_.Command3d2.press(); };
-    form_.show_this_graph.clicked = [this] { show_graph(static_cast<std::size_t>(map_view_index_)); };
+    form_.show_this_graph.clicked = [this] {
+        show_graph(static_cast<std::size_t>(map_view_index_));
+        surface_window_.raise();
+    };
     form_.menuresetmap_fuel.clicked = [this] {
         reset_map(0, "this function will overwrite the Fuel table, continue?");
     };
@@ -247,6 +251,10 @@ void BasicMapping::unloading() {
     }
     window_activated_ = false;
     loading_maps_ = false;
+    surface_window_.hide();
+    if (selection_.close_modifier) {
+        selection_.close_modifier();
+    }
     navigation_.view_closed(form_.form);
 }
 

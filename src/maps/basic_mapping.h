@@ -70,6 +70,7 @@ private:
     Frm3d& form_;
     const platform::CheckBox& TPS_mapped_;
     shell::Navigation& navigation_;
+    BlockSelection& selection_;
     SurfaceWindow& surface_window_;
     MapCellColours& map_cell_colours_;
     EditorLink link_;

@@ -45,10 +45,27 @@ BlockModifier::BlockModifier(const platform::Ports& ports, link::SharedState& st
         form_.cell_operation[k].clicked = [this, k] { run(static_cast<CellOperation>(k)); };
     }
     form_.form.on_close = [this] { form_.form.hide(); };
-    selection.open_modifier = [this] {
-        form_.form.show();
-        form_.form.raise();
-    };
+    selection.open_modifier = [this] { open(); };
+    selection.close_modifier = [this] { form_.form.hide(); };
+}
+
+void BlockModifier::open() {
+    const auto table = std::ranges::find(block_tables, selection_.block_table_id, &BlockTable::id);
+    if (table != block_tables.end()) {
+        const auto range = [](const char* name, int first, int last) {
+            return name + std::string(first < last ? "s " + std::to_string(first) + " to " : " ") +
+                   std::to_string(last);
+        };
+        const auto block = selection_.within(*grids_[static_cast<std::size_t>(table - block_tables.begin())]);
+        const int cells = block.rows() * block.columns();
+        form_.block_extent.set_text(std::string(table->title) + ", " +
+                                    (cells == 0 ? "no cells"
+                                                : range("row", block.first_row, block.last_row) + ", " +
+                                                      range("column", block.first_column, block.last_column) + ": " +
+                                                      std::to_string(cells) + (cells == 1 ? " cell" : " cells")));
+    }
+    form_.form.show();
+    form_.form.raise();
 }
 
 void BlockModifier::run(CellOperation operation) {

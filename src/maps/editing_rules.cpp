@@ -97,10 +97,18 @@ bool BlockSelection::contains(int row, int column) const {
     return block_col_low <= column && column <= block_col_high && block_row_low <= row && row <= block_row_high;
 }
 
+Grid::Area BlockSelection::within(const Grid& grid) const {
+    return {.first_row = std::max(block_row_low, 1),
+            .first_column = std::max(block_col_low, 1),
+            .last_row = std::min(block_row_high, grid.rows()),
+            .last_column = std::min(block_col_high, grid.columns())};
+}
+
 void wire_grid(Grid& grid, const GridKeys& keys, BlockSelection& selection, std::function<void()> update) {
     const auto open_block = [&grid, &selection, id = keys.block_table_id](bool open) {
         selection.take(id, grid);
-        if (open && selection.open_modifier) {
+        if (open && !grid.locked() && selection.open_modifier) {
+            grid.show_block(selection.within(grid)); // what is highlighted is what will be worked on
             selection.open_modifier();
         }
     };
@@ -125,6 +133,11 @@ void wire_grid(Grid& grid, const GridKeys& keys, BlockSelection& selection, std:
             press.code = 0;
             update();
         }
+    };
+    grid.block_chosen = [&selection](const Grid::Area& block) {
+        selection.anchor_at(block.first_row, block.first_column);
+        selection.end_at(block.last_row, block.last_column);
+        selection.block_invalid = false;
     };
     grid.mouse_down = [&grid, &selection, open_block](MouseButton button) {
         if (button == MouseButton::left) {

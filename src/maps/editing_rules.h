@@ -79,12 +79,14 @@ struct BlockSelection {
     std::int16_t block_grid_rows = 0, block_grid_cols = 0;
 
     std::function<void()> open_modifier;
+    std::function<void()> close_modifier; // its window is about to go
 
     void anchor_at(int row, int column);
     void end_at(int row, int column);
     // Sorts the corners and names the table that they are taken to lie in.
     void take(int table_id, const platform::Grid& grid);
     bool contains(int row, int column) const;
+    platform::Grid::Area within(const platform::Grid& grid) const; // the part of it that the grid has
 };
 
 // How a grid answers keys.

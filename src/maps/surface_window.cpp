@@ -12,7 +12,11 @@ SurfaceWindow::SurfaceWindow(Frm3dGraph& frm_3d_graph, Graphing& graphing) : for
     form_.VScroll1.changed = draw_again;
     form_.high_scale.changed = draw_again;
     form_.low_scale.changed = draw_again;
-    form_.Picture1.resized = draw_again;
+    form_.Picture1.resized = [this] {
+        if (visible()) {
+            graphing_.draw_surface(kind_);
+        }
+    };
 }
 
 void SurfaceWindow::redraw() {
@@ -27,6 +31,7 @@ void SurfaceWindow::draw(int kind, std::string_view low, std::string_view high) 
     form_.low_scale.set_text(low);
     form_.high_scale.set_text(high);
     filling_ = false;
+    kind_ = kind;
     graphing_.draw_surface(kind);
 }
 

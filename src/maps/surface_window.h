@@ -13,6 +13,8 @@ public:
 
     bool visible() const { return form_.form.visible(); }
     void show() { form_.form.show(); }
+    void raise() { form_.form.raise(); }
+    void hide() { form_.form.hide(); }
     // Writes the scale and draws once.
     void draw(int kind, std::string_view low, std::string_view high);
 
@@ -21,7 +23,8 @@ private:
 
     Frm3dGraph& form_;
     Graphing& graphing_;
-    bool filling_ = false; // the boxes are being written, one drawing follows
+    int kind_ = surface::fuel; // the last drawn in this window; a surface elsewhere may have been drawn since
+    bool filling_ = false;     // the boxes are being written, one drawing follows
 };
 
 } // namespace ecu::maps

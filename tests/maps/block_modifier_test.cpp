@@ -36,6 +36,8 @@ TEST_F(BlockModifier, WholeMapTimesAFactorIsOneOperationAnd256Writes) {
     open();
     select(frm_3d.inj_map, 16, 16, 1, 1);
     EXPECT_TRUE(dialog.form.visible());
+    EXPECT_EQ(dialog.block_extent.text(), "Fuel map, rows 1 to 16, columns 1 to 16: 256 cells");
+    EXPECT_EQ(frm_3d.inj_map.shown_block(), (platform::Grid::Area{1, 1, 16, 16}));
     dialog.multiply.set_text("1.05");
     run(CellOperation::multiply);
     EXPECT_FALSE(dialog.form.visible());
@@ -113,6 +115,9 @@ TEST_F(BlockModifier, MouseReleasedOutsideTheGridKeepsTheRightButtonFromOpening)
     frm_3d.inj_map.mouse_down(MouseButton::right);
     EXPECT_EQ(block.block_table_id, 0);
     EXPECT_EQ(block.block_col_high, 6);
+    frm_3d.show_this_graph.press();
+    frm_3d.Command3d1.press();
+    EXPECT_FALSE(dialog.form.visible() || console.forms.frm_3d_graph.form.visible()) << "left behind by their window";
 }
 
 } // namespace

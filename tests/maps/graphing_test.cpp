@@ -72,6 +72,10 @@ TEST_F(Graphing, EqualLambdaCellsLieFlatInTheirOwnPicture) {
     EXPECT_EQ(console.graphing.last_surface_kind(), 9);
     EXPECT_TRUE(console.state.reset_comm_watch);
     EXPECT_THROW(console.graphing.draw_surface(5), ProgramEnded);
+    graph.form.show();
+    desktop.clear_changes();
+    graph.Picture1.resize(1200, 800); // its own window shows a map
+    EXPECT_EQ(drawings(), 1);
 }
 
 TEST_F(Graphing, AnyNumberOfCellChangesCostsOneDrawingAndNoneWhileHiddenOrReading) {
@@ -83,6 +87,11 @@ TEST_F(Graphing, AnyNumberOfCellChangesCostsOneDrawingAndNoneWhileHiddenOrReadin
     desktop.run_for(0.1);
     EXPECT_EQ(drawings(), 1);
     EXPECT_EQ(graph.high_scale.text(), "1.6"); // the map's own scale again
+    maps::write_all(frm_3d.inj_map, "1.3");
+    frm_3d.inj_map.set_cell_text(1, 1, ".7");
+    desktop.run_for(0.1);
+    update();
+    EXPECT_EQ(std::get<Picture::Line>(graph.Picture1.strokes().back()).colour, frm_3d.inj_map.cell_back(1, 16));
     frm_3d.show_map_type[3].click();
     console.basic_mapping.show_selected_map_graph();
     EXPECT_EQ(console.graphing.last_surface_kind(), 8);
