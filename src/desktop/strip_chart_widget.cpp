@@ -6,6 +6,7 @@
 
 #include <QDateTime>
 #include <QLabel>
+#include <QPainter>
 
 #include <algorithm>
 #include <cmath>
@@ -25,18 +26,45 @@ constexpr double shortest_window = 0.5; // seconds
 constexpr double longest_window = 25 * 3600;
 constexpr double zoom_step = 1.25;
 constexpr double margin = 0.02; // of full scale, above and below
+const QCPRange whole_height(-margin, 1 + margin);
+constexpr double least_height = 0.1;
+constexpr double most_height = 3;
+constexpr double right_edge = 0.01; // of the window: a zoom about it goes on scrolling
+constexpr double picture_ratio = 2;
+constexpr int legend_margin = 8;
 const QColor paper = theme::to_qt(logging::chart_paper);
 const QColor paper_grid(0x2c, 0x33, 0x3d);
 const QColor paper_ink(0xd8, 0xde, 0xe6);
 
-QString clock_text(double time) {
-    return QDateTime::fromMSecsSinceEpoch(std::llround(time * 1000), Qt::UTC).toString("hh:mm:ss.zzz").chopped(1);
+QString clock_text(double time, int decimals) {
+    const QString text = QDateTime::fromMSecsSinceEpoch(std::llround(time * 1000), Qt::UTC).toString("hh:mm:ss.zzz");
+    return text.chopped(decimals > 0 ? 3 - decimals : 4);
 }
+
+QString legend_text(const StripChart::Channel& channel) { return QString::fromUtf8("\u25a0 ") + qt(channel.caption); }
+
+// The time of day, with as many decimals of the second as the ticks need to differ.
+class TimeTicker final : public QCPAxisTickerDateTime {
+protected:
+    double getTickStep(const QCPRange& range) override {
+        const double step = QCPAxisTickerDateTime::getTickStep(range);
+        decimals_ = 0;
+        for (double part = step; decimals_ < 3 && std::abs(part - std::round(part)) > 1e-6; part *= 10) {
+            ++decimals_;
+        }
+        return step;
+    }
+    QString getTickLabel(double tick, const QLocale&, QChar, int) override { return clock_text(tick, decimals_); }
+
+private:
+    int decimals_ = 0;
+};
 
 } // namespace
 
 StripChartWidget::StripChartWidget(StripChart& chart)
-    : chart_(chart), history_(chart.channels().size()), percent_(new QCPAxisTickerText) {
+    : chart_(chart), history_(chart.channels().size()), percent_(new QCPAxisTickerText),
+      live_seconds_(chart.seconds_shown()), model_seconds_(live_seconds_) {
     setMinimumSize(300, 180);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setFocusPolicy(Qt::StrongFocus);
@@ -44,15 +72,12 @@ StripChartWidget::StripChartWidget(StripChart& chart)
     setNoAntialiasingOnDrag(false);
     setNotAntialiasedElements(QCP::aePlottables | QCP::aeGrid | QCP::aeAxes);
 
-    QSharedPointer<QCPAxisTickerDateTime> time_of_day(new QCPAxisTickerDateTime);
-    time_of_day->setDateTimeSpec(Qt::UTC);
-    time_of_day->setDateTimeFormat("hh:mm:ss");
-    xAxis->setTicker(time_of_day);
+    xAxis->setTicker(QSharedPointer<TimeTicker>::create());
     for (int percent = -100; percent <= 200; percent += 10) {
         percent_->addTick(percent / 100.0, QString::number(percent) + "%");
     }
     yAxis->setTicker(percent_);
-    yAxis->setRange(-margin, 1 + margin);
+    yAxis->setRange(whole_height);
     yAxis->setLabel("of full scale");
     xAxis2->setVisible(true);
     yAxis2->setVisible(true);
@@ -87,8 +112,7 @@ StripChartWidget::StripChartWidget(StripChart& chart)
     since_picture_.start();
     style();
     chart_.on_sample = [this](const StripChart::Sample& sample) { take(sample); };
-    chart_.on_stamp = [this](std::string_view text, float height) { stamp(text, height); };
-    show_range(-chart_.seconds_shown(), 0);
+    chart_.on_stamp = [this](const StripChart::Stamp& given) { stamp(given); };
 }
 
 StripChartWidget::~StripChartWidget() {
@@ -101,18 +125,23 @@ StripChartWidget::~StripChartWidget() {
 void StripChartWidget::take(const StripChart::Sample& sample) {
     // A few samples missing is the link's doing; longer than that nobody was recording.
     const double gap = std::max(2.0, chart_.seconds_shown() / 100);
+    const double before = history_.last();
     history_.add(sample.time, sample.fractions, gap);
     if (isVisible()) {
-        schedule_picture(true);
+        schedule_sample_picture(before);
     }
 }
 
-void StripChartWidget::stamp(std::string_view text, float height) {
-    stamps_.push_back({history_.last(), height, qt(text)});
+void StripChartWidget::stamp(const StripChart::Stamp& stamp) {
+    stamps_.push_back({history_.continued(stamp.time), stamp.height, qt(stamp.text)});
     if (stamps_.size() > most_stamps) {
         stamps_.pop_front();
     }
-    schedule_picture(false);
+    schedule_picture();
+}
+
+double StripChartWidget::newest() const {
+    return stamps_.empty() ? history_.last() : std::max(history_.last(), stamps_.back().time);
 }
 
 void StripChartWidget::refresh(Property) {
@@ -121,44 +150,52 @@ void StripChartWidget::refresh(Property) {
         if (now.span != drawn_as_[i].span || now.offset != drawn_as_[i].offset) {
             history_.clear(); // two scales on one paper would mislead
             stamps_.clear();
+            live_ = true;
             break;
         }
     }
+    if (model_seconds_ != chart_.seconds_shown()) {
+        model_seconds_ = chart_.seconds_shown();
+        live_seconds_ = model_seconds_;
+    }
+    tell_view();
     drawn_as_ = chart_.channels();
     for (std::size_t i = 0; i < drawn_as_.size(); ++i) {
         QCPGraph* line = graph(static_cast<int>(i));
         line->setPen(QPen(theme::to_qt(drawn_as_[i].colour), 1.0));
         line->setVisible(drawn_as_[i].enabled);
     }
-    schedule_picture(false);
+    schedule_picture();
 }
 
 void StripChartWidget::set_hint(const QString& text) {
     hint_->setText(text);
     hint_->setVisible(!text.isEmpty());
-    schedule_picture(false);
+    schedule_picture();
 }
 
 // -- When to draw
 
-void StripChartWidget::schedule_picture(bool fresh_sample) {
-    const auto since = static_cast<int>(since_picture_.elapsed());
-    int wait = after_sample_ms;
-    if (fresh_sample && live_) {
-        // Not before the pen has moved by a pixel; the next sample looks again, and a timer serves the last one.
-        const double seconds_per_pixel = xAxis->range().size() / std::max(1, xAxis->axisRect()->width());
-        const int least = std::max(least_ms_between_pictures, static_cast<int>(seconds_per_pixel * 1000));
-        if (since < least) {
-            wait = std::max(no_more_samples_ms, least - since);
-            if (picture_timer_.isActive()) {
-                return;
-            }
-        }
-    } else if (fresh_sample) {
+void StripChartWidget::schedule_picture() {
+    start_picture_timer(std::max(1, least_ms_between_pictures - static_cast<int>(since_picture_.elapsed())));
+}
+
+void StripChartWidget::schedule_sample_picture(double sample_before) {
+    if (!live_ && xAxis->range().upper < sample_before) {
         return; // what is shown does not change
-    } else {
-        wait = std::max(1, least_ms_between_pictures - since);
     }
+    // Not before the pen has moved by a pixel; the next sample looks again, and a timer serves the last one.
+    const double seconds_per_pixel = xAxis->range().size() / std::max(1, xAxis->axisRect()->width());
+    const int least = std::max(least_ms_between_pictures, static_cast<int>(seconds_per_pixel * 1000));
+    const auto since = static_cast<int>(since_picture_.elapsed());
+    if (since >= least) {
+        start_picture_timer(after_sample_ms);
+    } else if (!picture_timer_.isActive()) {
+        start_picture_timer(std::max(no_more_samples_ms, least - since));
+    }
+}
+
+void StripChartWidget::start_picture_timer(int wait) {
     if (!picture_timer_.isActive() || picture_timer_.remainingTime() > wait) {
         picture_timer_.start(wait);
     }
@@ -172,7 +209,7 @@ void StripChartWidget::draw_picture() {
     since_picture_.restart();
     ++pictures_;
     if (live_) {
-        xAxis->setRange(history_.last() - chart_.seconds_shown(), history_.last());
+        xAxis->setRange(newest() - live_seconds_, newest());
     }
     fill_graphs();
     place_stamps();
@@ -246,7 +283,7 @@ void StripChartWidget::place_pointer() {
 
 QString StripChartWidget::reading_lines(bool rich) const {
     QString lines =
-        rich ? "<b>" + clock_text(pointer_time_) + "</b><table cellspacing='0'>" : clock_text(pointer_time_);
+        rich ? "<b>" + clock_text(pointer_time_, 2) + "</b><table cellspacing='0'>" : clock_text(pointer_time_, 2);
     const QString row = rich ? QStringLiteral("<tr><td style='color:%4'>\u25a0 %1&nbsp;&nbsp;</td>"
                                               "<td align='right'>%2</td><td>&nbsp;%3</td></tr>")
                              : QStringLiteral("\n%1 %2 %3");
@@ -256,7 +293,7 @@ QString StripChartWidget::reading_lines(bool rich) const {
             const double value = static_cast<double>(channel.offset) +
                                  static_cast<double>(pointer_fractions_[i]) * static_cast<double>(channel.span);
             const QString text =
-                row.arg(qt(channel.caption), QString::number(value, 'f', channel.decimals), qt(channel.unit));
+                row.arg(qt(channel.name()), QString::number(value, 'f', channel.decimals), qt(channel.unit));
             lines += rich ? text.arg(theme::to_qt(channel.colour).name()) : text;
         }
     }
@@ -267,37 +304,60 @@ QString StripChartWidget::reading() const { return pointer_fractions_.empty() ? 
 
 // -- The window over time
 
-void StripChartWidget::set_live(bool live) {
-    if (live_ != live) {
-        live_ = live;
-        if (live_changed) {
-            live_changed();
-        }
+void StripChartWidget::tell_view() {
+    if (view_changed) {
+        view_changed();
     }
 }
 
+bool StripChartWidget::is_at_default() const {
+    return live_ && live_seconds_ == model_seconds_ && yAxis->range() == whole_height;
+}
+
 void StripChartWidget::go_live() {
-    yAxis->setRange(-margin, 1 + margin);
-    set_live(true);
-    show_range(history_.last() - chart_.seconds_shown(), history_.last());
+    yAxis->setRange(whole_height);
+    live_ = true;
+    live_seconds_ = model_seconds_;
+    show_range(newest() - live_seconds_, newest());
 }
 
 void StripChartWidget::show_range(double from, double to) {
     xAxis->setRange(from, to);
-    schedule_picture(false);
+    tell_view();
+    schedule_picture();
 }
 
 void StripChartWidget::zoom(double factor, double about) {
-    set_live(false);
+    if (history_.empty()) {
+        return;
+    }
     const QCPRange now = xAxis->range();
     const double width = std::clamp(now.size() * factor, shortest_window, longest_window);
+    if (live_ && now.upper - about <= now.size() * right_edge) {
+        live_seconds_ = width;
+        show_range(now.upper - width, now.upper);
+        return;
+    }
+    live_ = false;
     const double from = about - (about - now.lower) * width / now.size();
     show_range(from, from + width);
 }
 
+void StripChartWidget::zoom_height(double factor, double about) {
+    const QCPRange now = yAxis->range();
+    const double height = std::clamp(now.size() * factor, least_height, most_height);
+    const double from = about - (about - now.lower) * height / now.size();
+    yAxis->setRange(from, from + height);
+    tell_view();
+    schedule_picture();
+}
+
 // Half of the window at most may lie before the first sample or after the last one.
 void StripChartWidget::pan(double seconds) {
-    set_live(false);
+    if (history_.empty()) {
+        return;
+    }
+    live_ = false;
     const double width = xAxis->range().size();
     const double from = std::clamp(xAxis->range().lower + seconds, history_.first() - width / 2,
                                    std::max(history_.first() - width / 2, history_.last() - width / 2));
@@ -346,12 +406,7 @@ void StripChartWidget::wheelEvent(QWheelEvent* event) {
     const int eighths = turn.y() != 0 ? turn.y() : turn.x();
     const double factor = std::pow(zoom_step, -eighths / 120.0);
     if (event->modifiers().testFlag(Qt::ShiftModifier)) {
-        const double about = yAxis->pixelToCoord(event->position().y());
-        const QCPRange now = yAxis->range();
-        const double height = std::clamp(now.size() * factor, 0.1, 3.0);
-        const double from = about - (about - now.lower) * height / now.size();
-        yAxis->setRange(from, from + height);
-        schedule_picture(false);
+        zoom_height(factor, yAxis->pixelToCoord(event->position().y()));
     } else {
         zoom(factor,
              std::clamp(xAxis->pixelToCoord(event->position().x()), xAxis->range().lower, xAxis->range().upper));
@@ -419,7 +474,7 @@ void StripChartWidget::changeEvent(QEvent* event) {
     QCustomPlot::changeEvent(event);
     if ((event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange) && hint_ != nullptr) {
         style();
-        schedule_picture(false);
+        schedule_picture();
     }
 }
 
@@ -430,12 +485,50 @@ void StripChartWidget::showEvent(QShowEvent* event) {
 
 void StripChartWidget::resizeEvent(QResizeEvent* event) {
     QCustomPlot::resizeEvent(event);
-    schedule_picture(false);
+    schedule_picture();
+}
+
+// The enabled channels in their colours, in as many columns as fit.
+QPixmap StripChartWidget::draw_legend(double pixel_ratio) {
+    std::vector<const StripChart::Channel*> enabled;
+    const QFontMetrics metrics(font());
+    int widest = 1;
+    for (const StripChart::Channel& channel : drawn_as_) {
+        if (channel.enabled) {
+            enabled.push_back(&channel);
+            widest = std::max(widest, metrics.horizontalAdvance(legend_text(channel)));
+        }
+    }
+    const int row_height = metrics.height() + 2;
+    const int column_width = widest + 2 * legend_margin;
+    const int columns = std::max(1, (width() - legend_margin) / column_width);
+    const int rows = (static_cast<int>(enabled.size()) + columns - 1) / columns;
+    QPixmap strip(QSize(width(), rows * row_height + legend_margin) * pixel_ratio);
+    strip.setDevicePixelRatio(pixel_ratio);
+    strip.fill(paper);
+    QPainter painter(&strip);
+    painter.setFont(font());
+    for (int i = 0; i < static_cast<int>(enabled.size()); ++i) {
+        const StripChart::Channel& channel = *enabled[static_cast<std::size_t>(i)];
+        painter.setPen(theme::to_qt(channel.colour));
+        painter.drawText(QRect(2 * legend_margin + i / rows * column_width, legend_margin / 2 + i % rows * row_height,
+                               widest, row_height),
+                         Qt::AlignLeft | Qt::AlignVCenter, legend_text(channel));
+    }
+    return strip;
 }
 
 bool StripChartWidget::save_png(const QString& path) {
     draw_picture();
-    return savePng(path, width(), height(), 2.0);
+    const QPixmap chart = toPixmap(width(), height(), picture_ratio);
+    const QPixmap captions = draw_legend(picture_ratio);
+    QPixmap whole(chart.width(), chart.height() + captions.height());
+    QPainter painter(&whole);
+    for (const auto& [part, top] : {std::pair(&chart, 0), std::pair(&captions, chart.height())}) {
+        painter.drawPixmap(QRect(0, top, part->width(), part->height()), *part, part->rect());
+    }
+    painter.end();
+    return whole.save(path, "PNG");
 }
 
 } // namespace ecu::desktop

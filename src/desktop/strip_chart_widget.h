@@ -1,7 +1,8 @@
 // The strip chart on the screen. It keeps the past (ChartHistory) and draws the enabled channels over a window that
 // scrolls with the newest sample. The wheel zooms the time about the pointer (with Shift the height), a drag pans over
-// what is held, and either stops the scrolling until go_live(). The pointer shows a line with time and values in units;
-// a click without a drag belongs to the model, which stamps the time.
+// what is held, and either stops the scrolling until go_live(), unless the zoom was about the newest sample. The
+// pointer shows a line with time and values in units; a click without a drag belongs to the model, which stamps the
+// time.
 // Keys: + and - zoom, Left and Right pan, End goes live, Space does what a click does.
 // Drawing never holds up the sampling: at most 30 pictures a second, none finer than the screen can show, and each a
 // few milliseconds after a sample, when the next message is on the wire.
@@ -31,13 +32,16 @@ public:
     void set_hint(const QString& text);
 
     bool is_live() const { return live_; }
+    // Whether go_live() would change anything.
+    bool is_at_default() const;
+    // Scrolls again, with the window and the height that the model gives.
     void go_live();
     QCPRange shown_range() const { return xAxis->range(); }
-    bool save_png(const QString& path); // what is shown, at twice the screen's resolution
+    bool save_png(const QString& path); // what is shown, with a legend below, at twice the screen's resolution
     int pictures_drawn() const { return pictures_; }
     QString reading() const; // time and values at the pointer's line, as plain text; empty without one
 
-    std::function<void()> live_changed; // is_live() has a new value
+    std::function<void()> view_changed; // the user's view of the past: is_live() and is_at_default() may be new
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
@@ -52,23 +56,28 @@ protected:
 
 private:
     struct Stamp {
-        double time;
+        double time; // as the history counts
         float height;
         QString text;
     };
     void take(const platform::StripChart::Sample& sample);
-    void stamp(std::string_view text, float height);
-    void set_live(bool live);
+    void stamp(const platform::StripChart::Stamp& stamp);
+    double newest() const; // time of the last sample or stamp
     void show_range(double from, double to);
     void zoom(double factor, double about);
+    void zoom_height(double factor, double about);
     void pan(double seconds);
+    void tell_view();
     void style();
-    void schedule_picture(bool fresh_sample);
+    void schedule_picture();
+    void schedule_sample_picture(double sample_before);
+    void start_picture_timer(int wait);
     void draw_picture();
     void fill_graphs();
     void place_stamps();
     void place_pointer();
     QString reading_lines(bool rich) const;
+    QPixmap draw_legend(double pixel_ratio);
 
     platform::StripChart& chart_;
     logging::ChartHistory history_;
@@ -88,6 +97,8 @@ private:
     QElapsedTimer since_picture_;
     int pictures_ = 0;
     bool live_ = true;
+    double live_seconds_;  // width of the window while live
+    double model_seconds_; // what the model gave for it
     bool dragging_ = false;
     std::optional<QPointF> pressed_at_;
     double drag_x_ = 0;

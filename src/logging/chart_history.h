@@ -1,5 +1,5 @@
 // What the chart holds of the past, in bounded memory however fast the rows come: the newest 32,768 samples as they
-// came (a quarter of an hour at the pace of the link), and of the last 24 hours the lowest and highest fraction of
+// came (eight minutes at the pace of the link), and of the last 24 hours the lowest and highest fraction of
 // every channel in each second. The first costs at most 3 MB, the second 16 MB, taken only as they fill.
 // Times come as seconds since midnight and are kept as seconds since the midnight before the first sample, so that
 // they go on rising over midnight.

@@ -1,5 +1,6 @@
 #include "logging/plotter.h"
 
+#include "calibration/encoding.h"
 #include "logging/log_row.h"
 #include "platform/display_mask.h"
 #include "platform/leading_number.h"
@@ -14,9 +15,12 @@ namespace {
 constexpr std::array<int, 8> intervals_ms{100, 250, 500, 1000, 2000, 5000, 10000, 1};
 constexpr std::size_t fastest_item = 7;
 
-// The chart's window holds 600 samples. At the fastest interval the link sets the pace, some 25 ms a sample.
+// The chart's window holds 600 samples. At the fastest interval the link sets the pace: a message and its reply take
+// 15 ms of the wire on average.
 constexpr double samples_shown = 600;
-constexpr double fastest_sample_seconds = 0.025;
+constexpr double fastest_sample_seconds = 0.016;
+
+constexpr auto limits = calibration::read_request('C'); // what the spans of two channels hang on
 
 } // namespace
 
@@ -28,7 +32,7 @@ Plotter::Plotter(const platform::Ports& ports, link::SharedState& state, link::E
     for (std::size_t i = 0; i < channel_count; ++i) {
         const ChartChannel& channel = chart_channels[i];
         form_.Strip1.set_channel(i, {.colour = channel.colour,
-                                     .caption = std::string(channel.caption.substr(0, channel.caption.find(" ["))),
+                                     .caption = std::string(channel.caption),
                                      .unit = std::string(channel.unit),
                                      .offset = channel.offset,
                                      .span = channel.span,
@@ -73,23 +77,28 @@ void Plotter::activate() {
     form_.Command3d2.set_enabled(!logging_active_);
     show_interval();
     ports_.wait_seconds(0.5F);
-    comm_.send_ecu_message({'C'}, 21);
+    comm_.send_ecu_message(calibration::read_message(limits), limits.reply);
     for (std::size_t i = 0; i < channel_count; ++i) {
         platform::StripChart::Channel channel = form_.Strip1.channels()[i];
         channel.colour = form_.Check3d1[i].fore_colour().value_or(chart_channels[i].colour);
         form_.Strip1.set_channel(i, channel);
     }
+    note_scales();
+    state_.polling_paused = false;
+    ports_.wait_seconds(0.1F);
+}
+
+void Plotter::note_scales() {
     note_scale(rpm_channel, scales_.full_scale_rpm,
                "RPM [0 to " + platform::masked(scales_.full_scale_rpm, "####0") + "]");
     note_scale(manifold_channel, scales_.map_span,
                "Manifold Prs. [0 to " + platform::masked(scales_.map_span, "##0") + " kPa]");
-    state_.polling_paused = false;
-    ports_.wait_seconds(0.1F);
 }
 
 void Plotter::note_scale(std::size_t channel, float span, std::string_view caption) {
     form_.Check3d1[channel].set_text(caption);
     platform::StripChart::Channel scaled = form_.Strip1.channels()[channel];
+    scaled.caption = caption;
     scaled.span = span;
     form_.Strip1.set_channel(channel, scaled);
 }
@@ -174,6 +183,10 @@ void Plotter::plot_and_log_sample() {
     } else {
         form_.File_Samples.set_text("N/A");
     }
+    const std::vector<platform::StripChart::Channel>& channels = form_.Strip1.channels();
+    if (channels[rpm_channel].span != scales_.full_scale_rpm || channels[manifold_channel].span != scales_.map_span) {
+        note_scales(); // demo mode, chosen while the plotter was open, brings an engine of its own
+    }
     const auto starters = std::span(form_.Check3d1.begin(), starting_channels);
     if (std::ranges::none_of(starters, &platform::CheckBox::checked) || form_.skip_graphics.checked()) {
         return;
@@ -210,10 +223,8 @@ std::array<float, channel_count> Plotter::fractions() const {
         static_cast<float>(live_.wb_heater_pw),
     };
     for (std::size_t i = 0; i < channel_count; ++i) {
-        const float span = i == rpm_channel        ? scales_.full_scale_rpm
-                           : i == manifold_channel ? scales_.map_span
-                                                   : chart_channels[i].span;
-        values[i] = span == 0 ? 0 : (values[i] - chart_channels[i].offset) / span;
+        const platform::StripChart::Channel& channel = form_.Strip1.channels()[i];
+        values[i] = channel.span == 0 ? 0 : (values[i] - channel.offset) / channel.span;
     }
     values[1] = std::max(values[1], 0.0F); // a mixture richer than the scale stays on its bottom line
     return values;
@@ -233,7 +244,8 @@ void Plotter::stamp() {
     const float now = ports_.now();
     // 0.995 and more would round up to a whole second, which the digits before it do not know of.
     const float fraction = std::min(now - std::floor(now), 0.99F);
-    form_.Strip1.add_stamp(ports_.clock.time_text() + platform::masked(fraction, ".##"), 0.05F);
+    const std::string text = ports_.clock.time_text() + platform::masked(fraction, ".##");
+    form_.Strip1.add_stamp({.time = now, .height = 0.05F, .text = text});
 }
 
 void Plotter::leave() {

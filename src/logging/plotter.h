@@ -37,6 +37,7 @@ public:
 private:
     void wire();
     void show_interval();
+    void note_scales();
     void note_scale(std::size_t channel, float span, std::string_view caption);
     void choose_file();
     void stamp();

@@ -11,7 +11,9 @@ public:
         float minimum = 0;
         float full_scale = 100;
         float tick_step = 10;
-        float zone_a_start = 0; // zones are drawn from a up to b and from b up to full scale, where a < b
+        // Zones of caution and alarm are drawn from a up to b and from b up to full scale, where a < b. One that begins
+        // at the scale's own beginning is no caution: it is not drawn.
+        float zone_a_start = 0;
         float zone_b_start = 0;
         friend bool operator==(const Scale&, const Scale&) = default;
     };

@@ -14,17 +14,23 @@ public:
     struct Channel {
         Colour colour;
         bool enabled = false;
+        std::string caption = {}; // with its span in brackets
         // For reading off: a fraction stands for offset + fraction * span of this quantity.
-        std::string caption = {};
         std::string unit = {};
         float offset = 0;
         float span = 1;
         int decimals = 0;
         friend bool operator==(const Channel&, const Channel&) = default;
+        std::string_view name() const { return std::string_view(caption).substr(0, caption.find(" [")); }
     };
     struct Sample {
         float time = 0;                   // seconds since midnight
         std::span<const float> fractions; // one per channel, valid during the call
+    };
+    struct Stamp {
+        float time = 0;        // seconds since midnight
+        float height = 0;      // fraction of full scale
+        std::string_view text; // valid during the call
     };
     StripChart(Form& form, std::string_view name, std::size_t channels)
         : Control(form, name, -1, Kind::strip_chart, ""), channels_(channels) {}
@@ -55,15 +61,15 @@ public:
             on_sample(sample);
         }
     }
-    void add_stamp(std::string_view text, float height) {
+    void add_stamp(const Stamp& stamp) {
         if (on_stamp) {
-            on_stamp(text, height);
+            on_stamp(stamp);
         }
     }
 
-    // Set by the desktop. A stamp belongs to the present moment; `height` is a fraction of full scale.
+    // Set by the desktop.
     std::function<void(const Sample&)> on_sample;
-    std::function<void(std::string_view text, float height)> on_stamp;
+    std::function<void(const Stamp&)> on_stamp;
     // Called by the desktop for a left click on the chart.
     std::function<void()> clicked;
 

@@ -23,7 +23,10 @@ struct PlotterBench : test::LiveBench {
         form.Strip1.on_sample = [this](const auto& sample) {
             samples.emplace_back(sample.fractions.begin(), sample.fractions.end());
         };
-        form.Strip1.on_stamp = [this](auto text, float) { stamps.emplace_back(text); };
+        form.Strip1.on_stamp = [this](const auto& stamp) {
+            EXPECT_FLOAT_EQ(stamp.time, ports.now()); // the moment of the click, not that of the last sample
+            stamps.emplace_back(stamp.text);
+        };
         form.form.show();
         form.form.set_host(&desktop);
         state.current_view = link::View::plotter;
@@ -49,6 +52,13 @@ TEST(Plotter, ReadsTheLimitsWithThePollingHeldBackAndShowsThemInItsCaptions) {
     EXPECT_EQ(bench.form.Check3d1[0].text(), "RPM [0 to 8500]");
     EXPECT_EQ(bench.form.Check3d1[4].text(), "Manifold Prs. [0 to 255 kPa]");
     EXPECT_EQ(bench.form.Strip1.channels()[2].colour, platform::palette[9]);
+    bench.scales.full_scale_rpm = 12000; // demo mode, chosen while the plotter is open
+    bench.form.Check3d1[0].click();
+    bench.live.engine_rpm_raw = 6000;
+    bench.plotter.plot_and_log_sample();
+    EXPECT_FLOAT_EQ(bench.samples.at(0)[0], 0.5F);
+    EXPECT_EQ(bench.form.Check3d1[0].text(), "RPM [0 to 12000]");
+    EXPECT_EQ(bench.form.Strip1.channels()[0].span, 12000);
 }
 
 TEST(Plotter, TheIntervalMenuSetsTheSampleClockTheCaptionAndTheWindow) {

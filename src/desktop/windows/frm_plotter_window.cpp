@@ -50,10 +50,11 @@ QWidget* chart_with_tools(FormWindow& window, logging::FrmPlotter& f) {
             chart->refresh(property);
         },
         "Strip chart");
-    QPushButton* live = tool("Back to li&ve", "chart_live", "Scroll with the newest sample again (End)");
+    QPushButton* live =
+        tool("Back to li&ve", "chart_live", "Scroll with the newest sample again, at the usual width and height (End)");
     QPushButton* save = tool("Save &picture...", "chart_save", "Save what the chart shows as a PNG file");
     live->setEnabled(false);
-    chart->live_changed = [chart, live] { live->setEnabled(!chart->is_live()); };
+    chart->view_changed = [chart, live] { live->setEnabled(!chart->is_at_default()); };
     QObject::connect(live, &QPushButton::clicked, chart, [chart] { chart->go_live(); });
     QObject::connect(save, &QPushButton::clicked, chart, [chart] { save_picture(*chart); });
     auto* keys = new QLabel("Click: stamp the time.  Wheel: zoom (Shift: height).  Drag: back in time.");
