@@ -192,8 +192,12 @@ std::string file_line(const Table& row, int i, std::int32_t raw) {
 LineMeaning read_line(std::string_view line) {
     const std::string padded = std::string(line) + std::string(padding);
     if (padded.size() < value_column) {
-        return LineStop{std::string(without_trailing_blanks(line)), "",
-                        "the line is too short: its value begins at column " + std::to_string(value_column + 1),
+        const std::string_view key = without_trailing_blanks(line);
+        if (key.empty()) {
+            return LineStop{.reason = "the line is blank", .remedy = "Remove the line"};
+        }
+        return LineStop{std::string(key), "",
+                        "the line ends before column " + std::to_string(value_column + 1) + ", where its value begins",
                         "Complete or remove the line"};
     }
     return padded.find('[') != std::string::npos ? read_indexed(padded) : read_plain(padded);
@@ -204,6 +208,10 @@ std::string key_text(const FileKey& key) {
         return indexed(key.table->key, key.index);
     }
     return key.parameter->is_vector() ? indexed(key.parameter->key, key.index) : std::string(key.parameter->key);
+}
+
+std::string counted(std::size_t count, std::string_view what) {
+    return std::to_string(count) + " " + std::string(what) + (count == 1 ? "" : "s");
 }
 
 std::vector<std::string> split_lines(std::string_view text) {

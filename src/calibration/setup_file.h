@@ -49,10 +49,10 @@ struct UnknownLine {
 };
 // The value fits no message, or there is no column for one: nothing after this line is acted on.
 struct LineStop {
-    std::string key;    // "MAPM[007]", or what stands at its place
-    std::string value;  // as written in the file, without blanks around it
-    std::string reason; // "the value is above 255, the most that this item's message can carry"
-    std::string remedy; // "Correct the value"
+    std::string key = {};    // "MAPM[007]", or what stands at its place
+    std::string value = {};  // as written in the file, without blanks around it
+    std::string reason = {}; // "the value is above 255, the most that this item's message can carry"
+    std::string remedy = {}; // "Correct the value"
 };
 using LineMeaning = std::variant<SkippedLine, LineMessage, UnknownLine, LineStop>;
 
@@ -64,6 +64,9 @@ inline constexpr std::size_t value_column = 10; // counted from 0
 
 // "ACC_RATE", "MAPM[007]"
 std::string key_text(const FileKey& key);
+
+// "1 line", "2 lines"
+std::string counted(std::size_t count, std::string_view what);
 
 // A text's lines without their ends, CR LF or LF. An end at the very end of the text begins no further line.
 std::vector<std::string> split_lines(std::string_view text);

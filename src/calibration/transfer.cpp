@@ -1,9 +1,8 @@
 #include "calibration/transfer.h"
 
 #include "calibration/setup_file.h"
-#include "calibration/transfer_file.h"
 
-#include <optional>
+#include <algorithm>
 
 namespace ecu::calibration {
 
@@ -16,6 +15,8 @@ constexpr std::string_view silence_refusal =
 constexpr std::string_view first_scalar_of_progress = "IAC_CLOS";
 constexpr int download_steps = 2150; // what the bar of a download ends at, about
 constexpr float bar_at_start = 30;
+constexpr int asked_again = 3; // for a cell, when another one's reply came
+constexpr float seconds_for_late_replies = 0.1F;
 constexpr float seconds_between_looks = 0.1F; // of the progress: seen moving, and no burden to the wire
 
 platform::FileDialog file_dialog(std::string title) {
@@ -36,6 +37,12 @@ int estimated_steps(const Parameter& row) {
     return row.key.starts_with("BO") ? 4 : 3;
 }
 
+std::filesystem::path path_from_text(const std::string& text) { return {std::u8string(text.begin(), text.end())}; }
+
+std::string counted(int count, std::string_view what) {
+    return calibration::counted(static_cast<std::size_t>(count), what);
+}
+
 std::string stop_text(const std::string& path, const TransferResult& so_far, const LineStop& stop) {
     std::string text = "The upload of " + path + " has stopped at line " + std::to_string(so_far.lines + 1);
     if (!stop.key.empty()) {
@@ -44,9 +51,9 @@ std::string stop_text(const std::string& path, const TransferResult& so_far, con
     if (!stop.value.empty()) {
         text += " = " + stop.value;
     }
-    return text + ": " + stop.reason + ".\n" + std::to_string(so_far.messages) +
-           (so_far.messages == 1 ? " line" : " lines") + " had been sent before it and stay in the controller. " +
-           stop.remedy + " and upload the file again.";
+    return text + ": " + stop.reason + ".\n" + counted(so_far.messages, "line") + " had been sent before it and " +
+           (so_far.messages == 1 ? "stays" : "stay") + " in the controller. " + stop.remedy +
+           " and upload the file again.";
 }
 
 } // namespace
@@ -61,6 +68,7 @@ public:
     Running(const Running&) = delete;
     Running& operator=(const Running&) = delete;
     ~Running() {
+        transfer_.abandon();
         transfer_.use_.state.polling_paused = was_paused_;
         transfer_.running_ = false;
     }
@@ -117,35 +125,54 @@ private:
 };
 
 void Transfer::menufilesave_Click() {
-    run(Direction::download, [this] { return use_.ports.dialogs.save_file(file_dialog("Download and save")); });
+    run(
+        Direction::download, [this] { return use_.ports.dialogs.save_file(file_dialog("Download and save")); },
+        [this](const std::string& path) { return download(path, Accept::older_values); });
 }
 
 void Transfer::menufileopen_Click() {
-    run(Direction::upload, [this] { return use_.ports.dialogs.open_file(file_dialog("Open and upload")); });
+    run(
+        Direction::upload, [this] { return use_.ports.dialogs.open_file(file_dialog("Open and upload")); },
+        [this](const std::string& path) { return upload(path); });
 }
 
-TransferResult Transfer::download_to(const std::string& path) {
-    return run(Direction::download, [&] { return path; });
+TransferResult Transfer::download_to(const std::string& file, Accept accept) {
+    return run(
+        Direction::download, [&] { return file; }, [&](const std::string& path) { return download(path, accept); });
 }
 
-TransferResult Transfer::upload_from(const std::string& path) {
-    return run(Direction::upload, [&] { return path; });
+TransferResult Transfer::upload_from(const std::string& file) {
+    return run(
+        Direction::upload, [&] { return file; }, [&](const std::string& path) { return upload(path); });
+}
+
+TransferResult Transfer::upload_text(const std::string& name, std::string_view text) {
+    return run(
+        Direction::upload, [&] { return name; },
+        [&](const std::string& path) {
+            Progress progress(use_, "ECU<-" + path);
+            close_all_files();
+            return send_lines(path, text, progress);
+        });
 }
 
 TransferResult Transfer::download_lines(const std::string& name, const Sink& sink) {
-    TransferResult result;
-    if (running_) {
-        return result;
-    }
-    const Running running(*this);
-    if ((result.outcome = start(Direction::download)) == TransferResult::Outcome::done) {
-        Progress progress(use_, "ECU->" + name);
-        write_lines(sink, progress, result);
-    }
-    return result;
+    return run(
+        Direction::download, [&] { return name; },
+        [&](const std::string& path) {
+            TransferResult result;
+            result.outcome = TransferResult::Outcome::done;
+            Progress progress(use_, "ECU->" + path);
+            write_lines(sink, progress, result);
+            return result;
+        });
 }
 
-TransferResult Transfer::run(Direction direction, const std::function<std::string()>& choose_path) {
+bool Transfer::names_no_file(const std::string& path) {
+    return path.empty() || path_from_text(path).filename() == initial_name;
+}
+
+TransferResult Transfer::run(Direction direction, const std::function<std::string()>& choose_path, const Action& act) {
     TransferResult result;
     if (running_) {
         return result;
@@ -155,11 +182,11 @@ TransferResult Transfer::run(Direction direction, const std::function<std::strin
         return result;
     }
     const std::string path = choose_path();
-    if (path.empty() || path == initial_name) {
+    if (names_no_file(path)) {
         result.outcome = TransferResult::Outcome::cancelled;
         return result;
     }
-    result = direction == Direction::download ? download(path) : upload(path);
+    result = act(path);
     use_.ports.waiting.process_events();
     if (!result.trouble.empty()) {
         use_.ports.dialogs.message_box({.text = result.trouble, .icon = platform::Icon::warning});
@@ -188,22 +215,28 @@ TransferResult::Outcome Transfer::start(Direction direction) {
     return TransferResult::Outcome::done;
 }
 
-TransferResult Transfer::download(const std::string& path) {
+TransferResult Transfer::download(const std::string& path, Accept accept) {
     TransferResult result;
     Progress progress(use_, "ECU->" + path);
-    if (close_files) {
-        close_files();
-    }
-    TransferFile file(full_path(path));
-    write_lines([&](std::string_view line) { return file.write(line); }, progress, result);
-    if (file.commit()) {
+    close_all_files();
+    growing_.emplace(full_path(path));
+    write_lines([&](std::string_view line) { return growing_->write(line); }, progress, result);
+    if (result.unanswered > 0 && accept == Accept::whole_only && growing_->failure().empty()) {
+        result.outcome = TransferResult::Outcome::incomplete;
+    } else if (growing_->commit()) {
         result.outcome = TransferResult::Outcome::done;
+        if (result.older_lines > 0) {
+            result.trouble = counted(result.older_lines, "line") + " of " + path +
+                             (result.older_lines == 1 ? " holds an older value" : " hold older values") +
+                             ": the controller did not answer there.\nCheck the link and download again.";
+        }
     } else {
         result.outcome = TransferResult::Outcome::file_failed;
-        result.trouble = "The calibration could not be saved as " + path + ": " + file.failure() +
+        result.trouble = "The calibration could not be saved as " + path + ": " + growing_->failure() +
                          ".\nIf there was a file of that name before, it is unchanged. Make room or make the folder "
                          "writable, or choose another folder or name, and download again.";
     }
+    growing_.reset();
     return result;
 }
 
@@ -218,13 +251,15 @@ void Transfer::write_lines(const Sink& sink, Progress& progress, TransferResult&
             return;
         }
     }
-    read_batch(progress, result);
+    const std::vector<std::uint8_t> silent = read_batch(progress, result);
     bool scalar_steps = false;
     for (const FileItem& item : file_order) {
         if (item.table != nullptr) {
             for (int i = 0; i < item.table->cells(); ++i) {
                 const int address = item.table->base + i;
-                send(cell_read_message(address), cell_reply, result);
+                if (!send(cell_read_message(address), cell_reply, result)) {
+                    ++result.older_lines;
+                }
                 if (!print(file_line(*item.table, i, use_.image.cell(address)))) {
                     return;
                 }
@@ -233,8 +268,11 @@ void Transfer::write_lines(const Sink& sink, Progress& progress, TransferResult&
             continue;
         }
         const Parameter& row = *item.parameter;
-        if (row.file == FileForm::element) {
-            send(read_message(read_request(row)), row.read.reply, result);
+        const bool answered = row.file == FileForm::element
+                                  ? send(read_message(read_request(row)), row.read.reply, result)
+                                  : std::ranges::find(silent, row.read.command) == silent.end();
+        if (!answered) {
+            result.older_lines += row.count;
         }
         for (int i = 0; i < row.count; ++i) {
             if (!print(file_line(row, i, use_.image.raw(row, i)))) {
@@ -252,21 +290,25 @@ void Transfer::write_lines(const Sink& sink, Progress& progress, TransferResult&
     progress.show();
 }
 
-void Transfer::read_batch(Progress& progress, TransferResult& result) {
+// Returns the commands that had no answer.
+std::vector<std::uint8_t> Transfer::read_batch(Progress& progress, TransferResult& result) {
+    std::vector<std::uint8_t> silent;
     for (const ReadRequest& request : download_batch) {
-        send(read_message(request), request.reply, result);
+        std::erase(silent, request.command);
+        if (!send(read_message(request), request.reply, result)) {
+            silent.push_back(request.command);
+        }
         if (&request != &download_batch.back()) {
             progress.step();
         }
     }
+    return silent;
 }
 
 TransferResult Transfer::upload(const std::string& path) {
     TransferResult result;
     Progress progress(use_, "ECU<-" + path);
-    if (close_files) {
-        close_files();
-    }
+    close_all_files();
     const FileText file = read_whole_file(full_path(path));
     if (!file.failure.empty()) {
         result.outcome = TransferResult::Outcome::file_failed;
@@ -275,7 +317,12 @@ TransferResult Transfer::upload(const std::string& path) {
                          "upload again.";
         return result;
     }
-    const std::vector<std::string> lines = split_lines(file.text);
+    return send_lines(path, file.text, progress);
+}
+
+TransferResult Transfer::send_lines(const std::string& path, std::string_view text, Progress& progress) {
+    TransferResult result;
+    const std::vector<std::string> lines = split_lines(text);
     progress.set_total(static_cast<int>(lines.size()));
     result.outcome = TransferResult::Outcome::done;
     for (const std::string& line : lines) {
@@ -291,28 +338,60 @@ TransferResult Transfer::upload(const std::string& path) {
             send(known->message, known->reply, result);
         } else if (const auto* unknown = std::get_if<UnknownLine>(&meaning)) {
             result.unknown_at.push_back(result.lines);
-            for (const std::string& text : unknown->texts) {
-                use_.form.update_info.set_text(text);
+            for (const std::string& shown : unknown->texts) {
+                use_.form.update_info.set_text(shown);
             }
         }
+    }
+    progress.show_at(result.lines);
+    progress.show();
+    if (result.outcome == TransferResult::Outcome::done && result.unanswered > 0) {
+        result.trouble = counted(result.unanswered, "line") + " of " + path +
+                         " had no answer: the controller may still hold what it held there.\nCheck the link and "
+                         "upload the file again.";
     }
     return result;
 }
 
-// A message that no decoder took is lost; the operation goes on with the next one.
-void Transfer::send(const link::Message& message, int reply, TransferResult& result) {
-    use_.state.reply_accepted = false;
-    use_.comm.send_ecu_message(message, reply);
+// A message that no decoder took is lost; the operation goes on with the next one. Returns whether it was answered.
+// All cells answer by one code: a request that was answered twice, once late, leaves a reply that the next request
+// takes for its own, and all further ones would run one behind. After a wait what is late has come, and the next
+// request drains it.
+bool Transfer::send(const link::Message& message, int reply, TransferResult& result) {
+    bool answered = ask(message, reply);
+    for (int again = 0; answered && other_cell_answered(message) && again < asked_again; ++again) {
+        use_.ports.wait_seconds(seconds_for_late_replies);
+        answered = ask(message, reply);
+    }
+    answered = answered && !other_cell_answered(message);
     if (!use_.state.demo_mode && !use_.state.comm_aborted) {
         ++result.messages;
     }
-    if (!use_.state.reply_accepted) {
+    if (!answered) {
         ++result.unanswered;
+    }
+    return answered;
+}
+
+bool Transfer::ask(const link::Message& message, int reply) {
+    use_.state.reply_accepted = false;
+    use_.comm.send_ecu_message(message, reply);
+    return use_.state.reply_accepted;
+}
+
+bool Transfer::other_cell_answered(const link::Message& message) const {
+    return (message[0] == read_cell || message[0] == write_cell) &&
+           use_.image.last_cell() != message[1] + 256 * message[2];
+}
+
+void Transfer::close_all_files() const {
+    if (close_files) {
+        close_files();
     }
 }
 
 std::filesystem::path Transfer::full_path(const std::string& path) const {
-    return use_.ports.folder / std::filesystem::path(std::u8string(path.begin(), path.end()));
+    return use_.ports.folder / path_from_text(path);
 }
 
 } // namespace ecu::calibration

@@ -1,15 +1,17 @@
 // Moves a whole calibration between controller and setup file. One long sequence of messages on the one thread, with
-// frm_wait in front, the main form disabled and the scheduler kept out; nothing but the start is checked, a message
-// without an answer is followed by the next one. A download goes to a new file beside the target, which takes the
-// target's name at the end: whatever happens on the way, the older file stays whole.
+// frm_wait in front, the main form disabled and the scheduler kept out; a message without an answer is followed by the
+// next one, and told at the end. A download goes to a new file beside the target, which takes the target's name at the
+// end: whatever happens on the way, the older file stays whole.
 #pragma once
 
 #include "calibration/calibration_image.h"
 #include "calibration/frm_wait.h"
+#include "calibration/transfer_file.h"
 #include "link/ecu_comm.h"
 #include "link/link_selection.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,7 +23,8 @@ struct TransferResult {
         done,
         demo_mode,   // refused
         no_answer,   // to the probe
-        cancelled,   // in the file dialog
+        cancelled,   // in the file dialog, or the path names no file
+        incomplete,  // values had no answer and only a whole file was wanted; an older one is unchanged
         file_failed, // could not be read or written; `trouble` says what and what to do
         stopped,     // by a line that fits no message; `trouble` says which
     };
@@ -29,7 +32,8 @@ struct TransferResult {
     std::string trouble;
     int lines = 0;               // written, or gone through
     int messages = 0;            // sent, the probe not counted
-    int unanswered = 0;          // of these; in a file they left older values
+    int unanswered = 0;          // of these
+    int older_lines = 0;         // of a download: lines whose values had no answer and are older ones
     std::vector<int> unknown_at; // numbers of the lines whose key stands in no row, from 1
 };
 
@@ -53,31 +57,46 @@ public:
     void menufilesave_Click(); // the controller to a file
     void menufileopen_Click(); // a file to the controller
 
+    // Whether a file with older values in it replaces the one before.
+    enum class Accept : std::uint8_t { older_values, whole_only };
     // The same without the file dialog. `path` is relative to the working folder unless absolute, in UTF-8. What goes
     // wrong is said in a message box and comes back in the result; an exception out of a dialog passes through and
     // leaves the forms usable and no unfinished file.
-    TransferResult download_to(const std::string& path);
+    TransferResult download_to(const std::string& path, Accept accept = Accept::older_values);
     TransferResult upload_from(const std::string& path);
+    // An upload of a text that was read already. `name` stands for the path in caption and messages.
+    TransferResult upload_text(const std::string& name, std::string_view text);
+    // True of what a file dialog gives when nothing was chosen.
+    static bool names_no_file(const std::string& path);
     // Takes one line with its line end; returns false to end the download there.
     using Sink = std::function<bool(std::string_view line)>;
     // A download whose lines go to `sink` instead of a file. `name` stands for the path in the caption.
     TransferResult download_lines(const std::string& name, const Sink& sink);
+
+    // The program ends from inside a transfer: removes the file that is not whole.
+    void abandon() { growing_.reset(); }
 
 private:
     class Running;
     class Progress;
     enum class Direction : std::uint8_t { download, upload };
 
-    TransferResult run(Direction direction, const std::function<std::string()>& choose_path);
+    using Action = std::function<TransferResult(const std::string& path)>;
+    TransferResult run(Direction direction, const std::function<std::string()>& choose_path, const Action& act);
     TransferResult::Outcome start(Direction direction);
-    TransferResult download(const std::string& path);
+    TransferResult download(const std::string& path, Accept accept);
     TransferResult upload(const std::string& path);
+    TransferResult send_lines(const std::string& path, std::string_view text, Progress& progress);
     void write_lines(const Sink& sink, Progress& progress, TransferResult& result);
-    void read_batch(Progress& progress, TransferResult& result);
-    void send(const link::Message& message, int reply, TransferResult& result);
+    std::vector<std::uint8_t> read_batch(Progress& progress, TransferResult& result);
+    bool send(const link::Message& message, int reply, TransferResult& result);
+    bool ask(const link::Message& message, int reply);
+    bool other_cell_answered(const link::Message& message) const;
+    void close_all_files() const;
     std::filesystem::path full_path(const std::string& path) const;
 
     Use use_;
+    std::optional<TransferFile> growing_;
     bool running_ = false;
 };
 

@@ -1,8 +1,16 @@
 #include "calibration/transfer_file.h"
 
 #include <cerrno>
+#include <fstream>
+#include <random>
 #include <system_error>
 #include <utility>
+
+#ifdef _WIN32
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
 
 namespace ecu::calibration {
 
@@ -10,17 +18,46 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr int most_links = 40; // in a row; more are a circle
+constexpr int names_tried = 100;
+
 std::error_code last_error() {
     return errno != 0 ? std::error_code(errno, std::generic_category()) : std::make_error_code(std::errc::io_error);
 }
 
+// Only as a file that was not there; a link in its place does not count as such.
+std::FILE* create(const fs::path& path) {
+#ifdef _WIN32
+    return _wfopen(path.c_str(), L"wbx");
+#else
+    return std::fopen(path.c_str(), "wbx");
+#endif
+}
+
+// Past the system's buffers, so that no loss of power leaves the name to a file without its contents.
+bool put_on_disk(std::FILE* file) {
+    if (std::fflush(file) != 0) {
+        return false;
+    }
+#ifdef _WIN32
+    return _commit(_fileno(file)) == 0;
+#else
+    return fsync(fileno(file)) == 0 || errno == EINVAL || errno == ENOTSUP; // not every medium can
+#endif
+}
+
+fs::path behind_links(fs::path path) {
+    std::error_code error;
+    for (int i = 0; i < most_links && fs::is_symlink(fs::symlink_status(path, error)); ++i) {
+        path = path.parent_path() / fs::read_symlink(path, error);
+    }
+    return path;
+}
+
 } // namespace
 
-TransferFile::TransferFile(const fs::path& target) : target_(target) {
+TransferFile::TransferFile(const fs::path& target) : target_(behind_links(target)) {
     std::error_code ignored;
-    if (const fs::path real = fs::canonical(target, ignored); !real.empty()) {
-        target_ = real;
-    }
     const fs::file_status status = fs::status(target_, ignored);
     if (fs::exists(status)) {
         if (!fs::is_regular_file(status)) {
@@ -34,21 +71,33 @@ TransferFile::TransferFile(const fs::path& target) : target_(target) {
             return;
         }
     }
-    beside_ = target_;
-    beside_ += ".new";
-    errno = 0;
-    file_.open(beside_, std::ios::binary | std::ios::trunc);
-    if (!file_) {
-        fail(last_error());
-        beside_.clear();
-    } else if (fs::exists(status)) {
+    open_beside();
+    if (file_ && fs::exists(status)) {
         fs::permissions(beside_, status.permissions(), ignored);
     }
 }
 
+void TransferFile::open_beside() {
+    std::random_device random;
+    for (int i = 0; i < names_tried; ++i) {
+        fs::path path = target_;
+        path += ".new-" + std::to_string(random());
+        errno = 0;
+        file_.reset(create(path));
+        if (file_) {
+            beside_ = std::move(path);
+            return;
+        }
+        if (errno != EEXIST) {
+            break;
+        }
+    }
+    fail(last_error());
+}
+
 TransferFile::~TransferFile() {
-    if (!committed_ && !beside_.empty()) {
-        file_.close();
+    if (!beside_.empty()) {
+        file_.reset();
         std::error_code ignored;
         fs::remove(beside_, ignored);
     }
@@ -59,7 +108,7 @@ bool TransferFile::write(std::string_view text) {
         return false;
     }
     errno = 0;
-    return file_.write(text.data(), static_cast<std::streamsize>(text.size())) ? true : fail(last_error());
+    return std::fwrite(text.data(), 1, text.size(), file_.get()) == text.size() || fail(last_error());
 }
 
 bool TransferFile::commit() {
@@ -67,8 +116,7 @@ bool TransferFile::commit() {
         return false;
     }
     errno = 0;
-    file_.close();
-    if (!file_) {
+    if (!put_on_disk(file_.get()) || std::fclose(file_.release()) != 0) {
         return fail(last_error());
     }
     std::error_code error;
@@ -76,7 +124,7 @@ bool TransferFile::commit() {
     if (error) {
         return fail(error);
     }
-    committed_ = true;
+    beside_.clear();
     return true;
 }
 

@@ -54,6 +54,11 @@ void Console::wire() {
     polling.plot_and_log_sample = [this] { plotter.plot_and_log_sample(); };
     monitor.wire_menu();
     basic_mapping.wire_menus();
+    transfer.close_files = [this] {
+        if (plotter.logging_active()) {
+            plotter.stop_logging();
+        }
+    };
     main_console.on_upload = [this] { transfer.menufileopen_Click(); };
     main_console.on_download = [this] { transfer.menufilesave_Click(); };
     main_console.offer_what_exists();
@@ -65,6 +70,11 @@ void Console::start(std::string_view command_line) {
                     command_line);
     forms.frm_ecu.form.show();
     polling.start();
+}
+
+void Console::before_end() {
+    transfer.abandon();
+    comm1->close();
 }
 
 } // namespace ecu::console

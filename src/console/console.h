@@ -37,6 +37,9 @@ public:
     // empty. Ends the program where a start-up file is missing.
     void start(std::string_view command_line);
 
+    // For a program that ends from wherever it stands: leaves nothing behind that the system would not clear away.
+    void before_end();
+
     // In the order of construction. What a program without windows needs of the console it takes from here.
     const platform::Ports ports;
     link::SharedState state;

@@ -93,6 +93,8 @@ TEST(Download, AsksInItsOrderAndPrintsEveryLineOfTheControllersMemory) {
     EXPECT_TRUE(files_closed);
     EXPECT_TRUE(kept_out);
     bench.expect_usable_console();
+    bench.transfer.download_to("again.set");
+    EXPECT_EQ(bench.desktop.read_file("again.set"), text);
 }
 
 TEST(Download, ShowsItsProgressInBytesAndBar) {
@@ -159,7 +161,7 @@ TEST(Upload, StopsAtALineThatFitsNoMessageAndSaysWhereAndHowFar) {
     bench.desktop.expect_box("has stopped at line 3, MAPM[007] = 256: the value is above 255");
     bench.transfer.menufileopen_Click();
     EXPECT_THAT(bench.desktop.boxes()[0].text,
-                testing::AllOf(HasSubstr("engine.set"), HasSubstr("\n1 line had been sent before it")));
+                testing::AllOf(HasSubstr("engine.set"), HasSubstr("\n1 line had been sent before it and stays")));
     EXPECT_THAT(bench.commands, ElementsAre('C', 'g'));
     bench.expect_usable_console();
 }
@@ -168,7 +170,7 @@ TEST(Transfers, AreRefusedInDemoModeAndWithoutAnAnswerAndEndSilentlyWithoutAFile
     TransferBench bench;
     bench.desktop.choose_file("");
     bench.transfer.menufilesave_Click();
-    bench.desktop.choose_file("*.SET");
+    bench.desktop.choose_file("/home/tuner/*.SET");
     bench.transfer.menufileopen_Click();
     EXPECT_THAT(bench.commands, ElementsAre('R', 'C'));
 
@@ -183,19 +185,37 @@ TEST(Transfers, AreRefusedInDemoModeAndWithoutAnAnswerAndEndSilentlyWithoutAFile
     bench.expect_usable_console();
 }
 
+TEST(Download, AsksAgainWhereALateReplyAnsweredForTheNextCell) {
+    TransferBench bench;
+    for (int i = 0; i < 256; ++i) {
+        bench.memory().store_cell(0x0100 + i, static_cast<std::uint8_t>(i));
+    }
+    bench.transfer.download_to("clean.set");
+    for (const int times : {1, 3}) {
+        bench.commands.clear();
+        bench.at_request(100, [&] { bench.wired.controller.faults().strike_next(controller::Fault::late, times); });
+        const TransferResult result = bench.transfer.download_to("late.set", Transfer::Accept::whole_only);
+        EXPECT_EQ(result.outcome, Outcome::done);
+        EXPECT_EQ(result.messages, 67 + 1897 + 4);
+        EXPECT_EQ(bench.desktop.read_file("late.set"), bench.desktop.read_file("clean.set"));
+    }
+}
+
 TEST(Download, GoesToItsEndWithStaleValuesWhenTheTunerTurnsToDemoMode) {
     TransferBench bench;
     bench.at_request(500, [&] { bench.wired.silence(); });
     bench.desktop.on_modal("frm_Dialog", [&](auto&) { bench.console.forms.frm_dialog.dialog_button[1].press(); });
+    bench.desktop.expect_box(" lines of engine.set hold older values: the controller did not answer there.");
     const TransferResult result = bench.transfer.download_to("engine.set");
     EXPECT_EQ(result.outcome, Outcome::done);
-    EXPECT_GT(result.unanswered, 1400);
+    EXPECT_EQ(result.older_lines, 1897 + 4 * 8 - (500 - 1 - 67)); // but the cells before
     EXPECT_EQ(split_lines(bench.desktop.read_file("engine.set")).size(), 2126U);
 }
 
 TEST(Download, NeverDestroysAnOlderCalibration) {
     TransferBench bench;
     bench.desktop.write_file("engine.set", "an older calibration");
+    bench.desktop.write_file("engine.set.new", "the tuner's own");
     bench.at_request(500, [&] { bench.wired.silence(); });
     bench.desktop.on_modal("frm_Dialog", [&](auto&) {
         EXPECT_EQ(bench.desktop.read_file("engine.set"), "an older calibration");
@@ -209,7 +229,8 @@ TEST(Download, NeverDestroysAnOlderCalibration) {
     }
     EXPECT_TRUE(ended);
     EXPECT_EQ(bench.desktop.read_file("engine.set"), "an older calibration");
-    EXPECT_FALSE(std::filesystem::exists(bench.desktop.path("engine.set.new")));
+    EXPECT_EQ(bench.desktop.read_file("engine.set.new"), "the tuner's own");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(bench.desktop.folder()), {}), 2);
     bench.expect_usable_console();
 }
 

@@ -6,7 +6,7 @@ namespace ecu::desktop {
 
 DesktopConsole::DesktopConsole()
     : console_({clock_, waiting_, timers_, dialogs_, program_, serial_ports_, datagram_sockets_}) {
-    program_.before_end = [this] { console_.comm1->close(); };
+    program_.before_end = [this] { console_.before_end(); };
     add_windows();
     console_.forms.registry.set_host(&host_);
 }
