@@ -77,7 +77,11 @@ std::int32_t printed_value(std::string_view line, const calibration::LineMessage
     return platform::round_to_even(platform::leading_number(text.substr(sign + 1)));
 }
 
-CalibrationValues values_of(std::string_view text, const std::string& name) {
+std::string stop_text(const calibration::LineStop& stop) {
+    return (stop.value.empty() ? "" : stop.value + ": ") + stop.reason;
+}
+
+CalibrationValues values_of(std::string_view text) {
     CalibrationValues values;
     int number = 0;
     for (const std::string& line : calibration::split_lines(text)) {
@@ -88,9 +92,7 @@ CalibrationValues values_of(std::string_view text, const std::string& name) {
         } else if (const auto* unknown = std::get_if<calibration::UnknownLine>(&meaning)) {
             values.unknown.push_back({number, unknown->texts.front().substr(calibration::unknown_variable.size())});
         } else if (const auto* stop = std::get_if<calibration::LineStop>(&meaning)) {
-            throw Failure(Status::file, name + ":" + std::to_string(number) + ": " + stop->key +
-                                            (stop->value.empty() ? "" : " = " + stop->value) + ": " + stop->reason +
-                                            ". " + stop->remedy + "; ecu-cli check names all such lines");
+            values.unreadable.push_back({number, stop->key, stop_text(*stop)});
         }
     }
     return values;

@@ -26,6 +26,13 @@ struct UnknownKey {
     bool operator==(const UnknownKey& other) const { return text == other.text; }
 };
 
+// A line that an upload would stop at.
+struct UnreadableLine {
+    int line = 0;
+    std::string key;  // "MAPM[007]", or what stands at its place
+    std::string text; // "256: the value is above 255, ...": what is wrong
+};
+
 class CalibrationValues {
 public:
     // Every element of every row, in the order of a setup file.
@@ -39,6 +46,7 @@ public:
     const calibration::Scales& scales() const { return scales_; }
 
     std::vector<UnknownKey> unknown;
+    std::vector<UnreadableLine> unreadable;
 
 private:
     std::map<std::pair<const void*, int>, Value> values_;
@@ -53,8 +61,9 @@ std::string shown_text(const calibration::FileKey& key, std::int32_t raw, const 
 // The number that the line prints, for a line of a known key.
 std::int32_t printed_value(std::string_view line, const calibration::LineMessage& known);
 
-// Throws Failure at a line that an upload would stop at; `name` is the file's name in its text.
-CalibrationValues values_of(std::string_view text, const std::string& name);
+CalibrationValues values_of(std::string_view text);
+// What is wrong with a line that an upload would stop at.
+std::string stop_text(const calibration::LineStop& stop);
 // Reads the file. Throws Failure when it can't be.
 std::string text_of_file(const std::string& name);
 

@@ -84,6 +84,52 @@ std::string number_fault(std::string_view text, std::int32_t sent) {
     return {};
 }
 
+// The value as it stands in the message.
+std::int32_t sent_value(const LineMessage& known) {
+    const link::Message& message = known.message;
+    if (known.key.table != nullptr) {
+        return message[3];
+    }
+    switch (known.key.parameter->write.file_form) {
+    case calibration::WriteForm::byte:
+        return message[1];
+    case calibration::WriteForm::word:
+        return message[1] + 256 * message[2];
+    case calibration::WriteForm::element_byte:
+        return message[2];
+    case calibration::WriteForm::element_word:
+        return message[2] + 256 * message[3];
+    }
+    return 0;
+}
+
+// What is wrong with a raw value by its row's width and limits; empty when nothing is.
+std::string range_fault(const FileKey& key, std::int32_t raw, std::int32_t sent, const Scales& scales) {
+    const Limits width = of_width(key.table != nullptr ? Width::byte : key.parameter->read.width);
+    if (raw < width.low || raw > width.high) {
+        return std::to_string(raw) + " does not fit the item's " + (width.high == 255 ? "8" : "16") +
+               " bits; an upload would send " + std::to_string(sent) +
+               (width.high == 255 && sent > 255 ? ", its high byte along" : "");
+    }
+    const Entry& entry = entry_of(key);
+    if (entry.low_byte) {
+        // The entry's limits are those of a signed byte.
+        const std::int32_t value = raw > 127 ? raw - 256 : raw;
+        const bool any = entry.raw_low == std::numeric_limits<std::int32_t>::min();
+        return any || (value >= entry.raw_low && value <= entry.raw_high)
+                   ? ""
+                   : std::to_string(raw) + " stands for " + std::to_string(value) + ", outside " +
+                         std::to_string(entry.raw_low) + " to " + std::to_string(entry.raw_high);
+    }
+    const Limits limits = entry_limits(key, width, scales);
+    if (raw < limits.low || raw > limits.high) {
+        return with_shown(key, raw, scales) + " is outside " + with_shown(key, limits.low, scales) + " to " +
+               with_shown(key, limits.high, scales);
+    }
+    return refused(key, raw, scales) ? with_shown(key, raw, scales) + " is a value that the console's screens refuse"
+                                     : "";
+}
+
 class Checker {
 public:
     CheckReport check(std::string_view text) {
@@ -101,6 +147,9 @@ public:
             look_at(line);
         }
         add_notes();
+        if (!text.empty() && text.back() != '\n') {
+            report_.notes.push_back("the last line has no line end; the file may have been cut short");
+        }
         return std::move(report_);
     }
 
@@ -112,8 +161,7 @@ private:
     void look_at(const std::string& line) {
         const auto meaning = calibration::read_line(line);
         if (const auto* stop = std::get_if<LineStop>(&meaning)) {
-            find(stop->key,
-                 (stop->value.empty() ? "" : stop->value + ": ") + stop->reason + "; an upload would stop here");
+            find(stop->key, stop_text(*stop) + "; an upload would stop here");
         } else if (const auto* unknown = std::get_if<UnknownLine>(&meaning)) {
             find(unknown->texts.front().substr(calibration::unknown_variable.size()),
                  "is not known; an upload would pass over it");
@@ -131,12 +179,14 @@ private:
         seen_.put(known.key, {printed, number_});
         if (printed != known.value) {
             ++lost_;
-        } else if (std::string fault = number_fault(
-                       std::string_view(line).substr(std::min(calibration::value_column, line.size())), known.value);
+        } else if (std::string fault =
+                       number_fault(std::string_view(line).substr(std::min(calibration::value_column, line.size())),
+                                    sent_value(known));
                    !fault.empty() && !is_doubled(known.key)) {
             find(key, std::move(fault));
         }
-        if (std::string fault = range_fault(known.key, printed, scales_of_.scales()); !fault.empty()) {
+        if (std::string fault = range_fault(known.key, printed, sent_value(known), scales_of_.scales());
+            !fault.empty()) {
             find(key, std::move(fault));
         }
     }
@@ -167,44 +217,21 @@ private:
 
 } // namespace
 
-std::string range_fault(const FileKey& key, std::int32_t raw, const Scales& scales) {
-    const Limits width = of_width(key.table != nullptr ? Width::byte : key.parameter->read.width);
-    if (raw < width.low || raw > width.high) {
-        const int bits = width.high == 255 ? 8 : 16;
-        return std::to_string(raw) + " does not fit the item's " + std::to_string(bits) +
-               " bits; an upload would send " + std::to_string(raw & (bits == 8 ? 0xFF : 0xFFFF));
-    }
-    const Entry& entry = entry_of(key);
-    if (entry.low_byte) {
-        // The entry's limits are those of a signed byte.
-        const std::int32_t value = raw > 127 ? raw - 256 : raw;
-        const bool any = entry.raw_low == std::numeric_limits<std::int32_t>::min();
-        return any || (value >= entry.raw_low && value <= entry.raw_high)
-                   ? ""
-                   : std::to_string(raw) + " stands for " + std::to_string(value) + ", outside " +
-                         std::to_string(entry.raw_low) + " to " + std::to_string(entry.raw_high);
-    }
-    const Limits limits = entry_limits(key, width, scales);
-    if (raw < limits.low || raw > limits.high) {
-        return with_shown(key, raw, scales) + " is outside " + with_shown(key, limits.low, scales) + " to " +
-               with_shown(key, limits.high, scales);
-    }
-    return refused(key, raw, scales) ? with_shown(key, raw, scales) + " is a value that the console's screens refuse"
-                                     : "";
-}
-
 CheckReport check(std::string_view text) { return Checker().check(text); }
 
 std::string as_text(const CheckReport& report, const std::string& name) {
     std::string text;
     for (const Finding& finding : report.findings) {
-        text += name + ":" + std::to_string(finding.line) + ": " + finding.key + ": " + finding.text + "\n";
+        text += name + ":" + std::to_string(finding.line) + ": " + finding.key + (finding.key.empty() ? "" : ": ") +
+                finding.text + "\n";
     }
     for (const std::string& note : report.notes) {
         text += "note: " + note + "\n";
     }
-    return text + std::to_string(report.lines) + " lines, " + std::to_string(report.values) + " values, " +
-           std::to_string(report.findings.size()) + (report.findings.size() == 1 ? " finding\n" : " findings\n");
+    using calibration::counted;
+    return text + counted(static_cast<std::size_t>(report.lines), "line") + ", " +
+           counted(static_cast<std::size_t>(report.values), "value") + ", " +
+           counted(report.findings.size(), "finding") + "\n";
 }
 
 std::string as_json(const CheckReport& report) {

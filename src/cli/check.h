@@ -26,9 +26,6 @@ struct CheckReport {
 
 CheckReport check(std::string_view text);
 
-// What is wrong with a raw value by its row's width and limits; empty when nothing is.
-std::string range_fault(const calibration::FileKey& key, std::int32_t raw, const calibration::Scales& scales);
-
 std::string as_text(const CheckReport& report, const std::string& name);
 std::string as_json(const CheckReport& report);
 

@@ -5,6 +5,7 @@
 #include <QJsonArray>
 
 #include <algorithm>
+#include <set>
 
 namespace ecu::cli {
 
@@ -12,8 +13,6 @@ namespace {
 
 using calibration::FileKey;
 using calibration::key_text;
-
-std::string plural(std::size_t count, std::string_view word) { return std::to_string(count) + " " + std::string(word); }
 
 std::string padded(std::string text, std::size_t width) {
     text.resize(std::max(text.size(), width), ' ');
@@ -50,13 +49,25 @@ QJsonObject value_object(const FileKey& key, std::int32_t raw, const Calibration
 
 Comparison compare(const CalibrationValues& a, const CalibrationValues& b) {
     Comparison out;
+    std::set<std::pair<std::string, Side>> unreadable; // these are there, in their way
+    const auto note_unreadable = [&](const CalibrationValues& values, Side side) {
+        for (const UnreadableLine& line : values.unreadable) {
+            out.unreadable.push_back({line, side});
+            unreadable.emplace(line.key, side);
+        }
+    };
+    note_unreadable(a, Side::a);
+    note_unreadable(b, Side::b);
     for (const FileKey& key : CalibrationValues::all_keys()) {
         const auto in_a = a.find(key);
         const auto in_b = b.find(key);
         if (in_a && in_b && in_a->raw != in_b->raw) {
             out.changed.push_back({key, in_a->raw, in_b->raw});
         } else if (in_a.has_value() != in_b.has_value()) {
-            out.missing.push_back({key, in_a ? Side::b : Side::a});
+            const Side side = in_a ? Side::b : Side::a;
+            if (!unreadable.contains({key_text(key), side})) {
+                out.missing.push_back({key, side});
+            }
         }
     }
     for (const UnknownKey& key : a.unknown) {
@@ -65,7 +76,7 @@ Comparison compare(const CalibrationValues& a, const CalibrationValues& b) {
     for (const UnknownKey& key : b.unknown) {
         out.unknown.push_back({key, Side::b});
     }
-    out.same = out.changed.empty() && out.missing.empty() &&
+    out.same = out.changed.empty() && out.missing.empty() && out.unreadable.empty() &&
                std::ranges::is_permutation(a.unknown, b.unknown, std::equal_to<>());
     return out;
 }
@@ -87,8 +98,16 @@ std::string as_text(const Comparison& comparison, const CalibrationValues& a, co
         text += "unknown  " + padded(value.key.text, 10) + " in " + (value.in == Side::a ? name_a : name_b) +
                 ", line " + std::to_string(value.key.line) + "\n";
     }
-    return text + plural(comparison.changed.size(), "changed, ") + plural(comparison.missing.size(), "missing, ") +
-           plural(comparison.unknown.size(), "unknown") + "\n";
+    for (const UnreadableValue& value : comparison.unreadable) {
+        text += "unreadable " + padded(value.line.key, 8) + " in " + (value.in == Side::a ? name_a : name_b) +
+                ", line " + std::to_string(value.line.line) + ": " + value.line.text + "\n";
+    }
+    text += std::to_string(comparison.changed.size()) + " changed, " + std::to_string(comparison.missing.size()) +
+            " missing, " + std::to_string(comparison.unknown.size()) + " unknown";
+    if (!comparison.unreadable.empty()) {
+        text += ", " + std::to_string(comparison.unreadable.size()) + " unreadable";
+    }
+    return text + "\n";
 }
 
 std::string as_json(const Comparison& comparison, const CalibrationValues& a, const CalibrationValues& b) {
@@ -110,7 +129,18 @@ std::string as_json(const Comparison& comparison, const CalibrationValues& a, co
         unknown.append(QJsonObject{
             {"key", json_text(value.key.text)}, {"line", value.key.line}, {"in", value.in == Side::a ? "a" : "b"}});
     }
-    return json_line({{"same", comparison.same}, {"changed", changed}, {"missing", missing}, {"unknown", unknown}});
+    QJsonArray unreadable;
+    for (const UnreadableValue& value : comparison.unreadable) {
+        unreadable.append(QJsonObject{{"key", json_text(value.line.key)},
+                                      {"line", value.line.line},
+                                      {"in", value.in == Side::a ? "a" : "b"},
+                                      {"text", json_text(value.line.text)}});
+    }
+    return json_line({{"same", comparison.same},
+                      {"changed", changed},
+                      {"missing", missing},
+                      {"unknown", unknown},
+                      {"unreadable", unreadable}});
 }
 
 } // namespace ecu::cli

@@ -23,10 +23,16 @@ struct UnknownValue {
     Side in = Side::a;
 };
 
+struct UnreadableValue {
+    UnreadableLine line;
+    Side in = Side::a;
+};
+
 struct Comparison {
     std::vector<ChangedValue> changed;
     std::vector<MissingValue> missing;
-    std::vector<UnknownValue> unknown; // of either side; what both have is no difference
+    std::vector<UnknownValue> unknown;       // of either side; what both have is no difference
+    std::vector<UnreadableValue> unreadable; // lines that an upload would stop at; always a difference
     bool same = true;
 };
 

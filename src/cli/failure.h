@@ -8,7 +8,7 @@ namespace ecu::cli {
 
 enum class Status : int {
     done = 0,    // or: no difference, no finding
-    differs = 1, // or: findings
+    differs = 1, // or: findings, or nothing was sent
     usage = 2,   // the command line, or a question that nobody could be asked
     link = 3,    // the controller cannot be reached or does not answer
     file = 4,    // a file cannot be read or written, or holds what cannot be sent

@@ -9,17 +9,20 @@ namespace {
 
 volatile std::sig_atomic_t signals_seen = 0;
 
-// A second signal ends the program at once, should the first have met something that does not end.
-void note_signal(int signal) {
-    signals_seen = 1;
-    std::signal(signal, SIG_DFL);
-}
+void note_signal(int) { signals_seen = 1; }
 
 } // namespace
 
 void catch_interrupts() {
-    std::signal(SIGINT, note_signal);
-    std::signal(SIGTERM, note_signal);
+    // A call that waits for the keyboard ends with the signal. A second signal ends the program at once, should the
+    // first have met something that does not end.
+    struct sigaction noted {};
+    noted.sa_handler = note_signal;
+    noted.sa_flags = SA_RESETHAND;
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        sigaction(signal, &noted, nullptr);
+    }
+    std::signal(SIGXFSZ, SIG_IGN); // a file beyond the limit is an error of its writing
 }
 
 bool interrupted() { return signals_seen != 0; }

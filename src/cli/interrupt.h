@@ -1,4 +1,4 @@
-// Ctrl+C, or a polite kill: remembered here, and acted upon where a command can end cleanly.
+// Ctrl+C, a polite kill, or the terminal's end: remembered here, and acted upon where a command can end cleanly.
 #pragma once
 
 namespace ecu::cli {

@@ -1,5 +1,6 @@
 #include "cli/options.h"
 
+#include "calibration/transfer.h"
 #include "shell/start_up.h"
 
 #include <CLI/CLI.hpp>
@@ -16,11 +17,23 @@ constexpr const char* closing =
     "Without --port, --device and --remote the port is the number in the file port.cfg of the working folder.\n"
     "Exit status: 0 done or same, 1 differences or findings, 2 usage, 3 link, 4 file, 130 ended by Ctrl+C.\n"
     "ecu-cli VERB --help tells more of a verb.";
+constexpr const char* global_group = "Options of every verb";
 
 struct Verbs {
     std::array<CLI::App*, 7> apps{};
     CLI::App*& operator[](Verb verb) { return apps.at(static_cast<std::size_t>(verb)); }
 };
+
+std::string fault_of_name(std::string& name) {
+    if (name.empty()) {
+        return "the name of the file is empty";
+    }
+    return calibration::Transfer::names_no_file(name) ? name + " is a pattern and names no file" : "";
+}
+
+void add_file(CLI::App& verb, const std::string& place, std::string& file, const std::string& what) {
+    verb.add_option(place, file, what)->required()->type_name("")->check(CLI::Validator(fault_of_name, std::string()));
+}
 
 void add_global_options(CLI::App& app, Options& options) {
     auto* port = app.add_option("--port", options.port, "serial port of the controller, as in the console's menu")
@@ -33,6 +46,11 @@ void add_global_options(CLI::App& app, Options& options) {
         ->excludes(port)
         ->excludes(device);
     app.add_flag("--json", options.json, "write results as JSON, one object a line");
+    for (CLI::Option* option : app.get_options()) {
+        if (option->get_name() != "--help" && option->get_name() != "--version") {
+            option->group(global_group);
+        }
+    }
 }
 
 void add_interval(CLI::App& verb, Options& options) {
@@ -48,22 +66,20 @@ Verbs add_verbs(CLI::App& app, Options& options) {
 
     CLI::App* download = verbs[Verb::download] =
         app.add_subcommand("download", "save the controller's calibration as a setup file");
-    download->add_option("file", options.file, "setup file; an older one is replaced when the new one is whole")
-        ->required()
-        ->type_name("FILE");
+    add_file(*download, "FILE", options.file, "setup file; an older one is replaced when the new one is whole");
 
     CLI::App* upload = verbs[Verb::upload] =
         app.add_subcommand("upload", "write a setup file's values into the controller");
-    upload->add_option("file", options.file, "setup file")->required()->type_name("FILE");
+    add_file(*upload, "FILE", options.file, "setup file");
     upload->add_flag("--yes,-y", options.yes, "do not ask first");
 
     CLI::App* diff = verbs[Verb::diff] = app.add_subcommand("diff", "compare two calibrations");
-    diff->add_option("a", options.file, "setup file, or the word controller")->required()->type_name("A");
-    diff->add_option("b", options.second, "setup file, or the word controller")->required()->type_name("B");
+    add_file(*diff, "A", options.file, "setup file, or the word controller");
+    add_file(*diff, "B", options.second, "setup file, or the word controller");
 
     CLI::App* check = verbs[Verb::check] =
         app.add_subcommand("check", "look through a setup file; needs no controller");
-    check->add_option("file", options.file, "setup file")->required()->type_name("FILE");
+    add_file(*check, "FILE", options.file, "setup file");
 
     CLI::App* monitor = verbs[Verb::monitor] = app.add_subcommand("monitor", "follow the live values");
     add_interval(*monitor, options);
@@ -72,12 +88,43 @@ Verbs add_verbs(CLI::App& app, Options& options) {
         ->type_name("N");
 
     CLI::App* log = verbs[Verb::log] = app.add_subcommand("log", "log live values to a comma-separated file");
-    log->add_option("file", options.file, "log file; an older one is replaced")->required()->type_name("FILE");
+    add_file(*log, "FILE", options.file, "log file; an older one is replaced");
     add_interval(*log, options);
     log->add_option("--rows", options.count, "rows to write; without it, until Ctrl+C")
         ->check(CLI::Range(1L, 1'000'000'000L))
         ->type_name("N");
     return verbs;
+}
+
+// The help of a verb shows the options of all.
+void add_global_help(CLI::App& app, Verbs& verbs) {
+    const auto global = static_cast<const CLI::App&>(app).get_options(
+        [](const CLI::Option* option) { return option->get_group() == global_group; });
+    const std::string text = CLI::Formatter().make_group(global_group, false, global).substr(1) + "\n" + closing;
+    for (CLI::App* verb : verbs.apps) {
+        verb->footer(text);
+    }
+}
+
+// The parser's own words say neither which verb was meant nor which there are.
+std::string usage_text(const CLI::App& app, const CLI::ParseError& error) {
+    const auto chosen = app.get_subcommands();
+    if (!chosen.empty()) {
+        return chosen.front()->get_name() + ": " + error.what() + ". Try ecu-cli " + chosen.front()->get_name() +
+               " --help";
+    }
+    std::string verbs;
+    for (const CLI::App* verb : app.get_subcommands([](const CLI::App*) { return true; })) {
+        verbs += (verbs.empty() ? "" : ", ") + verb->get_name();
+    }
+    const std::vector<std::string> left = app.remaining();
+    if (!left.empty() && !left.front().starts_with('-')) {
+        return "there is no verb " + left.front() + "; there are " + verbs;
+    }
+    if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
+        return "a verb is needed: " + verbs + ". Try ecu-cli --help";
+    }
+    return std::string(error.what()) + ". Try ecu-cli --help";
 }
 
 } // namespace
@@ -91,6 +138,7 @@ std::variant<Options, Shown> parse_options(int argc, const char* const* argv) {
     app.set_version_flag("--version", "ecu-cli " + std::string(shell::console_version));
     add_global_options(app, options);
     Verbs verbs = add_verbs(app, options);
+    add_global_help(app, verbs);
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
@@ -98,7 +146,7 @@ std::variant<Options, Shown> parse_options(int argc, const char* const* argv) {
     } catch (const CLI::CallForVersion&) {
         return Shown{app.version() + "\n"};
     } catch (const CLI::ParseError& error) {
-        throw Failure(Status::usage, std::string(error.what()) + ". Try ecu-cli --help");
+        throw Failure(Status::usage, usage_text(app, error));
     }
     for (std::size_t i = 0; i < verbs.apps.size(); ++i) {
         if (verbs.apps.at(i)->parsed()) {

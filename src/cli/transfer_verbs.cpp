@@ -67,6 +67,10 @@ void insist_on(const TransferResult& result, const Session& session) {
     case TransferResult::Outcome::file_failed:
     case TransferResult::Outcome::stopped:
         throw Failure(Status::file, on_one_line(result.trouble));
+    case TransferResult::Outcome::incomplete:
+        throw Failure(Status::link, calibration::counted(static_cast<std::size_t>(result.unanswered), "message") +
+                                        " to " + session.controller_name() +
+                                        " had no answer, so no file was written. Check the line and do it again");
     case TransferResult::Outcome::demo_mode:
     case TransferResult::Outcome::no_answer:
     case TransferResult::Outcome::cancelled:
@@ -74,7 +78,8 @@ void insist_on(const TransferResult& result, const Session& session) {
                       session.controller_name() + " does not answer. Check its power and cable and try again");
     }
     if (result.unanswered > 0) {
-        throw Failure(Status::link, std::to_string(result.unanswered) + " messages to " + session.controller_name() +
+        throw Failure(Status::link, calibration::counted(static_cast<std::size_t>(result.unanswered), "message") +
+                                        " to " + session.controller_name() +
                                         " had no answer. Check the line and do it again");
     }
 }
@@ -92,10 +97,14 @@ bool agreed_to_upload(const Options& options, const Session& session, std::size_
         throw Failure(Status::usage, "an upload replaces values in the controller and nobody can be asked here. Give "
                                      "--yes if you want it");
     }
-    std::cerr << "Write " << values << " values of " << options.file << " into " << session.controller_name()
-              << "? [y/N] " << std::flush;
+    std::cerr << "Write " << calibration::counted(values, "value") << " of " << options.file << " into "
+              << session.controller_name() << "? [y/N] " << std::flush;
     std::string answer;
     std::getline(std::cin, answer);
+    if (interrupted()) {
+        std::cerr << std::endl;
+        throw Interrupted{};
+    }
     return answer == "y" || answer == "Y" || answer == "yes";
 }
 
@@ -111,7 +120,7 @@ CalibrationValues values_of_controller(const Options& options) {
                 return true;
             });
         insist_on(result, session);
-        return values_of(text, controller_word);
+        return values_of(text);
     } catch (const LinkFailed& failed) {
         throw session.explain(failed);
     }
@@ -125,7 +134,7 @@ Status run_download(Session& session, const Options& options) {
     TransferResult result;
     {
         const ProgressLine progress(session);
-        result = session.console.transfer.download_to(options.file);
+        result = session.console.transfer.download_to(options.file, calibration::Transfer::Accept::whole_only);
     }
     insist_on(result, session);
     const double seconds = monotonic_seconds() - start;
@@ -138,21 +147,26 @@ Status run_download(Session& session, const Options& options) {
 }
 
 Status run_upload(Session& session, const Options& options) {
-    // A line that fits no message is found before anything is sent, where it still does no harm.
-    const CalibrationValues values = values_of(text_of_file(options.file), options.file);
-    if (!options.yes && !agreed_to_upload(options, session, values.size())) {
-        std::cout << "Nothing was sent\n";
-        return Status::done;
+    // Read once: what is looked through and asked about is what is sent.
+    const std::string text = text_of_file(options.file);
+    const CalibrationValues values = values_of(text);
+    if (!values.unreadable.empty()) {
+        // Found before anything is sent, where it still does no harm.
+        const UnreadableLine& line = values.unreadable.front();
+        throw Failure(Status::file, options.file + ":" + std::to_string(line.line) + ": " + line.key +
+                                        (line.key.empty() ? "" : ": ") + line.text +
+                                        ". Correct or remove the line; ecu-cli check names all such lines");
     }
-    session.open_link();
-    const double start = monotonic_seconds();
     TransferResult result;
-    {
+    double seconds = 0;
+    if (values.size() > 0 && (options.yes || agreed_to_upload(options, session, values.size()))) {
+        session.open_link();
+        const double start = monotonic_seconds();
         const ProgressLine progress(session);
-        result = session.console.transfer.upload_from(options.file);
+        result = session.console.transfer.upload_text(options.file, text);
+        insist_on(result, session);
+        seconds = monotonic_seconds() - start;
     }
-    insist_on(result, session);
-    const double seconds = monotonic_seconds() - start;
     if (options.json) {
         QJsonObject object = result_object(options, result, session, seconds);
         QJsonArray unknown;
@@ -165,9 +179,16 @@ Status run_upload(Session& session, const Options& options) {
         for (const UnknownKey& key : values.unknown) {
             std::cout << "unknown  " << key.text << " in line " << key.line << ", not sent\n";
         }
-        std::cout << result.messages << " values of " << options.file << " sent\n";
+        if (values.size() == 0) {
+            std::cout << options.file << " holds no values: nothing was sent\n";
+        } else if (result.messages == 0) {
+            std::cout << "Nothing was sent\n";
+        } else {
+            std::cout << calibration::counted(static_cast<std::size_t>(result.messages), "value") << " of "
+                      << options.file << " sent\n";
+        }
     }
-    return Status::done;
+    return result.messages > 0 ? Status::done : Status::differs;
 }
 
 Status run_diff(const Options& options) {
@@ -178,10 +199,9 @@ Status run_diff(const Options& options) {
     }
     // The file first: it may fail before any time is spent on the line.
     const std::string& file = controller_a ? options.second : options.file;
-    const CalibrationValues first = values_of(text_of_file(file), file);
-    const CalibrationValues other = controller_a || controller_b
-                                        ? values_of_controller(options)
-                                        : values_of(text_of_file(options.second), options.second);
+    const CalibrationValues first = values_of(text_of_file(file));
+    const CalibrationValues other =
+        controller_a || controller_b ? values_of_controller(options) : values_of(text_of_file(options.second));
     const CalibrationValues& a = controller_a ? other : first;
     const CalibrationValues& b = controller_a ? first : other;
     const Comparison comparison = compare(a, b);

@@ -32,6 +32,10 @@ TEST(Check, HoldsEveryValueAgainstTheRangesOfItsRow) {
                 ElementsAre("1 PHBT[000]: 2880 (720.00) is a value that the console's screens refuse"));
     EXPECT_THAT(findings("GPO1[003]=256\n"),
                 ElementsAre("1 GPO1[003]: 256 does not fit the item's 8 bits; an upload would send 0"));
+    EXPECT_THAT(findings("INJP[003]= 511\nBO_P[000]= = 70000\n"),
+                ElementsAre("1 INJP[003]: 511 does not fit the item's 8 bits; an upload would send 511, its high byte "
+                            "along",
+                            "2 BO_P[000]: 70000 does not fit the item's 16 bits; an upload would send 0"));
     // The sensor that a later line names is the one by which the pressure is shown.
     EXPECT_THAT(findings("MIN_PRES= 1024\nMAP_TYPE= 2\n"),
                 ElementsAre("1 MIN_PRES: 1024 (630.5) is outside 0 (79.0) to 1023 (630.0)"));
@@ -39,7 +43,7 @@ TEST(Check, HoldsEveryValueAgainstTheRangesOfItsRow) {
 
 TEST(Check, NamesTheLinesThatAnUploadWouldMisread) {
     EXPECT_THAT(findings("SET_REV = 10000\n\nMAPM[007]=256\nSUPM[003]=5\nMAPM[008]=1x\nMAPM[009]=\nMAPM[008]=2\n"),
-                ElementsAre("2 : the line is too short: its value begins at column 11; an upload would stop here",
+                ElementsAre("2 : the line is blank; an upload would stop here",
                             "3 MAPM[007]: 256: the value is above 255, the most that this item's message can carry; an "
                             "upload would stop here",
                             "4 SUPM[003]: is not known; an upload would pass over it",
@@ -49,10 +53,10 @@ TEST(Check, NamesTheLinesThatAnUploadWouldMisread) {
 }
 
 TEST(Check, NotesWhatAnUploadLosesWithoutCallingItAFault) {
-    const CheckReport report = check("BO_P[000]= = 4096\nBO_P[001]= = 0\n");
+    const CheckReport report = check("BO_P[000]= = 4096\nBO_P[001]= = 0");
     EXPECT_THAT(report.findings, IsEmpty());
-    EXPECT_THAT(report.notes,
-                ElementsAre(testing::HasSubstr("2121 of 2123 values"), testing::HasSubstr("1 BO_P value")));
+    EXPECT_THAT(report.notes, ElementsAre(testing::HasSubstr("2121 of 2123 values"), testing::HasSubstr("1 BO_P value"),
+                                          testing::HasSubstr("no line end")));
 }
 
 } // namespace

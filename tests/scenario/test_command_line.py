@@ -1,6 +1,7 @@
 """Whole calibrations between controllers and files."""
 import json
 import os
+import pathlib
 import re
 import signal
 
@@ -38,10 +39,10 @@ class Transfers(Scenario):
         self.assertEqual([path.name for path in self.folder.iterdir()], ["engine.set"])
         self.assertEqual(self.read("engine.set"), b"an older calibration")
 
-    def test_ctrl_c_in_a_download_leaves_no_part_of_a_file(self):
+    def test_the_end_of_its_terminal_in_a_download_leaves_no_part_of_a_file(self):
         process = self.start("download", "engine.set", "--device", self.controller("--pace", "38400"))
-        self.wait_for((self.folder / "engine.set.new").exists, "the growing file")
-        process.send_signal(signal.SIGINT)
+        self.wait_for(lambda: list(self.folder.iterdir()), "the growing file")
+        process.send_signal(signal.SIGHUP)
         process.communicate(timeout=PATIENCE)
         self.assertEqual(process.returncode, 130)
         self.assertEqual(list(self.folder.iterdir()), [])
@@ -51,12 +52,19 @@ class Transfers(Scenario):
         self.write("one.set", "MAPM[007]=12\r\n")
         _, error = self.cli("upload", "one.set", "--device", device, status=2)
         self.assertIn("--yes", error)
-        for answer, changed in ((b"n\n", 1), (b"y\n", 0)):
+        for answer, status, changed in ((b"n\n", 1, 1), (None, 130, 1), (b"y\n", 0, 0)):
             keyboard, terminal = os.openpty()
-            process = self.start("upload", "one.set", "--device", device, stdin=terminal)
-            os.write(keyboard, answer)
+            process = self.start("--json", "upload", "one.set", "--device", device, stdin=terminal)
+            while process.stderr.read(1) != "]":
+                pass
+            if answer:
+                os.write(keyboard, answer)
+            else:
+                state = pathlib.Path(f"/proc/{process.pid}/stat")
+                self.wait_for(lambda: state.read_text().rsplit(")")[-1].split()[0] == "S", "its wait for an answer")
+                process.send_signal(signal.SIGINT)
             process.communicate(timeout=PATIENCE)
-            self.assertEqual(process.returncode, 0)
+            self.assertEqual(process.returncode, status)
             os.close(keyboard)
             os.close(terminal)
             out, _ = self.cli("--json", "diff", "one.set", "controller", "--device", device, status=1)
@@ -66,7 +74,7 @@ class Transfers(Scenario):
         device = self.controller()
         self.write("bad.set", "MAPM[007]=12\r\nMAPM[008]=256\r\n")
         _, error = self.cli("upload", "bad.set", "--yes", "--device", device, status=4)
-        self.assertIn("bad.set:2: MAPM[008] = 256", error)
+        self.assertIn("bad.set:2: MAPM[008]: 256", error)
         self.write("one.set", "MAPM[007]=12\r\n")
         out, _ = self.cli("--json", "diff", "one.set", "controller", "--device", device, status=1)
         self.assertEqual(len(json.loads(out)["changed"]), 1)
@@ -105,7 +113,7 @@ class Live(Scenario):
 class Failures(Scenario):
     def test_every_kind_of_failure_has_its_status_and_one_line_that_says_what_to_do(self):
         for arguments in ([], ["info"], ["info", "--port", "11"], ["upload"], ["monitor", "--interval", "x"],
-                          ["diff", "controller", "controller"], ["info", "--port", "1", "--remote", "127.0.0.1"]):
+                          ["diff", "controller", "controller"], ["download", "", "--port", "1"], ["info", "--port", "1", "--remote", "127.0.0.1"]):
             self.cli(*arguments, status=2)
         _, error = self.cli("info", "--device", "/dev/no-such-device", status=3)
         self.assertIn("/dev/no-such-device", error)
