@@ -27,6 +27,12 @@ public:
     double now = 1;
 };
 
+inline Settings driving(Driving kind) {
+    Settings settings;
+    settings.firmware.driving = kind;
+    return settings;
+}
+
 inline unsigned word_at(const Bytes& reply, std::size_t offset) {
     return reply.at(offset) + 256U * reply.at(offset + 1);
 }

@@ -7,12 +7,6 @@
 namespace ecu::controller {
 namespace {
 
-Settings driving(Driving kind) {
-    Settings settings;
-    settings.firmware.driving = kind;
-    return settings;
-}
-
 double position(const Bytes& live, std::size_t cell) { return (live.at(cell) + live.at(cell + 1) / 128.0) / 16; }
 
 // Sensor of 255 kPa from 10 and 10000 rpm, as the controller comes.

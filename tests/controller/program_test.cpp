@@ -100,62 +100,34 @@ TEST_F(Program, the_link_replaces_its_own_kind_only) {
     EXPECT_THAT(make_device_link(link, "/dev/pts/9"), HasSubstr("left alone"));
 }
 
-class Terminal : public testing::Test {
-protected:
-    explicit Terminal(const Settings& settings = {}) : controller(settings), server(controller) {
-        EXPECT_EQ(pipe(end_pipe.data()), 0);
-        thread = std::thread([this] { server.serve(end_pipe[0], [] {}); });
-    }
-    ~Terminal() override {
-        close(end_pipe[1]);
-        thread.join();
-        close(end_pipe[0]);
-    }
-    Descriptor client() const { return Descriptor(open(server.device().c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK)); }
-    // Sends a request and waits for so many bytes, a second at most.
-    static std::size_t ask(int line, std::uint8_t command, std::size_t wanted) {
-        const link::Request request = link::build_request(Bytes{command});
-        EXPECT_EQ(write(line, request.data(), request.size()), 8);
-        Bytes bytes(256);
-        std::size_t got = 0;
-        pollfd waiting{line, POLLIN, 0};
-        while (got < wanted && poll(&waiting, 1, 1000) > 0) {
-            const ssize_t count = read(line, bytes.data(), bytes.size());
-            if (count <= 0) {
-                break;
-            }
-            got += static_cast<std::size_t>(count);
+// Sends a request and waits for so many bytes, a second at most.
+std::size_t ask(int line, std::uint8_t command, std::size_t wanted) {
+    const link::Request request = link::build_request(Bytes{command});
+    EXPECT_EQ(write(line, request.data(), request.size()), 8);
+    Bytes bytes(256);
+    std::size_t got = 0;
+    pollfd waiting{line, POLLIN, 0};
+    while (got < wanted && poll(&waiting, 1, 1000) > 0) {
+        const ssize_t count = read(line, bytes.data(), bytes.size());
+        if (count <= 0) {
+            break;
         }
-        return got;
+        got += static_cast<std::size_t>(count);
     }
-
-    VirtualController controller;
-    PtyServer server;
-    std::array<int, 2> end_pipe{};
-    std::thread thread;
-};
-
-TEST_F(Terminal, clients_come_and_go) {
-    for (int visit = 0; visit < 3; ++visit) {
-        const Descriptor line = client();
-        ASSERT_TRUE(line.open());
-        EXPECT_EQ(ask(line.get(), 'A', 65), 65U);
-    }
+    return got;
 }
 
-Settings paced_and_unplugged_after(std::uint64_t replies) {
+TEST(Terminal, clients_come_and_go_and_replies_take_their_wire_time_until_the_plug_is_pulled) {
     Settings settings;
     settings.pace_baud = 38400;
-    settings.faults.unplug_after = replies;
-    return settings;
-}
-
-class PacedTerminal : public Terminal {
-protected:
-    PacedTerminal() : Terminal(paced_and_unplugged_after(5)) {}
-};
-
-TEST_F(PacedTerminal, replies_take_their_wire_time_until_the_plug_is_pulled) {
+    settings.faults.unplug_after = 6;
+    VirtualController controller(settings);
+    PtyServer server(controller);
+    std::array<int, 2> end_pipe{};
+    ASSERT_EQ(pipe(end_pipe.data()), 0);
+    std::thread thread([&] { server.serve(end_pipe[0], [] {}); });
+    const auto client = [&] { return Descriptor(open(server.device().c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK)); };
+    EXPECT_EQ(ask(client().get(), 'A', 65), 65U);
     const Descriptor line = client();
     const auto start = std::chrono::steady_clock::now();
     for (int i = 0; i < 5; ++i) {
@@ -168,6 +140,9 @@ TEST_F(PacedTerminal, replies_take_their_wire_time_until_the_plug_is_pulled) {
     pollfd hung_up{line.get(), POLLIN, 0};
     EXPECT_EQ(poll(&hung_up, 1, 1000), 1);
     EXPECT_TRUE(hung_up.revents & POLLHUP);
+    close(end_pipe[1]);
+    thread.join();
+    close(end_pipe[0]);
 }
 
 } // namespace

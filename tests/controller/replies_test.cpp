@@ -73,9 +73,7 @@ TEST(Replies, every_command_has_the_length_that_the_console_waits_for) {
 }
 
 TEST(Replies, the_throttle_is_measured_where_it_stands) {
-    Settings settings;
-    settings.firmware.driving = Driving::idle;
-    ConsoleEnd console(settings);
+    ConsoleEnd console(driving(Driving::idle));
     const std::uint8_t closed = console.send({215, 0, 0, 0}).at(3);
     EXPECT_NEAR(closed, 31, 1);
     EXPECT_EQ(console.send({212}).at(3), closed);
@@ -90,9 +88,7 @@ TEST(Replies, driver_tests_fire_the_channels_of_the_mask) {
 }
 
 TEST(Replies, a_capture_shows_the_missing_tooth_high_byte_first) {
-    Settings settings;
-    settings.firmware.driving = Driving::idle;
-    ConsoleEnd console(settings);
+    ConsoleEnd console(driving(Driving::idle));
     EXPECT_EQ(console.send({248, 0}).at(4), 0); // nothing captured yet
     console.send({247});
     std::vector<double> periods;
@@ -112,9 +108,7 @@ TEST(Replies, a_capture_shows_the_missing_tooth_high_byte_first) {
 }
 
 TEST(Replies, the_dyno_runs_from_trigger_to_end_and_counts_milliseconds) {
-    Settings settings;
-    settings.firmware.driving = Driving::pull;
-    ConsoleEnd console(settings);
+    ConsoleEnd console(driving(Driving::pull));
     EXPECT_EQ(console.send({3, 0, 0xC4, 0x09}), (Bytes{2, 8, 3, 0, 0xC4, 0x09, 0xDA, 0}));
     console.send({3, 1, 0x70, 0x17}); // 6000
     console.send({4, 1, 0, 0});
