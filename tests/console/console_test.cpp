@@ -40,7 +40,7 @@ protected:
     bool shows(const std::string& text) const { return console.forms.frm_mon.ECU_Data[0].text() == text; }
 
     test::SimDesktop desktop;
-    test::WiredController wired{desktop, desktop.line(0), {.firmware = {}, .faults = {}, .pace_baud = 38400}};
+    test::WiredController wired{desktop, desktop.line(), {.firmware = {}, .faults = {}, .pace_baud = 38400}};
     console::Console console{desktop.ports()};
     std::vector<test::Bytes> requests;
 };

@@ -201,7 +201,7 @@ TEST(RemoteTransport, SendsTheReplyLengthBeforeTheFrameAndReadsAcrossDatagrams) 
     EXPECT_TRUE(bench.state.remote_answering);
     EXPECT_EQ(bench.requests, (std::vector<Bytes>{{65, 2, 8, 0x41, 0x30, 0x30, 0x30, 0xDB, 0}}));
     EXPECT_EQ(bench.state.tx_byte_count[0], 8) << "the length byte is not the controller's";
-    EXPECT_TRUE(bench.desktop.line().written().empty());
+    EXPECT_TRUE(bench.controller.sent().empty());
 }
 
 TEST(RemoteTransport, FailureTellsWhetherTheServerAnswered) {

@@ -26,7 +26,7 @@ struct LinkBench {
     FrmRetries retries{desktop};
     EcuComm comm{ports, state, *comm1, socket, dialog, retries, group_delay};
     LinkSelection selection{ports, state, *comm1, dialog, main_form};
-    ScriptedController controller{desktop, desktop.line()};
+    ScriptedController controller{desktop.line()};
     std::map<int, int> sizes{{'A', 63}, {174, 4}}; // payload_count by code
     std::string offered;                           // "1A63 2A63 3A63 ": decoder, code, payload_count
 

@@ -11,7 +11,7 @@ namespace ecu::test {
 struct MapBench {
     SimDesktop desktop;
     console::Console console{desktop.ports()};
-    ScriptedController controller{desktop, desktop.line()};
+    ScriptedController controller{desktop.line()};
     std::array<std::uint8_t, 0x0B00> memory{};
     std::map<std::uint8_t, std::array<std::uint8_t, 2>> words; // 'm', 'o', 'z'
     maps::Frm3d& frm_3d = console.forms.frm_3d;

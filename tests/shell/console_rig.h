@@ -86,7 +86,7 @@ protected:
     shell::Polling polling{{ports, state, data, scales, comm, navigation, main, forms.registry}};
     shell::MainConsole console{{ports, state, comm, link_selection, *comm1, navigation, units, about, main}};
     views::Monitor monitor{ports, state, data, scales, navigation, polling, forms.frm_mon};
-    ScriptedController controller{desktop, desktop.line()};
+    ScriptedController controller{desktop.line()};
 };
 
 } // namespace ecu::test

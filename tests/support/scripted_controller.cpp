@@ -1,5 +1,7 @@
 #include "support/scripted_controller.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 
 namespace ecu::test {
@@ -11,21 +13,14 @@ Bytes reply_frame(Bytes code_and_data, int payload_count) {
     return link::build_reply(code_and_data.front(), std::span(code_and_data).subspan(1));
 }
 
-ScriptedController::ScriptedController(SimEvents& events, SimSerialLine& line) : events_(events), line_(line) {
-    line_.peer = [this](std::span<const std::uint8_t> bytes) { take(bytes); };
-}
-
-void ScriptedController::take(std::span<const std::uint8_t> bytes) {
-    for (const std::uint8_t byte : bytes) {
-        partial_.push_back(byte);
-        if (partial_.size() == std::tuple_size_v<Request>) {
-            Request request{};
-            std::ranges::copy(partial_, request.begin());
-            partial_.clear();
-            sent_.push_back(request);
-            answer(request);
-        }
-    }
+ScriptedController::ScriptedController(SimSerialLine& line) : line_(line) {
+    line_.peer = [this](std::span<const std::uint8_t> bytes) {
+        Request request{};
+        ASSERT_EQ(bytes.size(), request.size()) << "the console sends whole requests";
+        std::ranges::copy(bytes, request.begin());
+        sent_.push_back(request);
+        answer(request);
+    };
 }
 
 void ScriptedController::answer(const Request& request) {

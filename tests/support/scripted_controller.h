@@ -13,7 +13,7 @@ Bytes reply_frame(Bytes code_and_data, int payload_count = 0);
 
 class ScriptedController {
 public:
-    ScriptedController(SimEvents& events, SimSerialLine& line);
+    explicit ScriptedController(SimSerialLine& line);
     ScriptedController(const ScriptedController&) = delete;
     ScriptedController& operator=(const ScriptedController&) = delete;
     ~ScriptedController() { line_.peer = nullptr; }
@@ -36,12 +36,9 @@ public:
     void clear_sent() { sent_.clear(); }
 
 private:
-    void take(std::span<const std::uint8_t> bytes);
     void answer(const Request& request);
 
-    SimEvents& events_;
     SimSerialLine& line_;
-    Bytes partial_;
     std::vector<Request> sent_;
     std::map<std::uint8_t, Bytes> fixed_;
     double reply_delay_ = 0.002;

@@ -14,16 +14,9 @@ namespace {
 constexpr double longest_modal_seconds = 60; // that a form may stay open after the user's action
 
 platform::Answer safe_answer(platform::Buttons buttons) {
-    switch (buttons) {
-    case platform::Buttons::ok:
-        return platform::Answer::ok;
-    case platform::Buttons::yes_no:
-        return platform::Answer::no;
-    case platform::Buttons::ok_cancel:
-    case platform::Buttons::yes_no_cancel:
-        return platform::Answer::cancel;
-    }
-    return platform::Answer::cancel;
+    return buttons == platform::Buttons::ok       ? platform::Answer::ok
+           : buttons == platform::Buttons::yes_no ? platform::Answer::no
+                                                  : platform::Answer::cancel;
 }
 
 } // namespace
@@ -58,17 +51,6 @@ std::string SimDesktop::read_file(std::string_view name) const {
     std::ifstream file(folder_ / name, std::ios::binary);
     EXPECT_TRUE(file.is_open()) << "there is no file " << name;
     return {std::istreambuf_iterator<char>(file), {}};
-}
-
-SimSerialLine& SimDesktop::line(std::size_t i) {
-    while (lines_.size() <= i) {
-        lines_.emplace_back(*this);
-    }
-    return lines_[i];
-}
-
-std::unique_ptr<platform::SerialPort> SimDesktop::make_serial_port() {
-    return std::make_unique<SimSerialPort>(line(ports_made_++));
 }
 
 std::vector<std::string> SimDesktop::box_texts() const {

@@ -38,8 +38,8 @@ public:
     void write_file(std::string_view name, std::string_view text) const;
     std::string read_file(std::string_view name) const; // fails the test when there is none
 
-    // The line of the i-th serial port that the console makes; usable before that.
-    SimSerialLine& line(std::size_t i = 0);
+    // The line of the console's serial port; usable before that is made.
+    SimSerialLine& line() { return line_; }
 
     // Answers the first box yet to come whose text contains this.
     void answer_box(std::string text, platform::Answer answer) { answers_.emplace_back(std::move(text), answer); }
@@ -60,7 +60,7 @@ public:
     std::string open_file(const platform::FileDialog& dialog) override { return next_file(dialog); }
     std::string save_file(const platform::FileDialog& dialog) override { return next_file(dialog); }
     [[noreturn]] void end(int status) override { throw ProgramEnded{status}; }
-    std::unique_ptr<platform::SerialPort> make_serial_port() override;
+    std::unique_ptr<platform::SerialPort> make_serial_port() override { return std::make_unique<SimSerialPort>(line_); }
     std::unique_ptr<platform::DatagramSocket> make_datagram_socket() override {
         return std::make_unique<SimDatagramSocket>();
     }
@@ -78,8 +78,7 @@ private:
     std::string next_file(const platform::FileDialog& dialog);
 
     std::filesystem::path folder_;
-    std::deque<SimSerialLine> lines_;
-    std::size_t ports_made_ = 0;
+    SimSerialLine line_{*this};
     std::vector<std::pair<std::string, platform::Answer>> answers_;
     std::deque<std::string> files_;
     std::vector<platform::MessageBox> boxes_;

@@ -53,17 +53,11 @@ private:
             return;
         }
         arm(due + interval() * ((events_.now() - due) / interval() + 1));
-        struct Ticking {
-            bool& flag;
-            explicit Ticking(bool& f) : flag(f) { flag = true; }
-            ~Ticking() { flag = false; }
-        };
-        {
-            const Ticking guard(ticking_);
-            if (on_tick) {
-                on_tick();
-            }
+        ticking_ = true; // for good when the tick ends the program
+        if (on_tick) {
+            on_tick();
         }
+        ticking_ = false;
         if (late_) {
             late_ = false;
             arm(events_.now());

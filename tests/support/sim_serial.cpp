@@ -33,39 +33,29 @@ void SimSerialLine::close() {
 
 void SimSerialLine::receive(std::span<const std::uint8_t> bytes, double after_seconds) {
     Microseconds due = std::max(events_.now() + to_microseconds(after_seconds), input_free_);
-    const auto arrive = [this, opening = opening_](const Bytes& arrived) {
-        if (opening == opening_) {
-            input_.insert(input_.end(), arrived.begin(), arrived.end());
-        }
-    };
-    if (pace_ == 0) {
-        events_.schedule(due, [arrive, all = Bytes(bytes.begin(), bytes.end())] { arrive(all); });
-    } else {
-        for (const std::uint8_t byte : bytes) {
-            due += byte_time();
-            events_.schedule(due, [arrive, one = Bytes{byte}] { arrive(one); });
-        }
+    const std::size_t together = pace_ == 0 ? bytes.size() : 1;
+    for (; !bytes.empty(); bytes = bytes.subspan(together)) {
+        due += byte_time();
+        const auto part = bytes.first(together);
+        events_.schedule(due, [this, opening = opening_, arrived = Bytes(part.begin(), part.end())] {
+            if (opening == opening_) {
+                input_.insert(input_.end(), arrived.begin(), arrived.end());
+            }
+        });
     }
     input_free_ = due;
 }
 
 void SimSerialLine::write(std::span<const std::uint8_t> bytes) {
-    if (!open_) {
+    if (!open_ || !peer) {
         return;
     }
-    written_.insert(written_.end(), bytes.begin(), bytes.end());
     if (pace_ == 0) {
-        if (peer) {
-            peer(bytes);
-        }
+        peer(bytes);
         return;
     }
     output_free_ = std::max(output_free_, events_.now()) + byte_time() * static_cast<Microseconds>(bytes.size());
-    events_.schedule(output_free_, [this, sent = Bytes(bytes.begin(), bytes.end())] {
-        if (peer) {
-            peer(sent);
-        }
-    });
+    events_.schedule(output_free_, [this, sent = Bytes(bytes.begin(), bytes.end())] { peer(sent); });
 }
 
 } // namespace ecu::test

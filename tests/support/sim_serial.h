@@ -32,7 +32,6 @@ public:
     bool is_open() const { return open_; }
     int baud() const { return baud_; }
     const std::vector<int>& tried() const { return tried_; } // port numbers in the order of open calls
-    const Bytes& written() const { return written_; }
 
     // The console's side.
     std::string open(int number, int baud);
@@ -51,7 +50,6 @@ private:
     int opening_ = 0; // counts open and close, so that bytes of an earlier opening are known
     std::map<int, std::string> failures_;
     std::vector<int> tried_;
-    Bytes written_;
     std::deque<std::uint8_t> input_;
     Microseconds input_free_ = 0;  // when the wire towards the console is free
     Microseconds output_free_ = 0; // when the wire towards the peer is free
