@@ -19,6 +19,17 @@ namespace ecu::desktop {
 
 using platform::Property;
 
+void paint_pending_mark(QPainter& painter, const QRect& cell) {
+    const int size = std::clamp(cell.height() / 3, 4, 8);
+    const QPoint corner = cell.topLeft();
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Qt::black);
+    painter.drawPolygon(QPolygon({corner, corner + QPoint(size, 0), corner + QPoint(0, size)}));
+    painter.restore();
+}
+
 // Paints a cell so that its state colour stays to be seen when it is selected, and edits it live.
 class GridDelegate final : public QStyledItemDelegate {
 public:
@@ -34,6 +45,9 @@ public:
             QColor veil = option.palette.color(QPalette::Highlight);
             veil.setAlpha(70);
             painter->fillRect(option.rect, veil);
+        }
+        if (enabled && !view_.grid().locked() && fill == theme::to_qt(platform::pending)) {
+            paint_pending_mark(*painter, option.rect);
         }
         QColor text = theme::text_on(fill);
         text.setAlpha(enabled ? 255 : 110);

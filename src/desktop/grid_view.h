@@ -12,6 +12,9 @@ namespace ecu::desktop {
 
 class GridDelegate;
 
+// The corner that tells a pending cell apart for eyes that cannot tell its yellow from a shade.
+void paint_pending_mark(QPainter& painter, const QRect& cell);
+
 class GridView final : public QTableView {
 public:
     explicit GridView(platform::Grid& grid);

@@ -155,6 +155,7 @@ TEST(SmallMapWindows, BlockDialogAndAutotuneAreComplete) {
     autotune::FrmAutotune autotune;
     const auto block_window = make_frm_cellblock_modifier_window(block, host);
     const auto autotune_window = make_frm_autotune_window(autotune, host);
+    block.block_extent.set_text("Lambda set point table, rows 3 to 8, columns 2 to 5: 24 cells");
     autotune.autotune_inj_factors.set_cell_text(3, 4, "1.050");
     autotune.autotune_inj_factors.set_cell_text(4, 4, "X");
     for (FormWindow* window : {block_window.get(), autotune_window.get()}) {
@@ -162,6 +163,12 @@ TEST(SmallMapWindows, BlockDialogAndAutotuneAreComplete) {
         window->form().show();
         save_picture(*window, window == autotune_window.get() ? QSize(1120, 640) : QSize());
     }
+    QTest::keyClick(block_window.get(), Qt::Key_Escape);
+    EXPECT_FALSE(block.form.visible());
+    QTest::keyClick(autotune_window.get(), Qt::Key_2, Qt::ControlModifier);
+    EXPECT_EQ(autotune_window->focusWidget()->objectName(), "autotune_tps_factors");
+    QTest::keyClick(autotune_window.get(), Qt::Key_F6);
+    EXPECT_EQ(autotune_window->focusWidget()->objectName(), "apply_to_maps");
 }
 
 } // namespace

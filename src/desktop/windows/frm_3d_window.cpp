@@ -1,5 +1,6 @@
 // The basic mapping window: the map fills it and grows with it, each axis caption standing at its row or column, with
 // the single values, the engine's figures and the legend beside it.
+#include "desktop/grid_view.h"
 #include "desktop/theme.h"
 #include "desktop/windows/windows.h"
 #include "maps/frm_3d.h"
@@ -225,11 +226,14 @@ Panel engine_panel(FormWindow& window, Frm3d& f) {
 }
 
 QWidget* swatch(platform::Colour colour) {
+    QPixmap picture(20, 14);
+    picture.fill(theme::to_qt(colour));
+    if (colour == platform::pending) {
+        QPainter painter(&picture);
+        paint_pending_mark(painter, picture.rect());
+    }
     auto* label = new QLabel;
-    QPalette palette;
-    palette.setColor(QPalette::Window, theme::to_qt(colour));
-    label->setPalette(palette);
-    label->setAutoFillBackground(true);
+    label->setPixmap(picture);
     label->setFrameShape(QFrame::Box);
     label->setFixedSize(22, 16);
     return label;

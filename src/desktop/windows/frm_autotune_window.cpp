@@ -3,6 +3,9 @@
 #include "desktop/theme.h"
 #include "desktop/windows/windows.h"
 
+#include <QLabel>
+#include <QShortcut>
+#include <QStatusBar>
 #include <QTabWidget>
 
 namespace ecu::desktop {
@@ -16,6 +19,23 @@ QWidget* factors(FormWindow& window, platform::Grid& grid, const char* name) {
     widget->setFont(font);
     widget->setMinimumSize(440, 240);
     return widget;
+}
+
+// The grids keep Tab to themselves, so other keys lead between them and the rest.
+void add_shortcuts(FormWindow& window, autotune::FrmAutotune& f, QTabWidget& pages, QWidget& outside) {
+    for (int page = 0; page < pages.count(); ++page) {
+        auto* choose = new QShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + page)), &window);
+        QObject::connect(choose, &QShortcut::activated, &window, [&f, &pages, page] {
+            f.autotune_tabs.set_current(page);
+            pages.currentWidget()->setFocus();
+        });
+    }
+    auto* change_sides = new QShortcut(QKeySequence(Qt::Key_F6), &window);
+    QObject::connect(change_sides, &QShortcut::activated, &window, [&window, &pages, &outside] {
+        QWidget* page = pages.currentWidget();
+        const bool inside = page->isAncestorOf(window.focusWidget()) || window.focusWidget() == page;
+        (inside ? &outside : page)->setFocus();
+    });
 }
 
 } // namespace
@@ -42,7 +62,14 @@ std::unique_ptr<FormWindow> make_frm_autotune_window(autotune::FrmAutotune& f, Q
 
     window->set_body(window->across({pages, side}, {1, 0}));
     window->set_footer(window->buttons({&f.apply_to_maps, &f.reset_autotune_params, &f.Command3d1}));
-    window->resize(1120, 640);
+    auto* keys = new QLabel(QString::fromUtf8("Ctrl+1, Ctrl+2 grid   F6 to and from it"));
+    QPalette palette;
+    palette.setColor(QPalette::WindowText, theme::muted_text(QPalette()));
+    keys->setPalette(palette);
+    window->statusBar()->addPermanentWidget(keys);
+    add_shortcuts(*window, f, *pages, *window->binding().widget_of(f.apply_to_maps));
+    pages->currentWidget()->setFocus();
+    window->resize(1120, 660);
     return window;
 }
 
