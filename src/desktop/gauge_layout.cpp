@@ -13,10 +13,33 @@ using Scale = platform::Gauge::Scale;
 
 constexpr double start_angle = 225;
 constexpr double sweep = 270;
-constexpr double beyond_end = 4;       // degrees
-constexpr double number_radius = 0.66; // of the face
-constexpr int most_numbers = 14;       // more would run into each other
-constexpr int most_fine_ticks = 9;     // numbered ticks up to which unnumbered ones fit between
+constexpr double beyond_end = 4;   // degrees
+constexpr int most_numbers = 14;   // more would be too small to read
+constexpr int most_fine_ticks = 9; // numbered ticks up to which unnumbered ones fit between
+
+// In shares of the face's radius.
+constexpr double tick_end = 0.94;
+constexpr double major_tick = 0.82;
+constexpr double minor_tick = 0.88;
+constexpr double numbers_within = 0.79;
+constexpr double figures_within = 0.93;
+constexpr double lowest_figure = 0.86;
+constexpr double largest_number = 0.195;
+constexpr double largest_figure = 0.34;
+constexpr double gap = 0.03;
+constexpr double caption_top = 0.1;
+constexpr double caption_bottom = 0.34;  // room for two lines
+constexpr double one_line_bottom = 0.28; // above most numbers
+constexpr double caption_half = 0.46;
+constexpr double narrow_caption_half = 0.3;
+
+constexpr double shrink = 0.95;
+constexpr double least_share = 0.05; // of the radius: smaller than can be read
+
+// Of bold digits, in shares of the font's pixel size; most fonts' are narrower.
+constexpr double digit_height = 0.76;
+constexpr double digit_width = 0.7;
+constexpr double sign_width = 0.42;
 
 double span_of(const Scale& scale) {
     return static_cast<double>(scale.full_scale) - static_cast<double>(scale.minimum);
@@ -53,6 +76,99 @@ double number_step(const Scale& scale) {
     }
 }
 
+QSizeF text_size(const QString& text, double height) {
+    double width = 0;
+    for (const QChar sign : text) {
+        width += sign.isDigit() ? digit_width : sign_width;
+    }
+    return QSizeF(width, digit_height) * height;
+}
+
+// As far out in its direction as its corners stay within the circle.
+QRectF area_within(QPointF centre, double radius, double angle, QSizeF size) {
+    const double radians = angle * std::numbers::pi / 180;
+    const double along = size.width() * std::abs(std::cos(radians)) + size.height() * std::abs(std::sin(radians));
+    const double corner = (size.width() * size.width() + size.height() * size.height()) / 4 - radius * radius;
+    const double distance = (-along + std::sqrt(std::max(0.0, along * along - 4 * corner))) / 2;
+    QRectF area(QPointF(), size);
+    area.moveCenter(on_circle(centre, std::max(0.0, distance), angle));
+    return area;
+}
+
+bool meets_a_number(const GaugeLayout& layout, const QRectF& area) {
+    const double room = layout.radius * gap;
+    return std::ranges::any_of(layout.numbers, [&](const GaugeLayout::Number& number) {
+        return &number.area != &area && number.area.adjusted(-room, -room, room, room).intersects(area);
+    });
+}
+
+void place_numbers(GaugeLayout& layout, const Scale& scale) {
+    const double step = number_step(scale);
+    if (step <= 0) {
+        return;
+    }
+    const int count = static_cast<int>(span_of(scale) / step + 1e-4);
+    const int fine = count <= most_fine_ticks ? 2 : 1;
+    const bool whole = std::floor(step) == step;
+    std::vector<double> angles;
+    for (int i = 0; i <= count * fine; ++i) {
+        const double value = static_cast<double>(scale.minimum) + step * i / fine;
+        const double angle = angle_of(scale, value);
+        const bool major = i % fine == 0;
+        layout.ticks.push_back({on_circle(layout.centre, layout.radius * tick_end, angle),
+                                on_circle(layout.centre, layout.radius * (major ? major_tick : minor_tick), angle),
+                                major});
+        if (major) {
+            layout.numbers.push_back({{}, QString::number(value, 'f', whole ? 0 : 1)});
+            angles.push_back(angle);
+        }
+    }
+    layout.number_height = layout.radius * largest_number / shrink;
+    do {
+        layout.number_height *= shrink;
+        for (std::size_t i = 0; i < angles.size(); ++i) {
+            GaugeLayout::Number& number = layout.numbers[i];
+            number.area = area_within(layout.centre, layout.radius * numbers_within, angles[i],
+                                      text_size(number.text, layout.number_height));
+        }
+    } while (layout.number_height > layout.radius * least_share &&
+             std::ranges::any_of(layout.numbers, [&](const GaugeLayout::Number& number) {
+                 return meets_a_number(layout, number.area);
+             }));
+}
+
+// Below the middle, as large as the numbers leave room for the widest value of the scale.
+void place_figures(GaugeLayout& layout, const Scale& scale) {
+    const auto reach = layout.radius * figures_within;
+    const std::array texts{gauge_text(scale, static_cast<double>(scale.minimum)),
+                           gauge_text(scale, static_cast<double>(scale.full_scale))};
+    layout.value_height = layout.radius * largest_figure / shrink;
+    do {
+        layout.value_height *= shrink;
+        const QSizeF size =
+            text_size(texts[0], layout.value_height).expandedTo(text_size(texts[1], layout.value_height));
+        const double half = std::min(size.width() / 2, reach);
+        const double bottom = std::min(std::sqrt(reach * reach - half * half), layout.radius * lowest_figure);
+        layout.value = QRectF(QPointF(layout.centre.x() - half, layout.centre.y() + bottom - size.height()), size);
+    } while (layout.value_height > layout.radius * least_share && meets_a_number(layout, layout.value));
+}
+
+// Between the hub and the figures, two lines high, or else one, and as wide as the numbers beside it leave room.
+void place_caption(GaugeLayout& layout) {
+    layout.caption_height = layout.radius * 0.135;
+    const auto place = [&](double half, double bottom) {
+        layout.caption =
+            QRectF(layout.centre.x() - layout.radius * half, layout.centre.y() + layout.radius * caption_top,
+                   2 * layout.radius * half, layout.radius * (bottom - caption_top));
+        return !meets_a_number(layout, layout.caption);
+    };
+    if (place(caption_half, caption_bottom) || place(narrow_caption_half, caption_bottom)) {
+        return;
+    }
+    for (double half = caption_half; half > least_share && !place(half, one_line_bottom); half *= shrink) {
+    }
+}
+
 } // namespace
 
 GaugeLayout gauge_layout(const Scale& scale, QSizeF size) {
@@ -70,41 +186,13 @@ GaugeLayout gauge_layout(const Scale& scale, QSizeF size) {
                         2 * zone_radius};
     const auto zone_a = static_cast<double>(scale.zone_a_start);
     const auto zone_b = static_cast<double>(scale.zone_b_start);
-    layout.zone_a = arc_between(scale, zone_a, zone_b);
+    if (zone_a > static_cast<double>(scale.minimum)) {
+        layout.zone_a = arc_between(scale, zone_a, zone_b);
+    }
     layout.zone_b = arc_between(scale, zone_b, static_cast<double>(scale.full_scale));
-
-    if (const double step = number_step(scale); step > 0) {
-        const int count = static_cast<int>(span_of(scale) / step + 1e-4);
-        const int fine = count <= most_fine_ticks ? 2 : 1;
-        const bool whole = std::floor(step) == step;
-        for (int i = 0; i <= count * fine; ++i) {
-            const double value = static_cast<double>(scale.minimum) + step * i / fine;
-            const double angle = angle_of(scale, value);
-            const bool major = i % fine == 0;
-            layout.ticks.push_back({on_circle(layout.centre, radius * 0.94, angle),
-                                    on_circle(layout.centre, radius * (major ? 0.82 : 0.88), angle), major});
-            if (major) {
-                layout.numbers.push_back({on_circle(layout.centre, radius * number_radius, angle),
-                                          QString::number(value, 'f', whole ? 0 : 1)});
-            }
-        }
-    }
-    qsizetype longest = 1;
-    for (const GaugeLayout::Number& number : layout.numbers) {
-        longest = std::max(longest, number.text.size());
-    }
-    // A digit is about 0.6 as wide as high; neighbours at the top stand side by side.
-    const double room =
-        number_radius * sweep / 180 * std::numbers::pi / std::max(1.0, static_cast<double>(layout.numbers.size()) - 1);
-    layout.number_height = radius * std::min(0.2, 0.85 * room / (0.6 * static_cast<double>(longest)));
-    layout.caption_height = radius * 0.14;
-    layout.value_height = radius * 0.32;
-    const auto band = [&](double width, double top, double bottom) {
-        return QRectF(layout.centre.x() - radius * width, layout.centre.y() + radius * top, 2 * radius * width,
-                      radius * (bottom - top));
-    };
-    layout.caption = band(0.42, 0.16, 0.5);
-    layout.value = band(0.6, 0.55, 0.93);
+    place_numbers(layout, scale);
+    place_figures(layout, scale);
+    place_caption(layout);
     return layout;
 }
 

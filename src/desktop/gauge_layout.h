@@ -1,6 +1,7 @@
 // Where everything of a round gauge stands, as numbers: the widget only draws what this says. The dial turns over 270
-// degrees, from the lower left clockwise to the lower right. Angles are in degrees, 0 to the right and 90 up, as
-// painters count them.
+// degrees, from the lower left clockwise to the lower right, and leaves the gap to the figures of the value. Texts
+// never meet each other or the ticks, however long the numbers are: they shrink and move inwards first. Angles are in
+// degrees, 0 to the right and 90 up, as painters count them.
 #pragma once
 
 #include "platform/gauge.h"
@@ -25,7 +26,7 @@ struct GaugeLayout {
         bool major = true;
     };
     struct Number {
-        QPointF centre;
+        QRectF area;
         QString text;
     };
 
@@ -37,10 +38,12 @@ struct GaugeLayout {
     Arc zone_b;
     std::vector<Tick> ticks;
     std::vector<Number> numbers;
-    double number_height = 0; // pixel sizes of the texts
+    // Pixel sizes of the texts, each centred in its area. In a font of wider digits than are reckoned with here a text
+    // must be drawn smaller, so that it stays inside.
+    double number_height = 0;
     double caption_height = 0;
     double value_height = 0;
-    QRectF caption; // the texts are centred in these
+    QRectF caption;
     QRectF value;
 };
 

@@ -4,11 +4,13 @@
 #include "desktop/theme.h"
 
 #include <QEvent>
+#include <QFontMetricsF>
 #include <QPainter>
 #include <QPolygonF>
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 namespace ecu::desktop {
 
@@ -17,8 +19,9 @@ using platform::Property;
 namespace {
 
 constexpr double settling_ms = 150;
-constexpr int frame_ms = 25;
-constexpr double least_turn = 0.2; // degrees; a smaller one can't be seen
+constexpr int frame_ms = 33;
+constexpr double least_move = 0.5; // pixels of the needle's tip; a smaller one can't be seen
+constexpr double degree = std::numbers::pi / 180;
 
 const QColor ink(0x1c, 0x1e, 0x21);
 const QColor zone_a_colour(0xf2, 0xb1, 0x34);
@@ -28,6 +31,21 @@ const QColor needle_colour(0x12, 0x4f, 0x9c);
 QFont sized(QFont font, double height, QFont::Weight weight) {
     font.setPixelSize(std::max(1, static_cast<int>(height)));
     font.setWeight(weight);
+    return font;
+}
+
+// Smaller where the text would reach out of its area.
+QFont fitted(QFont font, const QString& text, const QRectF& area) {
+    const QFontMetricsF metrics(font);
+    const QStringList lines = text.split('\n');
+    double share =
+        area.height() / (metrics.capHeight() + metrics.lineSpacing() * static_cast<double>(lines.size() - 1));
+    for (const QString& line : lines) {
+        share = std::min(share, area.width() / std::max(1.0, metrics.horizontalAdvance(line)));
+    }
+    if (share < 1) {
+        font.setPixelSize(std::max(1, static_cast<int>(font.pixelSize() * share)));
+    }
     return font;
 }
 
@@ -41,24 +59,25 @@ GaugeWidget::GaugeWidget(platform::Gauge& gauge) : gauge_(gauge) {
 }
 
 void GaugeWidget::refresh(Property property) {
+    const QString text = gauge_text(gauge_.scale(), static_cast<double>(gauge_.value()));
+    if (text_ != text) {
+        text_ = text;
+        setAccessibleDescription(text);
+        const int beside = static_cast<int>(layout_.value_height * 0.1) + 2; // some digits reach over the line
+        update(layout_.value.toAlignedRect().adjusted(-beside, -beside, beside, beside));
+    }
     if (property == Property::value) {
         move_needle();
     } else {
         drop_face();
     }
-    const QString text = gauge_text(gauge_.scale(), static_cast<double>(gauge_.value()));
-    if (accessibleDescription() != text) {
-        setAccessibleDescription(text);
-    }
 }
 
 void GaugeWidget::move_needle() {
-    const auto target = static_cast<double>(gauge_.value());
-    const double turn = needle_angle(gauge_.scale(), target) - needle_angle(gauge_.scale(), shown_);
-    if (!isVisible() || std::abs(turn) < least_turn) {
+    if (!isVisible()) {
         frames_.stop();
-        shown_ = target;
-        update();
+        shown_ = static_cast<double>(gauge_.value());
+        turn_needle();
         return;
     }
     // From where the needle is now, also when it was still under way: it never lags more than one settling time.
@@ -77,11 +96,30 @@ void GaugeWidget::step() {
     if (share >= 1) {
         frames_.stop();
     }
-    update();
+    turn_needle();
+}
+
+void GaugeWidget::turn_needle() {
+    const double angle = needle_angle(gauge_.scale(), shown_);
+    const double moved = std::abs(angle - angle_) * degree * layout_.radius;
+    if (moved >= least_move || (moved > 0 && !frames_.isActive())) {
+        update(needle_area());
+        angle_ = angle;
+        update(needle_area());
+    }
+}
+
+QRect GaugeWidget::needle_area() const {
+    const std::vector<QPointF> needle = needle_shape(layout_, angle_);
+    return QPolygonF(QList<QPointF>(needle.begin(), needle.end()))
+        .boundingRect()
+        .toAlignedRect()
+        .adjusted(-2, -2, 2, 2);
 }
 
 void GaugeWidget::drop_face() {
     layout_ = gauge_layout(gauge_.scale(), QSizeF(size()));
+    angle_ = needle_angle(gauge_.scale(), shown_);
     face_ = {};
     update();
 }
@@ -124,15 +162,18 @@ QPixmap GaugeWidget::draw_face() const {
         painter.drawLine(tick.outer, tick.inner);
     }
     painter.setPen(ink);
-    painter.setFont(sized(font(), layout_.number_height, QFont::DemiBold));
+    QFont numbers = sized(font(), layout_.number_height, QFont::DemiBold);
     for (const GaugeLayout::Number& number : layout_.numbers) {
-        const double reach = layout_.radius;
-        painter.drawText(QRectF(number.centre.x() - reach, number.centre.y() - reach, 2 * reach, 2 * reach),
-                         Qt::AlignCenter, number.text);
+        numbers = fitted(numbers, number.text, number.area); // all alike
+    }
+    painter.setFont(numbers);
+    for (const GaugeLayout::Number& number : layout_.numbers) {
+        painter.drawText(number.area, Qt::AlignCenter | Qt::TextDontClip, number.text);
     }
     painter.setPen(ink.lighter(190));
-    painter.setFont(sized(font(), layout_.caption_height, QFont::Medium));
-    painter.drawText(layout_.caption, Qt::AlignCenter, qt(gauge_.text()));
+    const QString caption = qt(gauge_.text());
+    painter.setFont(fitted(sized(font(), layout_.caption_height, QFont::Medium), caption, layout_.caption));
+    painter.drawText(layout_.caption, Qt::AlignCenter | Qt::TextDontClip, caption);
     return face;
 }
 
@@ -140,17 +181,17 @@ void GaugeWidget::paintEvent(QPaintEvent*) {
     if (layout_.radius <= 0) {
         return;
     }
-    if (face_.isNull()) {
+    if (face_.isNull() || face_.devicePixelRatio() != devicePixelRatioF()) {
         face_ = draw_face();
     }
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.drawPixmap(0, 0, face_);
     painter.setPen(ink);
-    QFont figures = theme::figure_font(10);
-    painter.setFont(sized(figures, layout_.value_height, QFont::Bold));
-    painter.drawText(layout_.value, Qt::AlignCenter, gauge_text(gauge_.scale(), static_cast<double>(gauge_.value())));
-    const std::vector<QPointF> needle = needle_shape(layout_, needle_angle(gauge_.scale(), shown_));
+    const QFont figures = sized(theme::figure_font(10), layout_.value_height, QFont::Bold);
+    painter.setFont(fitted(figures, text_, layout_.value));
+    painter.drawText(layout_.value, Qt::AlignCenter | Qt::TextDontClip, text_);
+    const std::vector<QPointF> needle = needle_shape(layout_, angle_);
     painter.setPen(QPen(Qt::white, layout_.radius * 0.01));
     painter.setBrush(needle_colour);
     painter.drawPolygon(needle.data(), static_cast<int>(needle.size()));

@@ -40,6 +40,34 @@ TEST(GaugeLayout, TurnsFromLowerLeftToLowerRightAndHoldsTheNeedleAtItsEnds) {
     }
 }
 
+TEST(GaugeLayout, KeepsItsTextsApartAndInsideTheTicksHoweverLongTheNumbers) {
+    for (const Gauge::Scale& scale : std::vector<Gauge::Scale>{{.full_scale = 100, .tick_step = 20},
+                                                               {.minimum = -20, .full_scale = 120, .tick_step = 20},
+                                                               {.minimum = -20, .full_scale = 60, .tick_step = 10},
+                                                               {.full_scale = 4, .tick_step = 0.5F},
+                                                               {.full_scale = 650, .tick_step = 65},
+                                                               {.full_scale = 10.8F, .tick_step = 1},
+                                                               {.full_scale = 50000, .tick_step = 4}}) {
+        const GaugeLayout layout = gauge_layout(scale, {200, 200});
+        std::vector<QRectF> areas{layout.value, layout.caption};
+        for (const GaugeLayout::Number& number : layout.numbers) {
+            areas.push_back(number.area);
+        }
+        for (std::size_t i = 0; i < areas.size(); ++i) {
+            for (const QPointF corner : {areas[i].topLeft(), areas[i].bottomLeft(), areas[i].bottomRight()}) {
+                EXPECT_LT(QLineF(layout.centre, corner).length(), layout.radius * (i == 0 ? 0.94 : 0.82)) << i;
+            }
+            for (std::size_t other = 0; other < i; ++other) {
+                EXPECT_FALSE(areas[i].intersects(areas[other])) << scale.full_scale << ": " << i << " on " << other;
+            }
+        }
+        EXPECT_GT(layout.value_height, layout.radius * 0.2) << scale.full_scale; // still read from two metres
+    }
+    EXPECT_EQ(gauge_layout({.full_scale = 120, .tick_step = 12, .zone_a_start = 0, .zone_b_start = 110}, {200, 200})
+                  .zone_a.span,
+              0); // the whole scale is no caution
+}
+
 TEST(GaugeLayout, SurvivesScalesThatNoDialCanShow) {
     // The tachometer's widest scale would ask for 12,500 ticks.
     EXPECT_EQ(gauge_layout({.full_scale = 50000, .tick_step = 4, .zone_a_start = 32, .zone_b_start = 36}, {300, 300})

@@ -81,6 +81,10 @@ QWidget* legend(FormWindow& window, logging::FrmPlotter& f) {
     for (platform::CheckBox& box : f.Check3d1) {
         QWidget* widget = panel.add(box);
         widget->setBackgroundRole(QPalette::Window); // the paper's colour, not that of buttons
+        QPalette bright_box = widget->palette();     // a dark one, unticked, could not be seen on the paper
+        bright_box.setColor(QPalette::Base, theme::to_qt(platform::bright_white));
+        bright_box.setColor(QPalette::Text, theme::to_qt(logging::chart_paper));
+        widget->setPalette(bright_box);
     }
     panel.fill();
     return panel;
