@@ -170,7 +170,7 @@ TEST(Transfers, AreRefusedInDemoModeAndWithoutAnAnswerAndEndSilentlyWithoutAFile
     TransferBench bench;
     bench.desktop.choose_file("");
     bench.transfer.menufilesave_Click();
-    bench.desktop.choose_file("/home/tuner/*.SET");
+    bench.desktop.choose_file("/calibrations/*.SET");
     bench.transfer.menufileopen_Click();
     EXPECT_THAT(bench.commands, ElementsAre('R', 'C'));
 
