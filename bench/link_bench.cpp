@@ -53,6 +53,7 @@ struct Rig {
 } // namespace
 
 int main(int argc, char** argv) {
+    qputenv("QT_NO_GLIB", "1"); // as the command line program does
     QCoreApplication application(argc, argv);
     const std::string program = ecu::bench::controller_program(argv[0]);
     {
