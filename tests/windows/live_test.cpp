@@ -226,6 +226,13 @@ TEST(StripChart, ScrollsWithTheNewestSampleUntilDraggedOrZoomedAndReturnsLive) {
     bench.sample(10);
     QTest::qWait(200);
     EXPECT_GT(bench.chart.pictures_drawn(), pictures);
+    bench.wheel(16, 0.5); // to ticks closer than a second: their labels must tell them apart
+    QTest::qWait(100);
+    for (qsizetype i = 0; i < bench.chart.xAxis->tickVector().size(); ++i) {
+        const QString label = bench.chart.xAxis->tickVectorLabels()[i];
+        EXPECT_NEAR(QTime::fromString(label, "hh:mm:ss.z").msecsSinceStartOfDay() / 1000.0,
+                    bench.chart.xAxis->tickVector()[i], 1e-3);
+    }
     live.click();
 
     QTest::mouseClick(&bench.chart, Qt::LeftButton, {}, bench.inside(0.5));
