@@ -53,8 +53,8 @@ void apply(QApplication& application) {
 QPalette dark_palette() {
     QPalette palette(QColor(0x2b, 0x2d, 0x31), QColor(0x2b, 0x2d, 0x31));
     palette.setColor(QPalette::WindowText, QColor(0xe3, 0xe5, 0xe8));
-    palette.setColor(QPalette::Base, QColor(0x1e, 0x1f, 0x22));
-    palette.setColor(QPalette::AlternateBase, QColor(0x26, 0x28, 0x2b));
+    palette.setColor(QPalette::Base, QColor(0x45, 0x48, 0x4e));
+    palette.setColor(QPalette::AlternateBase, QColor(0x3d, 0x40, 0x45));
     palette.setColor(QPalette::Text, QColor(0xe3, 0xe5, 0xe8));
     palette.setColor(QPalette::Button, QColor(0x3a, 0x3d, 0x42));
     palette.setColor(QPalette::ButtonText, QColor(0xe3, 0xe5, 0xe8));
