@@ -149,9 +149,14 @@ void Polling::act_on_view() {
     static constexpr std::array capability_poll{messages::capability_word, messages::compatibility_word};
 
     const View view = use_.state.current_view;
-    if (view != View::none && view != View::diagnostics && !use_.state.capabilities_loaded &&
-        !poll(view, capability_poll)) {
-        return;
+    if (view != View::none && view != View::diagnostics && !use_.state.capabilities_loaded) {
+        // Both, whatever the user does meanwhile: the first one's answer ends the asking for the whole run.
+        for (const messages::Command& question : capability_poll) {
+            ask(question);
+        }
+        if (!still_polls(view)) {
+            return;
+        }
     }
     switch (view) {
     case View::none:
@@ -196,14 +201,20 @@ void Polling::act_on_view() {
 // Returns false as soon as the user has left the view or started a sequence of messages there.
 bool Polling::poll(View view, std::span<const messages::Command> questions) {
     for (const messages::Command& question : questions) {
-        use_.comm.send_ecu_message({question.code}, question.reply);
-        use_.ports.waiting.process_events();
-        if (use_.state.current_view != view || use_.state.polling_paused) {
+        ask(question);
+        if (!still_polls(view)) {
             return false;
         }
     }
     return true;
 }
+
+void Polling::ask(const messages::Command& question) {
+    use_.comm.send_ecu_message({question.code}, question.reply);
+    use_.ports.waiting.process_events();
+}
+
+bool Polling::still_polls(View view) const { return use_.state.current_view == view && !use_.state.polling_paused; }
 
 void Polling::refresh(View view) {
     if (const auto& update = refresh_[index_of(view)]) {

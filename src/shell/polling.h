@@ -59,6 +59,8 @@ private:
     bool open_requested_view();
     void act_on_view();
     bool poll(link::View view, std::span<const messages::Command> questions);
+    void ask(const messages::Command& question);
+    bool still_polls(link::View view) const; // neither left nor paused by what the user did meanwhile
     void refresh(link::View view);
 
     Use use_;

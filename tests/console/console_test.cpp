@@ -61,6 +61,19 @@ TEST_F(ConsoleTest, PollsTheMonitorWithExactlyThreeMessagesAPass) {
     }
 }
 
+TEST_F(ConsoleTest, AsksForTheCompatibilityEvenWhenTheViewIsLeftMeanwhile) {
+    start();
+    wired.controller.on_request = [this](const link::Request& request) {
+        requests.emplace_back(request.begin(), request.end());
+        if (request[2] == 179) {
+            desktop.post([this] { console.forms.frm_mon.Command3d1.press(); });
+        }
+    };
+    open_monitor();
+    ASSERT_FALSE(console.forms.frm_mon.form.visible());
+    EXPECT_EQ(requests.back()[2], 180);
+}
+
 TEST_F(ConsoleTest, MovesTheMonitorWithTheEngine) {
     start();
     open_monitor();
