@@ -205,7 +205,11 @@ void EcuComm::ask_after_failure() {
         text = state_.remote_answering ? "Communications has failed, Remote server IS responding, ECU hardware is NOT."
                                        : "Communications has failed, Remote server IS NOT responding";
     }
-    switch (dialog_.ask(text, {"Try Again", "Demo", "Abort", "Terminate"}).value_or(0)) {
+    const std::string_view reason =
+        remote() || comm1_.is_open()
+            ? ""
+            : "The device of the serial port is gone. Plug it in again, then choose Try Again.";
+    switch (dialog_.ask(text, {"Try Again", "Demo", "Abort", "Terminate"}, reason).value_or(0)) {
     case 1:
         state_.demo_mode = true;
         break;

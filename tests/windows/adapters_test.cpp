@@ -123,13 +123,15 @@ TEST_F(SerialLine, unplugging_in_mid_transaction_leaves_a_closed_quiet_port) {
     EXPECT_NE(port_->open(3, 38400), ""); // the device is gone
 }
 
-TEST_F(SerialLine, port_opens_again_on_the_device_that_came_back) {
+TEST_F(SerialLine, write_opens_the_port_again_when_the_device_came_back) {
     ASSERT_EQ(port_->open(3, 38400), "");
     far_end_.unplug();
     platform::wait_until(waiting_, clock_, 1.0F, [&] { return !port_->is_open(); });
     waiting_.process_events();
     PseudoTerminal again;
-    ASSERT_EQ(port_->open(3, 38400), "");
+    port_->write(Bytes{4, 5});
+    ASSERT_TRUE(port_->is_open());
+    EXPECT_EQ(again.received(), (Bytes{4, 5}));
     again.send({1, 2, 3});
     EXPECT_TRUE(wait_for_bytes(3, 1.0F));
 }

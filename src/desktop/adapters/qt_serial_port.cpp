@@ -69,6 +69,9 @@ public:
             return device + ": " + port_.errorString().toStdString();
         }
         ask_for_low_latency(port_.handle());
+        number_ = number;
+        baud_ = baud;
+        lost_ = false;
         return {};
     }
 
@@ -77,11 +80,16 @@ public:
             port_.close();
         }
         received_.clear();
+        lost_ = false;
     }
 
     bool is_open() const override { return port_.isOpen() && !broken_; }
 
     void write(std::span<const std::uint8_t> bytes) override {
+        if (lost_ && !is_open()) {
+            const bool back = open(number_, baud_).empty();
+            lost_ = !back; // the device may come back with any of the next tries
+        }
         if (is_open()) {
             port_.write(reinterpret_cast<const char*>(bytes.data()), static_cast<qint64>(bytes.size()));
             port_.flush(); // to the driver now rather than with the next events
@@ -134,6 +142,7 @@ private:
             return;
         }
         broken_ = true;
+        lost_ = true;
         QMetaObject::invokeMethod(
             &port_,
             [this] {
@@ -146,7 +155,10 @@ private:
 
     QSerialPort port_;
     std::vector<std::uint8_t> received_;
-    bool broken_ = false;
+    int number_ = 0;
+    int baud_ = 0;
+    bool broken_ = false; // failed while open, and not closed yet
+    bool lost_ = false;   // closed by the device's going, not by the console
 };
 
 } // namespace
