@@ -284,9 +284,15 @@ bool Binding::eventFilter(QObject* watched, QEvent* event) {
     }
     Control& control = *found->second;
     switch (event->type()) {
-    case QEvent::FocusIn:
+    case QEvent::FocusIn: {
         move_focus(&control);
+        const auto reason = static_cast<QFocusEvent*>(event)->reason();
+        if (auto* edit = qobject_cast<QLineEdit*>(watched);
+            edit != nullptr && reason != Qt::MouseFocusReason && reason != Qt::PopupFocusReason) {
+            edit->selectAll(); // what is typed next replaces the value, it never runs into it
+        }
         return false;
+    }
     case QEvent::FocusOut: {
         const auto reason = static_cast<QFocusEvent*>(event)->reason();
         if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason && focused_ == &control) {
@@ -333,9 +339,13 @@ QWidget* Binding::make_text_box(platform::TextBox& control) {
     bind_custom(control, edit, [&control, edit](Property property) {
         if (property == Property::text && edit->text() != qt(control.text())) {
             edit->setText(qt(control.text()));
-            if (!edit->hasFocus()) {
-                edit->setCursorPosition(0); // a long text is read from its beginning
-            }
+            edit->setCursorPosition(0); // a long text is read from its beginning
+        } else if (property != Property::back_colour || control.is_pending() || !edit->isModified()) {
+            return; // what the user has selected in a value that stays is left alone
+        }
+        edit->setModified(false);
+        if (edit->window()->focusWidget() == edit) {
+            edit->selectAll(); // the program's value, or the user's own confirmed: typing replaces it
         }
     });
     return edit;

@@ -62,6 +62,7 @@ private:
     static void name_by_text(const platform::Control& control, Bound& bound);
     void paint_colours(platform::Control& control, QWidget& widget);
     void move_focus(platform::Control* to);
+    void mark(const platform::MenuItem& item, QAction& action);
 
     QWidget* make_label(platform::Label& control);
     QWidget* make_text_box(platform::TextBox& control);

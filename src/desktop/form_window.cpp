@@ -238,6 +238,8 @@ void FormWindow::fit_figures() {
     if (figures_.empty() || scroll_ == nullptr || figure_points_.first >= figure_points_.second) {
         return;
     }
+    layout()->activate(); // at the first showing no layout has run yet, and the room would be any size
+    outer_->activate();
     const QSize room = scroll_->maximumViewportSize();
     const auto fits = [&](int half_points) {
         set_figure_points(half_points / 2.0);
@@ -271,6 +273,10 @@ void FormWindow::open() {
         adjustSize();
         move(front->geometry().center() - rect().center());
     }
+    if (focus_first_) {
+        setAttribute(Qt::WA_KeyboardFocusChange);
+        binding_.widget_of(focus_first_())->setFocus(Qt::TabFocusReason);
+    }
     show();
     if (grown_unfitted_) {
         fit_figures(); // a window of the size that it had last gets no resize event
@@ -299,7 +305,11 @@ void FormWindow::put_away() {
     hide();
 }
 
-void FormWindow::show_caption() { setWindowTitle(qt(form_.caption())); }
+void FormWindow::show_caption() {
+    if (!form_.caption().empty()) {
+        setWindowTitle(qt(form_.caption()));
+    }
+}
 
 void FormWindow::closeEvent(QCloseEvent* event) {
     event->ignore(); // the form decides, and hides the window itself
@@ -310,7 +320,6 @@ void FormWindow::closeEvent(QCloseEvent* event) {
 
 void FormWindow::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
-    layout()->activate();
     fit_figures();
 }
 

@@ -85,10 +85,14 @@ public:
     // Escape itself, such as a cell being edited, still gets it first.
     void close_on_escape() { closes_on_escape_ = true; }
 
+    // Where the focus goes, with its frame, each time the window opens: a button rather than a value that acts on the
+    // running engine. Without this it stays where it was.
+    void focus_first(std::function<platform::Control&()> which) { focus_first_ = std::move(which); }
+
     // Called by the host.
-    void open();     // shows the window where it was last
-    void put_away(); // hides it
-    void show_caption();
+    void open();         // shows the window where it was last
+    void put_away();     // hides it
+    void show_caption(); // a title that is cleared, as on leaving, stays: Qt would put the program's name there
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -111,6 +115,7 @@ private:
     std::vector<FigureLabel*> figures_;
     std::pair<double, double> figure_points_{14, 14};
     QByteArray geometry_;
+    std::function<platform::Control&()> focus_first_;
     bool opened_ = false;
     bool closes_on_escape_ = false;
     bool grown_unfitted_ = false; // a figure grew while the window was hidden

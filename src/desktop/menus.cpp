@@ -29,18 +29,24 @@ void show_item(const MenuItem& item, QAction& action, Property property) {
     case Property::tool_tip:
         action.setToolTip(qt(item.tool_tip().empty() ? item.text() : item.tool_tip()).remove('&'));
         break;
-    case Property::checked:
-        if (item.checked()) {
-            action.setCheckable(true);
-        }
-        action.setChecked(item.checked());
-        break;
     default:
         break;
     }
 }
 
 } // namespace
+
+// Once one item of an array has carried the mark, all of them keep the box for it: a choice looks like one.
+void Binding::mark(const MenuItem& item, QAction& action) {
+    if (item.checked() && !action.isCheckable()) {
+        for (const auto& [control, bound] : bound_) {
+            if (control->name() == item.name()) {
+                bound.action->setCheckable(true);
+            }
+        }
+    }
+    action.setChecked(item.checked());
+}
 
 void Binding::build_menus(QMenuBar& bar) {
     bar.setNativeMenuBar(false);
@@ -84,10 +90,16 @@ void Binding::build_menus(QMenuBar& bar) {
         place.addAction(action);
         Bound& bound = add(*item);
         bound.action = action;
-        bound.update = [item, action](Property property) { show_item(*item, *action, property); };
-        for (const Property property :
-             {Property::text, Property::enabled, Property::visible, Property::tool_tip, Property::checked}) {
+        bound.update = [this, item, action](Property property) {
+            property == Property::checked ? mark(*item, *action) : show_item(*item, *action, property);
+        };
+        for (const Property property : {Property::text, Property::enabled, Property::visible, Property::tool_tip}) {
             bound.update(property);
+        }
+    }
+    for (platform::Control* control : form_.controls()) { // when every item of an array is there
+        if (control->kind() == platform::Kind::menu_item) {
+            refresh(*control, Property::checked);
         }
     }
 }

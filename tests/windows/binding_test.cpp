@@ -83,6 +83,31 @@ TEST_F(SampleWindow, typing_turns_a_box_yellow_and_the_echo_turns_it_white) {
     EXPECT_EQ(edit(1).palette().color(QPalette::Base), theme::to_qt(confirmed)); // its neighbour is left alone
 }
 
+TEST_F(SampleWindow, typing_into_a_box_that_the_program_focused_or_rewrote_replaces_its_value) {
+    form_.box[1].set_text("14.000");
+    form_.box[1].set_focus();
+    QTest::keyClicks(&edit(1), "12");
+    EXPECT_EQ(form_.box[1].text(), "12");
+    for (const char* reply : {"12", "12.000"}) { // the controller's answer, in its own digits or the user's
+        form_.box[1].set_back_colour(pending);
+        form_.box[1].confirm(reply);
+        QTest::keyClicks(&edit(1), "12");
+        EXPECT_EQ(form_.box[1].text(), "12") << reply;
+    }
+    edit(1).setSelection(1, 1);
+    form_.box[1].confirm("12"); // what the typing left modified
+    edit(1).setSelection(1, 1);
+    form_.box[1].confirm("12"); // a poll of the same value
+    EXPECT_EQ(edit(1).selectedText(), "2");
+    edit(0).setFocus(Qt::MouseFocusReason);
+    EXPECT_FALSE(edit(0).hasSelectedText());
+}
+
+TEST_F(SampleWindow, cleared_caption_leaves_the_title) {
+    form_.form.set_caption("");
+    EXPECT_EQ(window_.windowTitle(), "Sample");
+}
+
 TEST_F(SampleWindow, keys_reach_the_box_first_and_a_consumed_key_goes_no_further) {
     std::vector<int> codes;
     form_.box[0].key_down = [&](platform::KeyPress& key) {
@@ -170,6 +195,8 @@ TEST_F(SampleWindow, menus_are_built_from_the_items_in_their_order) {
     form_.menu_number[1].clicked = [&] { form_.menu_number[1].set_checked(true); };
     second.trigger();
     EXPECT_TRUE(second.isChecked());
+    EXPECT_TRUE(named<QAction>(window_, "menu_number(0)").isCheckable()) << "one choice, one look";
+    EXPECT_FALSE(top[1]->isCheckable());
     form_.menu_number[1].clicked = nullptr;
     second.trigger();
     EXPECT_TRUE(second.isChecked()) << "only the form moves the mark";

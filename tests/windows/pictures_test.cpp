@@ -5,6 +5,7 @@
 #include "link/frm_retries.h"
 #include "shell/frm_about.h"
 #include "shell/frm_ecu.h"
+#include "views/frm_dashboard.h"
 #include "views/frm_mon.h"
 #include "windows/window_bench.h"
 
@@ -165,7 +166,46 @@ TEST(Windows, failure_dialog_shows_the_whole_of_a_long_question_and_reason) {
                          {"Exit", "Demo", "", ""},
                          "Port 3 is /dev/serial/by-id/usb-Controller_Cable_A900XYZ-if00-port0: permission denied. "
                          "Another program may hold it."),
-              0);
+              1); // what Enter gives goes on; the other answer ends the program
+}
+
+TEST(Windows, failure_dialog_opens_with_its_first_answer_focused_and_nothing_malformed) {
+    QtHost host;
+    link::FrmDialog dialog;
+    const auto window = make_frm_dialog_window(dialog, host);
+    EXPECT_GE(named<QLabel>(*window, "dialog_details").minimumHeight(), 0);
+    for (int opening = 0; opening < 2; ++opening) {
+        QTimer::singleShot(0, window.get(), [&] {
+            EXPECT_EQ(window->focusWidget(), &named<QPushButton>(*window, "dialog_button(0)"));
+            named<QPushButton>(*window, "dialog_button(2)").setFocus();
+            QTest::keyClick(window->focusWidget(), Qt::Key_Return);
+        });
+        EXPECT_EQ(dialog.ask("Communications has failed", {"Try Again", "Demo", "Abort", "Terminate"}), 2);
+    }
+}
+
+TEST(Windows, dashboard_opens_with_no_trim_in_the_way_of_the_keyboard) {
+    QtHost host;
+    views::FrmDashboard form;
+    const auto window = make_frm_dashboard_window(form, host);
+    form.form.show();
+    form.ecu_pgm[0].confirm("14.000");
+    QTest::keyClicks(window->focusWidget(), "12");
+    EXPECT_EQ(form.ecu_pgm[0].text(), "14.000");
+    EXPECT_EQ(window->focusWidget(), &named<QPushButton>(*window, "Command1"));
+}
+
+TEST(Windows, monitor_has_its_size_of_figures_from_the_first_frame) {
+    QtHost host;
+    views::FrmMon form;
+    const auto window = make_frm_mon_window(form, host);
+    form.form.show();
+    const auto& figure = named<QLabel>(*window, "ECU_Data(0)");
+    const double at_once = figure.font().pointSizeF();
+    EXPECT_GT(at_once, 8);
+    window->resize(window->size() + QSize(1, 1));
+    QTest::qWait(1);
+    EXPECT_NEAR(figure.font().pointSizeF(), at_once, 0.5);
 }
 
 } // namespace

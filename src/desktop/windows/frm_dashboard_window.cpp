@@ -3,7 +3,7 @@
 #include "desktop/lamp_widget.h"
 #include "desktop/theme.h"
 #include "desktop/windows/windows.h"
-#include "views/dashboard.h"
+#include "views/frm_dashboard.h"
 
 #include <QGridLayout>
 #include <QLabel>
@@ -41,7 +41,7 @@ QWidget* gauges(FormWindow& window, views::FrmDashboard& f) {
     return holder;
 }
 
-// Each mark of the scale stands under the lamp that its value lights; one beside or over its neighbour steps down.
+// The marks of the scale stand in one row, evenly, two lamps apart.
 QWidget* mixture_bar(FormWindow& window, views::FrmDashboard& f) {
     auto* bar = new QWidget;
     auto* grid = new QGridLayout(bar);
@@ -63,15 +63,10 @@ QWidget* mixture_bar(FormWindow& window, views::FrmDashboard& f) {
         widget->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed); // the lamps stay equally wide
         return widget;
     };
-    int upper_end = -2; // the last lamp with a mark in the upper row
     for (platform::Label& mark : f.lambda_label) {
         QLabel* widget = label(mark, "Mixture scale");
         widget->setFont(theme::figure_font(9));
-        const double lambda = views::mark_lambda(static_cast<std::size_t>(mark.index()));
-        const int lamp = static_cast<int>(views::lamp_of(static_cast<float>(lambda)));
-        const bool steps_down = lamp - upper_end < 2;
-        upper_end = steps_down ? upper_end : lamp;
-        grid->addWidget(widget, steps_down ? 3 : 2, lamp, 1, 3); // with room from the columns on both sides of its lamp
+        grid->addWidget(widget, 2, 2 * mark.index(), 1, 3); // with room from the columns on both sides of its lamp
     }
     QLabel* centre = label(f.lambda_val, "Mixture at the centre");
     centre->setFont(theme::figure_font(13));
@@ -107,6 +102,7 @@ std::unique_ptr<FormWindow> make_frm_dashboard_window(views::FrmDashboard& f, Qt
     window->set_body(window->down({gauges(*window, f), controls}, {1, 0}));
     window->set_footer(window->buttons({&f.Command2, &f.Command1}));
     window->demo_badge(f.show_demo_mode);
+    window->focus_first([&f]() -> platform::Control& { return f.Command1; });
     window->resize(1280, 800);
     return window;
 }

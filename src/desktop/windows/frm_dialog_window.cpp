@@ -9,6 +9,8 @@
 #include <QLabel>
 #include <QStyle>
 
+#include <algorithm>
+
 namespace ecu::desktop {
 
 namespace {
@@ -27,7 +29,7 @@ QLabel* lines(FormWindow& window, platform::Label& control, const char* name) {
         [&control, label](platform::Property property) {
             if (property == platform::Property::text) {
                 label->setText(qt(control.text()));
-                label->setMinimumHeight(label->heightForWidth(text_width));
+                label->setMinimumHeight(std::max(0, label->heightForWidth(text_width))); // -1 without a text
                 label->setVisible(!control.text().empty());
             }
         },
@@ -64,6 +66,9 @@ std::unique_ptr<FormWindow> make_frm_dialog_window(link::FrmDialog& f, QtHost& h
     window->set_body(body);
     window->set_footer(
         window->buttons({&f.dialog_button[0], &f.dialog_button[1], &f.dialog_button[2], &f.dialog_button[3]}));
+    window->focus_first([&f]() -> platform::Control& { // never on the answer that ends the program
+        return f.dialog_button[f.dialog_button[0].text() == "Exit" ? 1 : 0];
+    });
     return window;
 }
 
