@@ -312,6 +312,12 @@ bool GridView::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event
     return QTableView::edit(index, trigger, event);
 }
 
+// Qt hands the keyboard on in this way when a widget is hidden. The table would take that for its own Tab: keep the
+// keyboard unseen, and move its cell.
+bool GridView::focusNextPrevChild(bool next) {
+    return isHidden() ? QAbstractScrollArea::focusNextPrevChild(next) : QTableView::focusNextPrevChild(next);
+}
+
 void GridView::note_mouse(const QMouseEvent& event) {
     const QModelIndex index = indexAt(event.position().toPoint());
     grid_.set_mouse_cell(index.isValid() ? index.row() + 1 : -1, index.isValid() ? index.column() + 1 : -1);

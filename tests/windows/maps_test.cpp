@@ -1,5 +1,6 @@
 #include "autotune/frm_autotune.h"
 #include "desktop/grid_view.h"
+#include "desktop/windows/desktop_console.h"
 #include "desktop/windows/windows.h"
 #include "maps/editing_rules.h"
 #include "maps/frm_cellblock_modifier.h"
@@ -120,6 +121,30 @@ TEST_F(MapWindow, IsUsedByKeyboardAlone) {
     EXPECT_EQ(window->focusWidget()->objectName(), "ecu_pgm(0)");
     QTest::keyClick(window.get(), Qt::Key_3, Qt::ControlModifier);
     EXPECT_TRUE(form.show_map_type[2].checked());
+}
+
+TEST(OpenedMapWindow, KeysGoToTheMapThatIsShownAndItsFirstCell) {
+    DesktopConsole desktop;
+    console::Console& console = desktop.console();
+    maps::Frm3d& form = console.forms.frm_3d;
+    console.state.demo_mode = true;
+    console.navigation.open(link::View::basic_mapping);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return form.Command3d2.enabled() && !console.state.polling_paused; }));
+    std::array<int, 4> typed{};
+    for (const std::size_t map : {0U, 3U, 1U, 2U}) { // each time with the last one's cell still in its editor
+        form.show_map_type[map].set_checked(true);
+        ASSERT_NE(QApplication::focusWidget(), nullptr);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_1);
+        typed[map] = 1;
+        for (std::size_t n = 0; n < 4; ++n) {
+            EXPECT_EQ(maps::pending_cells(*form.grids[n]), typed[n]) << map << n;
+        }
+        EXPECT_EQ(form.grids[map]->cell_text(1, 1), "1");
+    }
+    form.show_map_type[0].set_checked(true);
+    EXPECT_EQ(QApplication::focusWidget()->objectName(), "inj_map");
+    form.Command3d1.press();
+    QTest::qWait(1); // the console's window is activated with the next events
 }
 
 TEST_F(MapWindow, SurfaceFollowsItsWindowAndCanBeLookedAtFromThreeSides) {

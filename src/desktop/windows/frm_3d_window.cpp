@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
+#include <QRadioButton>
 #include <QShortcut>
 #include <QStatusBar>
 
@@ -111,13 +112,19 @@ protected:
         }
     }
 
-    // The keyboard stays with the map when another of the four takes its place.
+    // The keyboard is with the map that is shown, never with one that is hidden; only somebody who walks through the
+    // options by keys stays there.
     bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() == QEvent::Hide && window()->focusWidget() == watched) {
-            refocus_ = true;
-        } else if (event->type() == QEvent::Show && refocus_) {
-            refocus_ = false;
-            static_cast<QWidget*>(watched)->setFocus();
+        auto* grid = qobject_cast<QWidget*>(watched);
+        QWidget* const focus = window()->focusWidget();
+        if (event->type() == QEvent::Hide && focus != nullptr && (focus == grid || grid->isAncestorOf(focus))) {
+            focus->clearFocus();
+            grid->clearFocus(); // a cell's editor gave it back
+            if (QWidget* other = shown_grid(); other != grid && other->isVisible()) {
+                other->setFocus();
+            }
+        } else if (event->type() == QEvent::Show && qobject_cast<QRadioButton*>(focus) == nullptr) {
+            grid->setFocus();
         }
         return false;
     }
@@ -201,7 +208,6 @@ private:
     QWidget* load_marker_ = nullptr;
     QWidget* speed_marker_ = nullptr;
     QRect field_; // of the cells
-    bool refocus_ = false;
 };
 
 Panel values_panel(FormWindow& window, Frm3d& f) {
@@ -281,7 +287,9 @@ Panel map_panel(FormWindow& window, Frm3d& f) {
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setVerticalSpacing(2);
     for (std::size_t n = 0; n < f.show_map_type.size(); ++n) {
-        grid->addWidget(window.make(f.show_map_type[n]), static_cast<int>(n), 0);
+        QWidget* option = window.make(f.show_map_type[n]);
+        option->setFocusPolicy(Qt::TabFocus); // a click on it leaves the keyboard to the map
+        grid->addWidget(option, static_cast<int>(n), 0);
     }
     panel.add(options);
     return panel;
@@ -316,7 +324,7 @@ std::unique_ptr<FormWindow> make_frm_3d_window(maps::Frm3d& f, QtHost& host) {
     window->demo_badge(f.show_demo_mode);
     // Of fixed size, so that the progress of a read does not lay the window out again with each block.
     QWidget* status = window->status(f.map_status);
-    status->setFixedSize(status->fontMetrics().horizontalAdvance("Reading TPS fuel map, block 8 of 8  "),
+    status->setFixedSize(status->fontMetrics().horizontalAdvance("Aborted: nothing is sent until a view is opened  "),
                          status->fontMetrics().height() + 4);
     window->statusBar()->addPermanentWidget(
         muted("Ctrl+1\u20134 map   F6 to and from it   Shift+\u2191\u2193 step   Ctrl+S, Ctrl+F block"));
