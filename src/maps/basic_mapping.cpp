@@ -139,6 +139,7 @@ void BasicMapping::open() {
     window_activated_ = true;
     exit_requested_ = false;
     update_again_ = false;
+    not_taken_ = 0;
     const int opening = ++opening_;
     loading_maps_ = true;
     allow_editing(false);
@@ -162,6 +163,7 @@ void BasicMapping::open() {
     form_.form.set_enabled(true);
     allow_editing(true);
     loading_maps_ = false;
+    form_.inj_map.set_focus();
     show_pending_count();
     link_.resume_polling(short_wait);
 }
@@ -299,6 +301,7 @@ void BasicMapping::update_changed_entries() {
 }
 
 void BasicMapping::write_pending(int opening) {
+    not_taken_ = 0;
     write_box(parameter("FUEL_MX"), form_.ecu_pgm[0], opening);
     write_box(parameter("FUEL_B"), form_.ecu_pgm[1], opening);
     write_box(parameter("TPS_RPM"), form_.tps_rpm, opening);
@@ -314,8 +317,10 @@ void BasicMapping::write_box(const calibration::Parameter& row, platform::TextBo
     const auto entry = calibration::raw_from_entry(row, box.text(), scales_);
     if (entry.refusal.empty()) {
         link_.send(calibration::write_message(row, 0, entry.raw), row.write.reply);
+        note_not_taken();
         note_pending();
     } else {
+        ++not_taken_;
         ports_.dialogs.say(entry.refusal);
     }
 }
@@ -329,8 +334,10 @@ void BasicMapping::write_map(std::size_t map, int opening) {
             const auto entry = calibration::raw_from_entry(row, text, scales_);
             if (entry.refusal.empty()) {
                 link_.write_cell(row.base + i, entry.raw);
+                note_not_taken();
                 note_pending();
             } else {
+                ++not_taken_;
                 ports_.dialogs.say(entry.refusal);
             }
         },
@@ -355,6 +362,12 @@ void BasicMapping::shade_behind_update() {
     }
 }
 
+void BasicMapping::note_not_taken() {
+    if (!state_.demo_mode && (state_.comm_aborted || !state_.comm_ready || !state_.reply_accepted)) {
+        ++not_taken_;
+    }
+}
+
 void BasicMapping::note_pending() {
     if (!count_posted_) {
         count_posted_ = true;
@@ -376,9 +389,17 @@ void BasicMapping::show_pending_count() {
     for (const platform::Grid* grid : form_.grids) {
         count += pending_cells(*grid);
     }
-    form_.map_status.set_text(count == 0   ? "No values pending"
-                              : count == 1 ? "1 value pending"
-                                           : std::to_string(count) + " values pending");
+    const auto values = [](int n) { return n == 1 ? "1 value" : std::to_string(n) + " values"; };
+    if (state_.comm_aborted) {
+        form_.map_status.set_text("Aborted: nothing is sent until a view is opened");
+    } else if (not_taken_ == 0) {
+        form_.map_status.set_text((count == 0 ? "No values" : values(count)) + " pending");
+    } else if (count == 0) { // the shading took their yellow
+        form_.map_status.set_text(values(not_taken_) + (not_taken_ == 1 ? " was" : " were") +
+                                  " not taken by the controller");
+    } else {
+        form_.map_status.set_text(values(count) + " pending, " + std::to_string(not_taken_) + " not taken");
+    }
 }
 
 void BasicMapping::shade(std::size_t map, float low, float high) {

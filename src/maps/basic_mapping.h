@@ -60,6 +60,7 @@ private:
     void cell_changed(std::size_t map, int row, int column);
     void reset_map(std::size_t map, std::string_view question);
     void move_markers();
+    void note_not_taken(); // after a value was sent
     void note_pending();
     void show_pending_count();
 
@@ -83,6 +84,7 @@ private:
     bool update_again_ = false; // asked for during an Update
     // Cells written during an Update since it passed them, by map and table index: still pending when it ends.
     std::array<std::array<bool, 256>, 4> behind_update_{};
+    int not_taken_ = 0; // values of the last Update that were refused or had no accepted reply
     // Any number of cell changes costs one drawing and one count, with the next events.
     bool redraw_posted_ = false;
     bool count_posted_ = false;

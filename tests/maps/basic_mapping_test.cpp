@@ -111,12 +111,32 @@ TEST_F(BasicMapping, RefusedValuesAreNamedOneByOneAndTheOthersStillGo) {
     EXPECT_TRUE(frm_3d.ecu_pgm[1].is_pending() && frm_3d.tps_rpm.is_pending());
     EXPECT_FALSE(frm_3d.inj_map.cell_pending(16, 1)); // the shading takes the yellow of a refused cell
     EXPECT_EQ(fuel(16, 1), "2.0");
+    EXPECT_EQ(frm_3d.map_status.text(), "3 values pending, 6 not taken");
 
     frm_3d.ecu_pgm[0].set_text("1");
     frm_3d.ecu_pgm[1].set_text("-27"); // 16384 - 16875
     frm_3d.tps_rpm.set_text("-5");
     desktop.expect_box("The value for the Fuel Offset is too negative, it will not be updated");
     EXPECT_THAT(update(), ElementsAre(Bytes{'m', 0x71, 0x02, 0}, Bytes{'z', 0, 0, 0}));
+}
+
+TEST_F(BasicMapping, StatusTellsOfValuesThatTheControllerDidNotTake) {
+    open();
+    frm_3d.inj_map.set_cell_text(16, 1, "2.0");
+    desktop.expect_box("it will not be updated");
+    update();
+    EXPECT_EQ(frm_3d.map_status.text(), "1 value was not taken by the controller");
+    frm_3d.inj_map.set_cell_text(16, 1, "1");
+    update();
+    EXPECT_EQ(frm_3d.map_status.text(), "No values pending");
+    controller.silence();
+    desktop.on_modal("frm_Dialog", [this](platform::Form&) {
+        console.forms.frm_dialog.dialog_button[2].press(); // Abort
+    });
+    frm_3d.inj_map.set_cell_text(16, 1, "1.5");
+    frm_3d.Command3d2.press();
+    desktop.run_for(1);
+    EXPECT_EQ(frm_3d.map_status.text(), "Aborted: nothing is sent until a view is opened");
 }
 
 TEST_F(BasicMapping, EnterInsideAnUpdateWalksOnceMoreAndBeforeTheMapsAreReadDoesNothing) {
