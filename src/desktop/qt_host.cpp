@@ -48,7 +48,7 @@ void QtHost::queue_activation(Form& form) {
         return;
     }
     QMetaObject::invokeMethod(
-        QApplication::instance(),
+        &queue_,
         [this, &form] {
             activating_.erase(&form);
             form.activate();

@@ -4,6 +4,8 @@
 
 #include "platform/form.h"
 
+#include <QObject>
+
 #include <functional>
 #include <memory>
 #include <set>
@@ -46,6 +48,7 @@ private:
     std::set<const platform::Form*> activating_;
     std::unordered_map<const platform::Form*, std::function<void()>> modal_ends_;
     std::set<const platform::Form*> waiting_pointer_;
+    QObject queue_; // what waits for the next events goes with the host
 };
 
 } // namespace ecu::desktop
