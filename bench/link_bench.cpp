@@ -3,11 +3,11 @@
 #include "bench/controller_process.h"
 #include "cli/terminal_desktop.h"
 #include "console/console.h"
-#include "desktop/adapters/qt_clock.h"
-#include "desktop/adapters/qt_datagram_socket.h"
-#include "desktop/adapters/qt_serial_port.h"
-#include "desktop/adapters/qt_timers.h"
-#include "desktop/adapters/qt_waiting.h"
+#include "adapters/qt_clock.h"
+#include "adapters/qt_datagram_socket.h"
+#include "adapters/qt_serial_port.h"
+#include "adapters/qt_timers.h"
+#include "adapters/qt_waiting.h"
 
 #include <QCoreApplication>
 
@@ -21,11 +21,11 @@ constexpr double byte_seconds = 10 / 38400.0;
 using Seconds = std::chrono::duration<double>;
 
 struct Rig {
-    ecu::desktop::QtClock clock;
-    ecu::desktop::QtWaiting waiting;
-    ecu::desktop::QtTimers timers;
-    ecu::desktop::QtSerialPorts serial_ports;
-    ecu::desktop::QtDatagramSockets sockets;
+    ecu::adapters::QtClock clock;
+    ecu::adapters::QtWaiting waiting;
+    ecu::adapters::QtTimers timers;
+    ecu::adapters::QtSerialPorts serial_ports;
+    ecu::adapters::QtDatagramSockets sockets;
     ecu::cli::TerminalDesktop terminal;
     ecu::console::Console console{{clock, waiting, timers, terminal, terminal, serial_ports, sockets}};
 
@@ -38,7 +38,7 @@ struct Rig {
         std::vector<double> times;
         for (int i = 0; i < transactions + 5; ++i) {
             const auto start = std::chrono::steady_clock::now();
-            console.comm.send_ecu_message({'A'}, 63);
+            console.comm.poll({'A'}, 63);
             times.push_back(Seconds(std::chrono::steady_clock::now() - start).count());
             if (!console.state.reply_accepted) {
                 throw std::runtime_error("a transaction got no answer");

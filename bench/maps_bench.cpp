@@ -3,7 +3,7 @@
 #include "bench/controller_process.h"
 #include "desktop/theme.h"
 #include "desktop/windows/desktop_console.h"
-#include "maps/editing_rules.h"
+#include "editing/editing_rules.h"
 #include "platform/display_mask.h"
 
 #include <QApplication>

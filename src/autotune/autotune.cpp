@@ -2,7 +2,7 @@
 
 #include "autotune/log_fields.h"
 #include "logging/log_file.h"
-#include "maps/editing_rules.h"
+#include "editing/editing_rules.h"
 #include "platform/display_mask.h"
 #include "platform/leading_number.h"
 #include "platform/rounding.h"
@@ -24,11 +24,11 @@ float number_of(std::string_view text) { return static_cast<float>(platform::lea
 bool is_skipped(std::string_view factor) { return factor.empty() || factor == "X" || factor == "x"; }
 
 void apply_factor(const platform::Grid& factors, platform::Grid& map, int n) {
-    const std::string& factor = maps::text_at(factors, n);
-    const float product = number_of(factor) * number_of(maps::text_at(map, n));
+    const std::string& factor = editing::text_at(factors, n);
+    const float product = number_of(factor) * number_of(editing::text_at(map, n));
     // A product beyond all numbers would read back as 0: no fuel.
     if (!is_skipped(factor) && std::isfinite(product)) {
-        maps::write_at(map, n, platform::masked(product, "0.000"));
+        editing::write_at(map, n, platform::masked(product, "0.000"));
     }
 }
 
@@ -150,8 +150,8 @@ void Autotune::size_grids() {
 }
 
 void Autotune::autotune_reset() {
-    maps::write_all(form_.autotune_inj_factors, "");
-    maps::write_all(form_.autotune_tps_factors, "");
+    editing::write_all(form_.autotune_inj_factors, "");
+    editing::write_all(form_.autotune_tps_factors, "");
     inj_point_count_.fill(0);
     tps_point_count_.fill(0);
     for (Samples* samples : {&inj_point_samples_, &tps_point_samples_}) {
@@ -162,8 +162,8 @@ void Autotune::autotune_reset() {
 }
 
 void Autotune::apply_to_maps() {
-    const maps::Repaint fuel(frm_3d_.inj_map);
-    const maps::Repaint tps(frm_3d_.TPS_map);
+    const editing::Repaint fuel(frm_3d_.inj_map);
+    const editing::Repaint tps(frm_3d_.TPS_map);
     for (int n = 0; n < cells; ++n) {
         apply_factor(form_.autotune_inj_factors, frm_3d_.inj_map, n);
         apply_factor(form_.autotune_tps_factors, frm_3d_.TPS_map, n);
@@ -177,8 +177,8 @@ bool Autotune::autotune_routine(LogRow& row) {
         }
     }
     row.ego_sp = 0.8F;
-    maps::write_at(form_.autotune_inj_factors, 0, "");
-    maps::write_at(form_.autotune_tps_factors, 0, "");
+    editing::write_at(form_.autotune_inj_factors, 0, "");
+    editing::write_at(form_.autotune_tps_factors, 0, "");
     return true;
 }
 

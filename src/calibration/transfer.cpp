@@ -374,9 +374,7 @@ bool Transfer::send(const link::Message& message, int reply, TransferResult& res
 }
 
 bool Transfer::ask(const link::Message& message, int reply) {
-    use_.state.reply_accepted = false;
-    use_.comm.send_ecu_message(message, reply);
-    return use_.state.reply_accepted;
+    return use_.comm.send_ecu_message(message, reply) == link::Outcome::accepted;
 }
 
 bool Transfer::other_cell_answered(const link::Message& message) const {

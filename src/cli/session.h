@@ -5,11 +5,11 @@
 #include "cli/options.h"
 #include "cli/terminal_desktop.h"
 #include "console/console.h"
-#include "desktop/adapters/qt_clock.h"
-#include "desktop/adapters/qt_datagram_socket.h"
-#include "desktop/adapters/qt_serial_port.h"
-#include "desktop/adapters/qt_timers.h"
-#include "desktop/adapters/qt_waiting.h"
+#include "adapters/qt_clock.h"
+#include "adapters/qt_datagram_socket.h"
+#include "adapters/qt_serial_port.h"
+#include "adapters/qt_timers.h"
+#include "adapters/qt_waiting.h"
 
 namespace ecu::cli {
 
@@ -27,7 +27,7 @@ public:
     // What a failed transaction means and what to do.
     Failure explain(const LinkFailed& failed) const;
 
-    void send(const messages::Command& command) { console.comm.send_ecu_message({command.code}, command.reply); }
+    void send(const messages::Command& command) { console.comm.poll({command.code}, command.reply); }
     // Sleeps while events are handled; ends early when the user ends the command.
     void sleep(double seconds);
 
@@ -36,11 +36,11 @@ private:
     void greet_server();
 
     Options options_;
-    desktop::QtClock clock_;
-    desktop::QtWaiting waiting_;
-    desktop::QtTimers timers_;
-    desktop::QtSerialPorts serial_ports_;
-    desktop::QtDatagramSockets sockets_;
+    adapters::QtClock clock_;
+    adapters::QtWaiting waiting_;
+    adapters::QtTimers timers_;
+    adapters::QtSerialPorts serial_ports_;
+    adapters::QtDatagramSockets sockets_;
 
 public:
     TerminalDesktop terminal;

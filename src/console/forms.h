@@ -13,7 +13,7 @@
 #include "maps/frm_3d_graph.h"
 #include "maps/frm_cellblock_modifier.h"
 #include "maps/frm_sup.h"
-#include "maps/frm_tool.h"
+#include "configuration/frm_tool.h"
 #include "shell/frm_about.h"
 #include "shell/frm_ecu.h"
 #include "views/frm_dashboard.h"
@@ -38,7 +38,7 @@ struct Forms {
     calibration::FrmWait frm_wait;
     views::FrmMon frm_mon;
     views::FrmDashboard frm_dashboard;
-    maps::FrmTool frm_tool;
+    configuration::FrmTool frm_tool;
     maps::Frm3d frm_3d;
     maps::Frm3dGraph frm_3d_graph;
     maps::FrmCellblockModifier frm_cellblock_modifier;

@@ -59,19 +59,15 @@ EcuComm::EcuComm(const platform::Ports& ports, SharedState& state, platform::Ser
 // Everything that one transaction works on is on its own stack, so that a transaction started by an event inside
 // this one's waits takes bytes from it at worst: both then try again, up to their ten times. A pile of them, as a
 // key held down on a dead link makes, is cut off before it can fill the stack.
-void EcuComm::send_ecu_message(const Message& message, std::int16_t& expected_length) {
-    if (state_.comm_aborted || state_.demo_mode || !state_.comm_ready) {
-        return;
-    }
-    if (depth_ >= deepest_nesting) {
+Outcome EcuComm::send_ecu_message(const Message& message, int expected_length) {
+    if (state_.comm_aborted || state_.demo_mode || !state_.comm_ready || depth_ >= deepest_nesting) {
         state_.reply_accepted = false;
-        return;
+        return Outcome::not_sent;
     }
     const Nesting nesting(depth_);
     drain_input();
     const Request frame = build_request(message);
-    expected_length = static_cast<std::int16_t>(expected_length + static_cast<int>(checksum_size));
-    const std::int16_t wanted_count = expected_length;
+    const int wanted_count = expected_length + static_cast<int>(checksum_size);
     std::size_t last_count = 0;
     for (int tries = 0; tries < tries_before_dialog;) {
         ports_.waiting.process_events();
@@ -83,7 +79,7 @@ void EcuComm::send_ecu_message(const Message& message, std::int16_t& expected_le
         // Set here once more, because a transaction inside the waits leaves its own outcome in the shared flag.
         state_.reply_accepted = receive_ecu_reply();
         if (state_.reply_accepted) {
-            return;
+            return Outcome::accepted;
         }
         if (++tries >= first_try_shown) {
             retries_.write_retries(std::to_string(tries));
@@ -94,6 +90,7 @@ void EcuComm::send_ecu_message(const Message& message, std::int16_t& expected_le
     if (!state_.demo_mode) {
         ask_after_failure();
     }
+    return Outcome::unanswered;
 }
 
 // What came too late for an earlier message must not stand before this one's reply.

@@ -21,6 +21,9 @@ using Message = std::vector<std::uint8_t>;
 // Called with the reply and its payload_count, the frame's length without the two checksum bytes.
 using Decoder = std::function<void(const Reply& reply, int payload_count)>;
 
+// What became of a message: a decoder took its reply; ten tries went without; it was never let through.
+enum class Outcome : std::uint8_t { accepted, unanswered, not_sent };
+
 struct FrmDialog;
 struct FrmRetries;
 
@@ -33,14 +36,13 @@ public:
 
     void set_decoders(std::array<Decoder, 3> decoders) { decoders_ = std::move(decoders); }
 
-    // `expected_length` is the reply's length without its checksum bytes; it is raised by 2 once the message is
-    // let through, and stays raised for the caller. Returns at once in demo mode, after "Abort", and before the
-    // link is open. Success is SharedState::reply_accepted. May be called again from an event handled inside its
-    // own waits; the 16th of such a pile of messages is dropped.
-    void send_ecu_message(const Message& message, std::int16_t& expected_length);
-    void send_ecu_message(const Message& message, int expected_length) {
-        auto length = static_cast<std::int16_t>(expected_length);
-        send_ecu_message(message, length);
+    // `expected_length` is the reply's length without its checksum bytes. Not sent in demo mode, after "Abort", and
+    // before the link is open. May be called again from an event handled inside its own waits; the 16th of such a pile
+    // of messages is dropped. SharedState::reply_accepted tells the same as the result: true for `accepted`.
+    [[nodiscard]] Outcome send_ecu_message(const Message& message, int expected_length);
+    // For what only its stored reply is wanted of, and what is asked again by itself.
+    void poll(const Message& message, int expected_length) {
+        static_cast<void>(send_ecu_message(message, expected_length));
     }
     // True while a transaction runs, also for an event handled inside its waits.
     bool busy() const { return depth_ > 0; }

@@ -77,7 +77,7 @@ void Plotter::activate() {
     form_.Command3d2.set_enabled(!logging_active_);
     show_interval();
     ports_.wait_seconds(0.5F);
-    comm_.send_ecu_message(calibration::read_message(limits), limits.reply);
+    comm_.poll(calibration::read_message(limits), limits.reply);
     for (std::size_t i = 0; i < channel_count; ++i) {
         platform::StripChart::Channel channel = form_.Strip1.channels()[i];
         channel.colour = form_.Check3d1[i].fore_colour().value_or(chart_channels[i].colour);

@@ -4,7 +4,7 @@
 
 #include "calibration/parameters.h"
 #include "calibration/scales.h"
-#include "maps/editing_rules.h"
+#include "editing/editing_rules.h"
 #include "maps/frm_3d.h"
 #include "maps/shading.h"
 #include "maps/surface_window.h"
@@ -14,6 +14,8 @@
 #include <memory>
 
 namespace ecu::maps {
+
+using namespace editing; // what all windows of maps are made of
 
 class BasicMapping {
 public:

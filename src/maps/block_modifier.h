@@ -3,13 +3,15 @@
 #pragma once
 
 #include "link/shared_state.h"
-#include "maps/editing_rules.h"
+#include "editing/editing_rules.h"
 #include "maps/frm_cellblock_modifier.h"
 #include "platform/ports.h"
 
 #include <array>
 
 namespace ecu::maps {
+
+using namespace editing; // what all windows of maps are made of
 
 struct BlockTable {
     int id;

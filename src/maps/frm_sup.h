@@ -3,7 +3,7 @@
 // foreground of its option 0, the boost flags by that of boost_ctrl_invert.
 #pragma once
 
-#include "maps/numbered_arrays.h"
+#include "platform/numbered_arrays.h"
 #include "platform/form.h"
 #include "platform/grid.h"
 
@@ -46,7 +46,7 @@ struct FrmSup {
 
     // gpo_0_mode to gpo_3_mode, "Mapping Input Source"
     std::array<platform::ControlArray<platform::OptionButton, 11>, 4> gpo_mode =
-        numbered_arrays<4, platform::OptionButton, 11>(form, "gpo_", "_mode", mode_captions);
+        platform::numbered_arrays<4, platform::OptionButton, 11>(form, "gpo_", "_mode", mode_captions);
     Checks dont_interpolate{form, "dont_interpolate", "Dont Interplolate"};
     Boxes cool_rly_temp{form, "cool_rly_temp"};
     Boxes rpm_switch{form, "rpm_switch"};
@@ -66,10 +66,10 @@ struct FrmSup {
     Checks use_as_pwm{form, "use_as_pwm", "Use open loop as PWM"};
 
     // Axis labels: GPO_0_X_lbl to GPO_3_X_lbl and so on, nine each, and the axis titles
-    Axes GPO_X_lbl = numbered_arrays<4, platform::Label, 9>(form, "GPO_", "_X_lbl");
-    Axes GPO_Y_lbl = numbered_arrays<4, platform::Label, 9>(form, "GPO_", "_Y_lbl");
-    Axes GPO_boost_X_lbl = numbered_arrays<4, platform::Label, 9>(form, "GPO_boost_X_lbl_");
-    Axes GPO_boost_Y_lbl = numbered_arrays<4, platform::Label, 9>(form, "GPO_boost_Y_lbl_");
+    Axes GPO_X_lbl = platform::numbered_arrays<4, platform::Label, 9>(form, "GPO_", "_X_lbl");
+    Axes GPO_Y_lbl = platform::numbered_arrays<4, platform::Label, 9>(form, "GPO_", "_Y_lbl");
+    Axes GPO_boost_X_lbl = platform::numbered_arrays<4, platform::Label, 9>(form, "GPO_boost_X_lbl_");
+    Axes GPO_boost_Y_lbl = platform::numbered_arrays<4, platform::Label, 9>(form, "GPO_boost_Y_lbl_");
     Titles gpo_x_text{form, "gpo_x_text"};
     Titles gpo_y_text{form, "gpo_y_text"};
     Titles boost_x_text{form, "boost_x_text", "RPM"};

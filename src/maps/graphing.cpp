@@ -1,11 +1,13 @@
 #include "maps/graphing.h"
 
-#include "maps/editing_rules.h"
+#include "editing/editing_rules.h"
 #include "platform/display_mask.h"
 
 #include <algorithm>
 
 namespace ecu::maps {
+
+using namespace editing;
 
 using platform::Colour;
 using platform::Picture;

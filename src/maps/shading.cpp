@@ -1,8 +1,10 @@
 #include "maps/shading.h"
 
-#include "maps/editing_rules.h"
+#include "editing/editing_rules.h"
 
 namespace ecu::maps {
+
+using namespace editing;
 
 namespace {
 

@@ -29,7 +29,7 @@ void About::activate() {
     ports_.wait_seconds(a_moment);
     for (const messages::Command& question : {messages::firmware_revision, messages::serial_number}) {
         if (form_.form.visible()) { // not if the user left during the first
-            comm_.send_ecu_message({question.code}, question.reply);
+            comm_.poll({question.code}, question.reply);
         }
     }
     if (state_.demo_mode) { // nothing was sent, or the user gave up waiting

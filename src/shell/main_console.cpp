@@ -143,7 +143,7 @@ void MainConsole::choose_port(std::size_t index) {
 
 void MainConsole::reset_controller() {
     use_.link_selection.open_comm_link();
-    use_.comm.send_ecu_message({restart.code, messages::restart_now, 0, 0}, restart.reply);
+    use_.comm.poll({restart.code, messages::restart_now, 0, 0}, restart.reply);
 }
 
 void MainConsole::prepare_to_reflash() {
@@ -154,7 +154,7 @@ void MainConsole::prepare_to_reflash() {
     use_.link_selection.open_comm_link();
     if (answer == platform::Answer::ok) {
         use_.state.reset_comm_watch = true;
-        use_.comm.send_ecu_message({restart.code, messages::restart_for_flash, 0, 0}, restart.reply);
+        use_.comm.poll({restart.code, messages::restart_for_flash, 0, 0}, restart.reply);
     }
     // The flash utility takes the port for itself, whatever the answer was.
     use_.state.comm_ready = false;

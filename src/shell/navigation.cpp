@@ -69,7 +69,7 @@ void Navigation::open(View view) {
             return;
         }
         if (needs_scales(view)) {
-            comm_.send_ecu_message({messages::scales_block.code}, messages::scales_block.reply);
+            comm_.poll({messages::scales_block.code}, messages::scales_block.reply);
         }
         if (!state_.comm_ready) { // the link was given up inside the retries
             return;

@@ -115,7 +115,7 @@ void Polling::show_demo_mode() {
 void Polling::first_tick() {
     if (use_.state.comm_ready) {
         use_.state.first_tick_pending = false;
-        use_.comm.send_ecu_message({messages::scales_block.code}, messages::scales_block.reply);
+        use_.comm.poll({messages::scales_block.code}, messages::scales_block.reply);
         if (use_.state.demo_mode) {
             use_.scales.full_scale_rpm = demo_tachometer_rpm;
             const float red_line = red_line_share * demo_tachometer_rpm / 1000;
@@ -210,7 +210,7 @@ bool Polling::poll(View view, std::span<const messages::Command> questions) {
 }
 
 void Polling::ask(const messages::Command& question) {
-    use_.comm.send_ecu_message({question.code}, question.reply);
+    use_.comm.poll({question.code}, question.reply);
     use_.ports.waiting.process_events();
 }
 
@@ -229,7 +229,7 @@ void Polling::timer3_tick() {
         return;
     }
     const messages::Command& question = rotation[static_cast<std::size_t>(plotter_poll_step_)];
-    use_.comm.send_ecu_message({question.code}, question.reply);
+    use_.comm.poll({question.code}, question.reply);
     if (plot_and_log_sample) {
         plot_and_log_sample();
     }

@@ -112,12 +112,12 @@ void Dashboard::wire() {
     }
     form_.kill_timing.clicked = [this] {
         const std::uint8_t timing = form_.kill_timing.checked() ? timing_to_zero : timing_as_mapped;
-        comm_.send_ecu_message({messages::session_latch.code, timing, 0, 0}, messages::session_latch.reply);
+        comm_.poll({messages::session_latch.code, timing, 0, 0}, messages::session_latch.reply);
     };
     form_.kill_ego.clicked = [this] {
         const messages::Command& command =
             form_.kill_ego.checked() ? messages::oxygen_control_off : messages::oxygen_control_on;
-        comm_.send_ecu_message({command.code}, command.reply);
+        comm_.poll({command.code}, command.reply);
     };
     for (std::size_t i = 0; i < form_.menu_opts_tach_filt_num.size(); ++i) {
         form_.menu_opts_tach_filt_num[i].clicked = [this, i] { filter_tachometer(i); };
@@ -167,7 +167,7 @@ void Dashboard::ask_controller() {
     ports_.waiting.process_events();
     ports_.wait_seconds(0.2F);
     for (const calibration::ReadRequest& request : opening_reads) {
-        comm_.send_ecu_message(calibration::read_message(request), request.reply);
+        comm_.poll(calibration::read_message(request), request.reply);
     }
     state_.polling_paused = false;
 }
@@ -246,7 +246,7 @@ void Dashboard::send_trim(const Trim& trim) {
         ports_.dialogs.say(entry.refusal);
         return;
     }
-    comm_.send_ecu_message(calibration::write_message(row, 0, entry.raw), row.write.reply);
+    comm_.poll(calibration::write_message(row, 0, entry.raw), row.write.reply);
     if (&box != &form_.base_offset_deg) { // that one waits for the echo
         box.set_back_colour(platform::confirmed);
     }

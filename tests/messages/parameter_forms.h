@@ -15,7 +15,7 @@ struct ParameterBench {
     calibration::CalibrationImage image{scales};
     console::Forms all{desktop};
     platform::FormRegistry& forms = all.registry;
-    maps::FrmTool& tool = all.frm_tool;
+    configuration::FrmTool& tool = all.frm_tool;
     maps::Frm2d& corrections = all.frm_2d;
     maps::Frm3d& mapping = all.frm_3d;
     maps::FrmSup& outputs = all.frm_sup;

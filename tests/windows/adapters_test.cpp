@@ -1,8 +1,8 @@
-#include "desktop/adapters/qt_clock.h"
-#include "desktop/adapters/qt_datagram_socket.h"
-#include "desktop/adapters/qt_serial_port.h"
-#include "desktop/adapters/qt_timers.h"
-#include "desktop/adapters/qt_waiting.h"
+#include "adapters/qt_clock.h"
+#include "adapters/qt_datagram_socket.h"
+#include "adapters/qt_serial_port.h"
+#include "adapters/qt_timers.h"
+#include "adapters/qt_waiting.h"
 
 #include <QElapsedTimer>
 #include <QSocketNotifier>
@@ -16,7 +16,7 @@
 #include <string>
 #include <unistd.h>
 
-namespace ecu::desktop {
+namespace ecu::adapters {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
@@ -205,4 +205,4 @@ TEST(QtDatagramSocket, reads_datagrams_as_a_stream_and_one_by_one) {
 }
 
 } // namespace
-} // namespace ecu::desktop
+} // namespace ecu::adapters

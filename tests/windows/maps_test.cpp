@@ -2,7 +2,7 @@
 #include "desktop/grid_view.h"
 #include "desktop/windows/desktop_console.h"
 #include "desktop/windows/windows.h"
-#include "maps/editing_rules.h"
+#include "editing/editing_rules.h"
 #include "maps/frm_cellblock_modifier.h"
 #include "maps/graphing.h"
 #include "maps/shading.h"

@@ -1,5 +1,5 @@
 #include "calibration/frm_wait.h"
-#include "desktop/adapters/qt_timers.h"
+#include "adapters/qt_timers.h"
 #include "desktop/windows/windows.h"
 #include "link/frm_dialog.h"
 #include "link/frm_retries.h"
@@ -108,7 +108,7 @@ TEST(Windows, main_window_has_its_buttons_menus_and_link_state) {
 
 TEST(Windows, small_windows_are_complete) {
     QtHost host;
-    QtTimers timers;
+    adapters::QtTimers timers;
     link::FrmDialog dialog;
     link::FrmRetries retries(timers);
     shell::FrmAbout about;

@@ -1,13 +1,13 @@
 // The console on a Qt desktop: the machine's ports, the console, and a window for each of its forms.
 #pragma once
 
+#include "adapters/qt_clock.h"
+#include "adapters/qt_datagram_socket.h"
+#include "adapters/qt_program.h"
+#include "adapters/qt_serial_port.h"
+#include "adapters/qt_timers.h"
+#include "adapters/qt_waiting.h"
 #include "console/console.h"
-#include "desktop/adapters/qt_clock.h"
-#include "desktop/adapters/qt_datagram_socket.h"
-#include "desktop/adapters/qt_program.h"
-#include "desktop/adapters/qt_serial_port.h"
-#include "desktop/adapters/qt_timers.h"
-#include "desktop/adapters/qt_waiting.h"
 #include "desktop/qt_dialogs.h"
 #include "desktop/qt_host.h"
 
@@ -27,13 +27,13 @@ public:
 private:
     void add_windows();
 
-    QtClock clock_;
-    QtWaiting waiting_;
-    QtTimers timers_;
+    adapters::QtClock clock_;
+    adapters::QtWaiting waiting_;
+    adapters::QtTimers timers_;
     QtDialogs dialogs_;
-    QtProgram program_;
-    QtSerialPorts serial_ports_;
-    QtDatagramSockets datagram_sockets_;
+    adapters::QtProgram program_;
+    adapters::QtSerialPorts serial_ports_;
+    adapters::QtDatagramSockets datagram_sockets_;
     console::Console console_;
     QtHost host_; // goes before the forms that its windows show
 };

@@ -4,7 +4,7 @@
 
 #include "platform/waiting.h"
 
-namespace ecu::desktop {
+namespace ecu::adapters {
 
 class QtWaiting final : public platform::Waiting {
 public:
@@ -12,4 +12,4 @@ public:
     void wait_for_events(float seconds) override;
 };
 
-} // namespace ecu::desktop
+} // namespace ecu::adapters

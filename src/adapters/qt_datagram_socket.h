@@ -4,11 +4,11 @@
 
 #include "platform/datagram_socket.h"
 
-namespace ecu::desktop {
+namespace ecu::adapters {
 
 class QtDatagramSockets final : public platform::DatagramSockets {
 public:
     std::unique_ptr<platform::DatagramSocket> make_datagram_socket() override;
 };
 
-} // namespace ecu::desktop
+} // namespace ecu::adapters

@@ -7,7 +7,7 @@
 
 #include "platform/serial_port.h"
 
-namespace ecu::desktop {
+namespace ecu::adapters {
 
 class QtSerialPorts final : public platform::SerialPorts {
 public:
@@ -17,4 +17,4 @@ public:
 // The device that a port number stands for, or an empty text.
 std::string device_of_port(int number);
 
-} // namespace ecu::desktop
+} // namespace ecu::adapters

@@ -1,11 +1,11 @@
-#include "desktop/adapters/qt_timers.h"
+#include "adapters/qt_timers.h"
 
 #include <QCoreApplication>
 #include <QTimer>
 
 #include <utility>
 
-namespace ecu::desktop {
+namespace ecu::adapters {
 
 namespace {
 
@@ -45,4 +45,4 @@ void QtTimers::post(std::function<void()> action) {
     QMetaObject::invokeMethod(QCoreApplication::instance(), std::move(action), Qt::QueuedConnection);
 }
 
-} // namespace ecu::desktop
+} // namespace ecu::adapters

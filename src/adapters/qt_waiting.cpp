@@ -1,4 +1,4 @@
-#include "desktop/adapters/qt_waiting.h"
+#include "adapters/qt_waiting.h"
 
 #include <QCoreApplication>
 #include <QTimer>
@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace ecu::desktop {
+namespace ecu::adapters {
 
 void QtWaiting::process_events() { QCoreApplication::processEvents(QEventLoop::AllEvents); }
 
@@ -19,4 +19,4 @@ void QtWaiting::wait_for_events(float seconds) {
     QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
 }
 
-} // namespace ecu::desktop
+} // namespace ecu::adapters

@@ -3,10 +3,10 @@
 // background, check boxes and options by their foreground, the phase boxes by the tag of their array's first box.
 #pragma once
 
-#include "maps/numbered_arrays.h"
+#include "platform/numbered_arrays.h"
 #include "platform/form.h"
 
-namespace ecu::maps {
+namespace ecu::configuration {
 
 struct FrmTool {
     template <std::size_t N> using TextBoxes = platform::ControlArray<platform::TextBox, N>;
@@ -99,9 +99,9 @@ struct FrmTool {
 
     // Phase Setup: inj_ph_0 to inj_ph_15 and ign_ph_0 to ign_ph_15, box b is driver b + 1 of the phase
     std::array<CheckBoxes<8>, 16> inj_ph =
-        numbered_arrays<16, platform::CheckBox, 8>(form, "inj_ph_", "", driver_captions);
+        platform::numbered_arrays<16, platform::CheckBox, 8>(form, "inj_ph_", "", driver_captions);
     std::array<CheckBoxes<8>, 16> ign_ph =
-        numbered_arrays<16, platform::CheckBox, 8>(form, "ign_ph_", "", driver_captions);
+        platform::numbered_arrays<16, platform::CheckBox, 8>(form, "ign_ph_", "", driver_captions);
     CheckBoxes<16> ph_used{form, "ph_used", phase_captions};
     TextBoxes<16> ph_base_deg{form, "ph_base_deg"};
     CheckBoxes<16> tach_ph{form, "tach_ph", phase_captions};
@@ -222,4 +222,4 @@ struct FrmTool {
     }
 };
 
-} // namespace ecu::maps
+} // namespace ecu::configuration

@@ -1,9 +1,9 @@
-#include "desktop/adapters/qt_program.h"
+#include "adapters/qt_program.h"
 
 #include <cstdio>
 #include <cstdlib>
 
-namespace ecu::desktop {
+namespace ecu::adapters {
 
 void QtProgram::end(int status) {
     if (before_end) {
@@ -13,4 +13,4 @@ void QtProgram::end(int status) {
     std::_Exit(status);
 }
 
-} // namespace ecu::desktop
+} // namespace ecu::adapters

@@ -1,8 +1,8 @@
-#include "desktop/adapters/qt_clock.h"
+#include "adapters/qt_clock.h"
 
 #include <QDateTime>
 
-namespace ecu::desktop {
+namespace ecu::adapters {
 
 namespace {
 
@@ -26,4 +26,4 @@ std::string QtClock::date_text() const { return QDate::currentDate().toString("M
 
 std::string QtClock::time_text() const { return QTime::currentTime().toString("HH:mm:ss").toStdString(); }
 
-} // namespace ecu::desktop
+} // namespace ecu::adapters

@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-namespace ecu::desktop {
+namespace ecu::adapters {
 
 class QtClock final : public platform::Clock {
 public:
@@ -18,4 +18,4 @@ private:
     mutable std::int64_t utc_offset_ms_ = 0;
 };
 
-} // namespace ecu::desktop
+} // namespace ecu::adapters

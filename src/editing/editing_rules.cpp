@@ -1,11 +1,11 @@
-#include "maps/editing_rules.h"
+#include "editing/editing_rules.h"
 
 #include "platform/display_mask.h"
 
 #include <algorithm>
 #include <tuple>
 
-namespace ecu::maps {
+namespace ecu::editing {
 
 using platform::Grid;
 using platform::KeyPress;
@@ -207,4 +207,4 @@ bool EditorLink::read_blocks(const calibration::BlockRead& block, int address, i
     return true;
 }
 
-} // namespace ecu::maps
+} // namespace ecu::editing

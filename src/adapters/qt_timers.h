@@ -3,7 +3,7 @@
 
 #include "platform/timers.h"
 
-namespace ecu::desktop {
+namespace ecu::adapters {
 
 class QtTimers final : public platform::Timers {
 public:
@@ -11,4 +11,4 @@ public:
     void post(std::function<void()> action) override;
 };
 
-} // namespace ecu::desktop
+} // namespace ecu::adapters

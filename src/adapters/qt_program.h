@@ -5,7 +5,7 @@
 
 #include <functional>
 
-namespace ecu::desktop {
+namespace ecu::adapters {
 
 class QtProgram final : public platform::Program {
 public:
@@ -14,4 +14,4 @@ public:
     std::function<void()> before_end;
 };
 
-} // namespace ecu::desktop
+} // namespace ecu::adapters

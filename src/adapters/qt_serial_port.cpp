@@ -1,4 +1,4 @@
-#include "desktop/adapters/qt_serial_port.h"
+#include "adapters/qt_serial_port.h"
 
 #include <QDeadlineTimer>
 #include <QFileInfo>
@@ -14,7 +14,7 @@
 #include <sys/ioctl.h>
 #endif
 
-namespace ecu::desktop {
+namespace ecu::adapters {
 
 namespace {
 
@@ -183,4 +183,4 @@ std::string device_of_port(int number) {
 
 std::unique_ptr<platform::SerialPort> QtSerialPorts::make_serial_port() { return std::make_unique<QtSerialPort>(); }
 
-} // namespace ecu::desktop
+} // namespace ecu::adapters

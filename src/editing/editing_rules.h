@@ -14,7 +14,7 @@
 #include <string>
 #include <string_view>
 
-namespace ecu::maps {
+namespace ecu::editing {
 
 // Grid cell of a table index.
 int row_of(const platform::Grid& grid, int index);
@@ -111,7 +111,7 @@ public:
 
     void pause_polling(float seconds);
     void resume_polling(float seconds);
-    void send(const link::Message& message, int expected_length) { comm_.send_ecu_message(message, expected_length); }
+    void send(const link::Message& message, int expected_length) { comm_.poll(message, expected_length); }
     void write_cell(int address, int raw);
     // Reads `count` blocks from `address` upward. Before block k it calls progress(k); after each it looks at the
     // link and at stop(), and gives up with false.
@@ -124,4 +124,4 @@ private:
     link::EcuComm& comm_;
 };
 
-} // namespace ecu::maps
+} // namespace ecu::editing

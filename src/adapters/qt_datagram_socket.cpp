@@ -1,4 +1,4 @@
-#include "desktop/adapters/qt_datagram_socket.h"
+#include "adapters/qt_datagram_socket.h"
 
 #include <QHostInfo>
 #include <QNetworkDatagram>
@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <deque>
 
-namespace ecu::desktop {
+namespace ecu::adapters {
 
 namespace {
 
@@ -129,4 +129,4 @@ std::unique_ptr<platform::DatagramSocket> QtDatagramSockets::make_datagram_socke
     return std::make_unique<QtDatagramSocket>();
 }
 
-} // namespace ecu::desktop
+} // namespace ecu::adapters
