@@ -52,8 +52,7 @@ void Console::wire() {
     polling.on_refresh(View::basic_mapping, [this] { basic_mapping.refresh_live(); });
     polling.on_refresh(View::none, [this] { main_console.show_link_state(); });
     polling.plot_and_log_sample = [this] { plotter.plot_and_log_sample(); };
-    monitor.wire_menu();
-    basic_mapping.wire_menus();
+    navigation.wire_menus();
     transfer.close_files = [this] {
         if (plotter.logging_active()) {
             plotter.stop_logging();

@@ -59,14 +59,6 @@ void Plotter::wire() {
     for (std::size_t i = 0; i < intervals_ms.size(); ++i) {
         form_.menu_log_int[i].clicked = [this, i] { set_interval(i); };
     }
-    using link::ViewRequest;
-    navigation_.wire_menu(form_.menu_mon, ViewRequest::monitor, form_.form);
-    navigation_.wire_menu(form_.menu_dash, ViewRequest::dashboard, form_.form);
-    navigation_.wire_menu(form_.menu_tools, ViewRequest::configuration, form_.form);
-    navigation_.wire_menu(form_.menu_3d, ViewRequest::basic_mapping, form_.form);
-    navigation_.wire_menu(form_.menu_2d, ViewRequest::additional_mapping, form_.form);
-    navigation_.wire_menu(form_.menu_sup, ViewRequest::gpo_mapping, form_.form);
-    navigation_.wire_menu(form_.menu_diag, ViewRequest::diagnostics, form_.form);
 }
 
 void Plotter::activate() {

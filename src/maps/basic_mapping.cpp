@@ -9,7 +9,6 @@ namespace ecu::maps {
 
 using calibration::parameter;
 using calibration::table;
-using link::ViewRequest;
 using platform::KeyPress;
 using platform::masked;
 using platform::round_to_even;
@@ -92,16 +91,6 @@ BasicMapping::BasicMapping(const platform::Ports& ports, link::SharedState& stat
                   [this] { form_.Command3d2.press(); });
         form_.grids[n]->cell_changed = [this, n](int row, int column) { cell_changed(n, row, column); };
     }
-}
-
-void BasicMapping::wire_menus() {
-    navigation_.wire_menu(form_.menu_mon, ViewRequest::monitor, form_.form);
-    navigation_.wire_menu(form_.menu_dash, ViewRequest::dashboard, form_.form);
-    navigation_.wire_menu(form_.menu_tools, ViewRequest::configuration, form_.form);
-    navigation_.wire_menu(form_.menu_2d, ViewRequest::additional_mapping, form_.form);
-    navigation_.wire_menu(form_.menu_sup, ViewRequest::gpo_mapping, form_.form);
-    navigation_.wire_menu(form_.menu_plot, ViewRequest::plotter, form_.form);
-    navigation_.wire_menu(form_.menu_diag, ViewRequest::diagnostics, form_.form);
 }
 
 void BasicMapping::wire_boxes() {

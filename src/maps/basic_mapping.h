@@ -25,9 +25,6 @@ public:
                  const platform::CheckBox& TPS_mapped, shell::Navigation& navigation, BlockSelection& selection,
                  SurfaceWindow& surface_window, MapCellColours& map_cell_colours);
 
-    // Makes the menu lead to the other views; to be called when all views are known to the navigation.
-    void wire_menus();
-
     void clear_all_entries();
     void label_map_axis(int index);
     void shade_fuel_map(float low, float high) { shade(0, low, high); }

@@ -125,14 +125,6 @@ void Dashboard::wire() {
     for (std::size_t i = 0; i < form_.menu_view_gpo.size(); ++i) {
         form_.menu_view_gpo[i].clicked = [this, i] { view_gpo(i); };
     }
-    using link::ViewRequest;
-    navigation_.wire_menu(form_.menu_mon, ViewRequest::monitor, form_.form);
-    navigation_.wire_menu(form_.menu_tools, ViewRequest::configuration, form_.form);
-    navigation_.wire_menu(form_.menu_3d, ViewRequest::basic_mapping, form_.form);
-    navigation_.wire_menu(form_.menu_2d, ViewRequest::additional_mapping, form_.form);
-    navigation_.wire_menu(form_.menu_sup, ViewRequest::gpo_mapping, form_.form);
-    navigation_.wire_menu(form_.menu_diag, ViewRequest::diagnostics, form_.form);
-    navigation_.wire_menu(form_.menu_plot, ViewRequest::plotter, form_.form);
 }
 
 void Dashboard::activate() {

@@ -39,17 +39,6 @@ Monitor::Monitor(const platform::Ports& ports, link::SharedState& state, message
     polling.on_refresh(link::View::monitor, [this] { refresh_monitor_strings(); });
 }
 
-void Monitor::wire_menu() {
-    using link::ViewRequest;
-    navigation_.wire_menu(form_.menu_dash, ViewRequest::dashboard, form_.form);
-    navigation_.wire_menu(form_.menu_tools, ViewRequest::configuration, form_.form);
-    navigation_.wire_menu(form_.menu_3d, ViewRequest::basic_mapping, form_.form);
-    navigation_.wire_menu(form_.menu_2d, ViewRequest::additional_mapping, form_.form);
-    navigation_.wire_menu(form_.menu_sup, ViewRequest::gpo_mapping, form_.form);
-    navigation_.wire_menu(form_.menu_plot, ViewRequest::plotter, form_.form);
-    navigation_.wire_menu(form_.menu_diag, ViewRequest::diagnostics, form_.form);
-}
-
 void Monitor::activate() {
     state_.last_activity_time = ports_.now();
     form_.form.set_caption("Real Time Monitor" + state_.link_title_suffix);
