@@ -33,7 +33,7 @@ Plotter::Plotter(const platform::Ports& ports, link::SharedState& state, link::E
         const ChartChannel& channel = chart_channels[i];
         form_.Strip1.set_channel(i, {.colour = channel.colour,
                                      .caption = std::string(channel.caption),
-                                     .unit = std::string(channel.unit),
+                                     .unit = std::string(channel.field->unit),
                                      .offset = channel.offset,
                                      .span = channel.span,
                                      .decimals = channel.decimals});
@@ -191,29 +191,13 @@ std::array<float, channel_count> Plotter::fractions() const {
     const auto shown = [](const platform::Label& label) {
         return static_cast<float>(platform::leading_number(label.text()));
     };
-    std::array<float, channel_count> values{
-        static_cast<float>(live_.engine_rpm_raw),
-        live_.lambda,
-        live_.coolant_temp,
-        live_.throttle_percent,
-        live_.manifold_kpa,
-        live_.air_temp,
-        live_.injector_pw * 1000.0F,
-        live_.ego_correction,
-        live_.ignition_timing,
-        shown(monitor_.inj_duty),
-        shown(monitor_.ign_duty),
-        shown(monitor_.wheel_idx_num),
-        live_.gpo_duty[0],
-        live_.gpo_duty[1],
-        live_.gpo_duty[2],
-        live_.gpo_duty[3],
-        static_cast<float>(live_.wb_feedback),
-        static_cast<float>(live_.wb_pump_current),
-        static_cast<float>(live_.wb_pump_dac),
-        static_cast<float>(live_.wb_heater_temp),
-        static_cast<float>(live_.wb_heater_pw),
-    };
+    std::array<float, channel_count> values{};
+    std::ranges::transform(chart_channels, values.begin(),
+                           [this](const ChartChannel& channel) { return channel.field->value(live_); });
+    // These three stand still with their labels, which another view may have frozen.
+    values[injector_duty_channel] = shown(monitor_.inj_duty);
+    values[ignition_duty_channel] = shown(monitor_.ign_duty);
+    values[wheel_channel] = shown(monitor_.wheel_idx_num);
     for (std::size_t i = 0; i < channel_count; ++i) {
         const platform::StripChart::Channel& channel = form_.Strip1.channels()[i];
         values[i] = channel.span == 0 ? 0 : (values[i] - channel.offset) / channel.span;
