@@ -96,11 +96,13 @@ StripChartWidget::StripChartWidget(StripChart& chart)
     style();
     chart_.on_sample = [this](const StripChart::Sample& sample) { take(sample); };
     chart_.on_stamp = [this](const StripChart::Stamp& given) { stamp(given); };
+    chart_.save_picture = [this](const std::string& path) { return save_png(qt(path)); };
 }
 
 StripChartWidget::~StripChartWidget() {
     chart_.on_sample = nullptr;
     chart_.on_stamp = nullptr;
+    chart_.save_picture = nullptr;
 }
 
 // -- What comes in
@@ -138,6 +140,8 @@ void StripChartWidget::refresh(Property) {
         }
     }
     window_.set_model_seconds(chart_.seconds_shown());
+    hint_->setText(qt(chart_.hint()));
+    hint_->setVisible(!chart_.hint().empty());
     tell_view();
     drawn_as_ = chart_.channels();
     for (std::size_t i = 0; i < drawn_as_.size(); ++i) {
@@ -145,12 +149,6 @@ void StripChartWidget::refresh(Property) {
         line->setPen(QPen(theme::to_qt(drawn_as_[i].colour), 1.0));
         line->setVisible(drawn_as_[i].enabled);
     }
-    schedule_picture();
-}
-
-void StripChartWidget::set_hint(const QString& text) {
-    hint_->setText(text);
-    hint_->setVisible(!text.isEmpty());
     schedule_picture();
 }
 

@@ -29,8 +29,6 @@ public:
     ~StripChartWidget() override;
 
     void refresh(platform::Property property); // for Binding::bind_custom
-    // Shown in the middle while it is not empty.
-    void set_hint(const QString& text);
 
     bool is_live() const { return window_.live(); }
     // Whether go_live() would change anything.
