@@ -53,6 +53,7 @@ void Console::wire() {
     polling.on_refresh(View::none, [this] { main_console.show_link_state(); });
     polling.plot_and_log_sample = [this] { plotter.plot_and_log_sample(); };
     navigation.wire_menus();
+    dashboard.held_changed = [this] { forms.held_note.refresh(); };
     transfer.close_files = [this] {
         if (plotter.logging_active()) {
             plotter.stop_logging();

@@ -64,6 +64,12 @@ FormWindow::FormWindow(platform::Form& form, QtHost& host, WindowKind kind)
     if (std::ranges::any_of(controls, [](const auto* c) { return c->kind() == platform::Kind::menu_item; })) {
         binding_.build_menus(*menuBar());
     }
+    if (auto* held = dynamic_cast<platform::Label*>(form.find("held_note"))) {
+        auto* note = static_cast<QLabel*>(make(*held, "Held back"));
+        note->setAutoFillBackground(true);
+        note->setMargin(theme::gap);
+        outer_->addWidget(note); // above the body
+    }
     setEnabled(form.enabled());
     host.attach(form, *this);
 }

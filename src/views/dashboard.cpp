@@ -114,11 +114,13 @@ void Dashboard::wire() {
     form_.kill_timing.clicked = [this] {
         const std::uint8_t timing = form_.kill_timing.checked() ? timing_to_zero : timing_as_mapped;
         comm_.poll({messages::session_latch.code, timing, 0, 0}, messages::session_latch.reply);
+        tell_held();
     };
     form_.kill_ego.clicked = [this] {
         const messages::Command& command =
             form_.kill_ego.checked() ? messages::oxygen_control_off : messages::oxygen_control_on;
         comm_.poll({command.code}, command.reply);
+        tell_held();
     };
     for (std::size_t i = 0; i < form_.menu_opts_tach_filt_num.size(); ++i) {
         form_.menu_opts_tach_filt_num[i].clicked = [this, i] { filter_tachometer(i); };
@@ -163,6 +165,12 @@ void Dashboard::ask_controller() {
         comm_.poll(calibration::read_message(request), request.reply);
     }
     state_.polling_paused = false;
+}
+
+void Dashboard::tell_held() {
+    if (held_changed) {
+        held_changed();
+    }
 }
 
 void Dashboard::scale_gauges() {

@@ -10,6 +10,7 @@
 #include "views/frm_dashboard.h"
 
 #include <array>
+#include <functional>
 
 namespace ecu::views {
 
@@ -35,8 +36,11 @@ public:
     void filter_tachometer(std::size_t item);
     void view_gpo(std::size_t channel);
 
+    std::function<void()> held_changed; // timing or oxygen control was held back or let go
+
 private:
     void wire();
+    void tell_held();
     void scale_gauges();
     void scale_lamps();
     void show_mixture(float lambda);
