@@ -72,6 +72,7 @@ public:
         number_ = number;
         baud_ = baud;
         lost_ = false;
+        ++openings_;
         return {};
     }
 
@@ -85,11 +86,17 @@ public:
 
     bool is_open() const override { return port_.isOpen() && !broken_; }
 
-    void write(std::span<const std::uint8_t> bytes) override {
+    void reopen_lost() override {
         if (lost_ && !is_open()) {
             const bool back = open(number_, baud_).empty();
             lost_ = !back; // the device may come back with any of the next tries
         }
+    }
+
+    std::uint32_t openings() const override { return openings_; }
+
+    void write(std::span<const std::uint8_t> bytes) override {
+        reopen_lost();
         if (is_open()) {
             port_.write(reinterpret_cast<const char*>(bytes.data()), static_cast<qint64>(bytes.size()));
             port_.flush(); // to the driver now rather than with the next events
@@ -157,6 +164,7 @@ private:
     std::vector<std::uint8_t> received_;
     int number_ = 0;
     int baud_ = 0;
+    std::uint32_t openings_ = 0;
     bool broken_ = false; // failed while open, and not closed yet
     bool lost_ = false;   // closed by the device's going, not by the console
 };

@@ -1,6 +1,6 @@
 #include "shell/units.h"
 
-#include "platform/replace_file.h"
+#include "platform/safe_file.h"
 #include "platform/rounding.h"
 #include "platform/small_file.h"
 
