@@ -15,7 +15,7 @@ constexpr std::string_view silence_refusal =
 constexpr std::string_view first_scalar_of_progress = "IAC_CLOS";
 constexpr int download_steps = 2150; // what the bar of a download ends at, about
 constexpr float bar_at_start = 30;
-constexpr std::size_t lines_named = 12;     // in the result's one line
+constexpr std::size_t lines_named = 12;       // in the result's one line
 constexpr float seconds_between_looks = 0.1F; // of the progress: seen moving, and no burden to the wire
 
 platform::FileDialog file_dialog(std::string title) {
@@ -391,7 +391,8 @@ TransferResult Transfer::send_lines(const std::string& path, std::string_view te
     }
     progress.show_at(result.lines);
     progress.show();
-    if (other_controller("The upload of " + path + " has stopped at line " + std::to_string(result.lines + 1), result)) {
+    if (other_controller("The upload of " + path + " has stopped at line " + std::to_string(result.lines + 1),
+                         result)) {
         result.trouble += "\n" + counted(result.messages, "line") +
                           " had been sent before it. Check which controller is connected, and upload the file again.";
     } else if (result.outcome == TransferResult::Outcome::done && result.unanswered > 0) {

@@ -7,11 +7,11 @@
 
 #include "calibration/calibration_image.h"
 #include "calibration/frm_wait.h"
-#include "platform/safe_file.h"
 #include "link/ecu_comm.h"
 #include "link/link_selection.h"
 #include "link/pause.h"
 #include "link/same_controller.h"
+#include "platform/safe_file.h"
 
 #include <functional>
 #include <optional>
@@ -24,12 +24,12 @@ namespace ecu::calibration {
 struct TransferResult {
     enum class Outcome : std::uint8_t {
         done,
-        demo_mode,   // refused
-        no_answer,   // to the probe
-        cancelled,   // in the file dialog, or the path names no file
-        incomplete,  // values had no answer and only a whole file was wanted; an older one is unchanged
-        file_failed, // could not be read or written; `trouble` says what and what to do
-        stopped,     // by a line that fits no message; `trouble` says which
+        demo_mode,        // refused
+        no_answer,        // to the probe
+        cancelled,        // in the file dialog, or the path names no file
+        incomplete,       // values had no answer and only a whole file was wanted; an older one is unchanged
+        file_failed,      // could not be read or written; `trouble` says what and what to do
+        stopped,          // by a line that fits no message; `trouble` says which
         other_controller, // or one that cannot be told from another; `trouble` says more. An older file is unchanged
     };
     Outcome outcome = Outcome::cancelled;

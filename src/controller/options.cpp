@@ -68,9 +68,10 @@ std::string read_fault(std::string_view item, FaultPlan& plan) {
         plan.silent = true;
         return "";
     }
-    return refused("--faults", item,
-                   "known are lost, late, cut, corrupted, surplus, foreign (each =RATE), late-by=SECONDS, unplug-after=N, "
-                   "replug-as=SERIAL and silent");
+    return refused(
+        "--faults", item,
+        "known are lost, late, cut, corrupted, surplus, foreign (each =RATE), late-by=SECONDS, unplug-after=N, "
+        "replug-as=SERIAL and silent");
 }
 
 std::string read_faults(std::string_view list, FaultPlan& plan) {

@@ -143,8 +143,8 @@ std::string load_state(const std::string& path, ControllerMemory& memory) {
 std::string save_state(const std::string& path, const ControllerMemory& memory) {
     const std::string reason = platform::replace_file(path, text_of(memory));
     return reason.empty() ? ""
-                          : "The state file " + path + " cannot be written (" + reason + "). Make its folder writable, " +
-                                "or name another one.";
+                          : "The state file " + path + " cannot be written (" + reason +
+                                "). Make its folder writable, " + "or name another one.";
 }
 
 } // namespace ecu::controller

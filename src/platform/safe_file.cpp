@@ -57,7 +57,8 @@ long owner_of(const std::string& name) {
         return !text.empty() && text.find_first_not_of(of) == std::string_view::npos;
     };
     const bool made_here = dash != std::string_view::npos && dash < 10 && only(suffix.substr(0, dash), "0123456789") &&
-                           suffix.size() == dash + 1 + random_digits && only(suffix.substr(dash + 1), "0123456789abcdef");
+                           suffix.size() == dash + 1 + random_digits &&
+                           only(suffix.substr(dash + 1), "0123456789abcdef");
     return made_here ? std::strtol(suffix.data(), nullptr, 10) : 0;
 }
 
@@ -130,6 +131,10 @@ fs::path behind_links(fs::path path) {
 
 SafeFile::SafeFile(const fs::path& target) : target_(behind_links(target)) {
     std::error_code ignored;
+    if (fs::is_symlink(fs::symlink_status(target_, ignored))) {
+        fail("its links lead in a circle");
+        return;
+    }
     const fs::file_status status = fs::status(target_, ignored);
     if (fs::exists(status)) {
         if (!fs::is_regular_file(status)) {

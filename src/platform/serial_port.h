@@ -23,7 +23,7 @@ public:
     virtual void reopen_lost() {}
     // How often the port was opened. What answers after it has grown may be another device.
     virtual std::uint32_t openings() const { return 0; }
-    virtual std::size_t available() const = 0;                   // received and not yet read
+    virtual std::size_t available() const = 0; // received and not yet read
     virtual std::vector<std::uint8_t> read(std::size_t at_most) = 0;
     virtual std::size_t output_pending() const = 0; // written and not yet on the wire
     // Pushes queued output on without letting events through; returns after `milliseconds` at the latest.

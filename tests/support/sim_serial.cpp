@@ -58,7 +58,7 @@ void SimSerialLine::receive(std::span<const std::uint8_t> bytes, double after_se
         due += byte_time();
         const auto part = bytes.first(together);
         events_.schedule(due, [this, opening = opening_, arrived = Bytes(part.begin(), part.end())] {
-            if (opening == opening_) {
+            if (open_ && opening == opening_) {
                 input_.insert(input_.end(), arrived.begin(), arrived.end());
             }
         });
