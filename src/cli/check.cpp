@@ -80,7 +80,8 @@ std::string number_fault(std::string_view text, std::int32_t sent) {
     }
     const std::string_view digits = text.starts_with('-') ? text.substr(1) : text;
     if (digits.empty() || digits.find_first_not_of("0123456789") != std::string_view::npos) {
-        return "\"" + platform::printable(text) + "\" is not a whole number; an upload would send " + std::to_string(sent);
+        return "\"" + platform::printable(text) + "\" is not a whole number; an upload would send " +
+               std::to_string(sent);
     }
     return {};
 }
@@ -193,8 +194,7 @@ private:
     // As printed_value() takes it: of a doubled line what stands behind its second "=".
     static std::string_view value_text(std::string_view line, const FileKey& key) {
         std::string_view text = line.substr(std::min(calibration::value_column, line.size()));
-        const bool doubled =
-            key.parameter != nullptr && key.parameter->file == calibration::FileForm::vector_doubled;
+        const bool doubled = key.parameter != nullptr && key.parameter->file == calibration::FileForm::vector_doubled;
         const std::size_t sign = text.find_first_not_of(' ');
         return doubled && sign != std::string_view::npos && text[sign] == '=' ? text.substr(sign + 1) : text;
     }

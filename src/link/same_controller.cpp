@@ -12,7 +12,8 @@ constexpr int openings_asked = 3; // a port that comes and goes while it is aske
 
 } // namespace
 
-SameController::SameController(EcuComm& comm, SharedState& state) : comm_(comm), state_(state), held_before_(comm.hold_to(comm.this_opening())), known_(state.identity) {}
+SameController::SameController(EcuComm& comm, SharedState& state)
+    : comm_(comm), state_(state), held_before_(comm.hold_to(comm.this_opening())), known_(state.identity) {}
 
 SameController::~SameController() { comm_.hold_to(held_before_); }
 

@@ -16,8 +16,8 @@ public:
     SameController(const SameController&) = delete;
     SameController& operator=(const SameController&) = delete;
 
-    // EcuComm's, and where the port was lost on the way: the question who answers, and the message once more. `not_sent`
-    // for good once another controller answers, or one that can't be told from another.
+    // EcuComm's, and where the port was lost on the way: the question who answers, and the message once more.
+    // `not_sent` for good once another controller answers, or one that can't be told from another.
     Outcome send(const Message& message, int expected_length);
 
     bool lost() const { return !trouble_.empty(); }

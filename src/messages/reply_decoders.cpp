@@ -38,11 +38,11 @@ consteval bool link_knows_what_replies_repeat() {
         const Parameter* written = calibration::written_by(byte);
         const bool block = std::ranges::find(calibration::block_reads, byte, &calibration::BlockRead::command) !=
                            calibration::block_reads.end();
-        const link::Echo echo =
-            byte == calibration::read_cell || byte == calibration::write_cell || block ? link::Echo::address
-            : byte == wheel_block.code || (written != nullptr && is_element(written->write.form))
-                ? link::Echo::element
-                : link::Echo::code_only;
+        const link::Echo echo = byte == calibration::read_cell || byte == calibration::write_cell || block
+                                    ? link::Echo::address
+                                : byte == wheel_block.code || (written != nullptr && is_element(written->write.form))
+                                    ? link::Echo::element
+                                    : link::Echo::code_only;
         if (link::echo_of(byte) != echo) {
             return false;
         }

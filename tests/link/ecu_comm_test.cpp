@@ -72,20 +72,17 @@ struct CellBench : LinkBench {
             }
             return reply_frame({r[2], r[3], r[4], static_cast<std::uint8_t>(cells[address])});
         };
-        comm.set_decoders({[this](const Reply& reply, int count) {
-                               if ((reply[2] == 'E' || reply[2] == 'e') && count == 6) {
-                                   seen[reply[3] + 256 * reply[4]] = reply[5];
-                                   state.reply_accepted = true;
-                               }
-                           },
-                           [this](const Reply& reply, int) {
-                               state.reply_accepted = reply[2] == 'S' || reply[2] == 'F';
-                           },
-                           nullptr});
+        comm.set_decoders(
+            {[this](const Reply& reply, int count) {
+                 if ((reply[2] == 'E' || reply[2] == 'e') && count == 6) {
+                     seen[reply[3] + 256 * reply[4]] = reply[5];
+                     state.reply_accepted = true;
+                 }
+             },
+             [this](const Reply& reply, int) { state.reply_accepted = reply[2] == 'S' || reply[2] == 'F'; }, nullptr});
     }
     Outcome write(int cell, int value) {
-        return comm.send_ecu_message(
-            {'e', static_cast<std::uint8_t>(cell), 1, static_cast<std::uint8_t>(value)}, 6);
+        return comm.send_ecu_message({'e', static_cast<std::uint8_t>(cell), 1, static_cast<std::uint8_t>(value)}, 6);
     }
 };
 
@@ -165,8 +162,8 @@ TEST(Answers, NeedTheRequestsOwnCodeAndWhatTheReplyRepeats) {
         EXPECT_FALSE(answer({c, 1, 2, 3}, {c, 0, 2, 3}));
         EXPECT_FALSE(answer({c, 1, 2, 3}, {c, 1, 0, 3}));
     }
-    for (const int code : {13,  29,  35,  36,  39,  128, 156, 166, 171, 173, 204, 205,
-                           206, 218, 219, 220, 221, 222, 223, 224, 226, 248}) {
+    for (const int code :
+         {13, 29, 35, 36, 39, 128, 156, 166, 171, 173, 204, 205, 206, 218, 219, 220, 221, 222, 223, 224, 226, 248}) {
         const auto c = static_cast<std::uint8_t>(code);
         EXPECT_TRUE(answer({c, 1, 2, 3}, {c, 1, 9, 9})) << code;
         EXPECT_FALSE(answer({c, 1, 2, 3}, {c, 0, 2, 3})) << code;
@@ -302,6 +299,52 @@ TEST(SameController, SendsNothingMoreToAnotherOneNorToOneThatCannotBeToldFromAno
         }
         bench.controller.speak();
         EXPECT_EQ(bench.write(4, 1), Outcome::accepted) << "the sequence is over";
+    }
+}
+
+TEST(Transaction, DropsWhatStoodOnTheLineBeforeItsRequest) {
+    LinkBench bench;
+    std::vector<int> offered;
+    bench.comm.set_decoders({[&](const Reply& reply, int) {
+                                 offered.push_back(reply[3]);
+                                 bench.state.reply_accepted = true;
+                             },
+                             nullptr, nullptr});
+    bench.controller.reply_to('A', reply_frame({'A', 2}, 63));
+    bench.desktop.line().receive(reply_frame({'A', 1}, 63)); // of its own code and size, only older
+    bench.desktop.run_for(0.01);
+    bench.ask();
+    EXPECT_EQ(offered, std::vector{2});
+    bench.state.remote_server_ip = "10.0.0.7";
+    bench.socket.peer = [&](const Bytes&) { bench.socket.arrive(reply_frame({'A', 4}, 63)); };
+    bench.socket.arrive(reply_frame({'A', 3}, 63));
+    bench.ask();
+    EXPECT_EQ(offered, (std::vector{2, 4}));
+}
+
+TEST(Pause, OfASequenceInsideAnothersLeavesTheOuterOnes) {
+    SharedState state;
+    {
+        const Pause outer(state);
+        { const Pause inner(state); }
+        EXPECT_TRUE(state.polling_paused);
+    }
+    EXPECT_FALSE(state.polling_paused);
+}
+
+TEST(FailureDialog, TellsTheTunerWhatToLookFor) {
+    LinkBench bench;
+    Bytes corrupt = live_reply();
+    corrupt[9] ^= 1;
+    for (const auto& [reply, said] :
+         std::vector<std::pair<Bytes, std::string>>{{{}, "COM3 (/dev/sim3), 38400 baud: 10 tries, nothing arrived.\n"},
+                                                    {corrupt, "65 bytes that are no whole reply"},
+                                                    {reply_frame({'A'}, 62), "a reply of another size"}}) {
+        bench.controller.reply_to('A', reply);
+        bench.press_in_dialog(0);
+        bench.ask();
+        EXPECT_THAT(bench.dialog.dialog_details.text(), testing::HasSubstr(said));
+        EXPECT_THAT(bench.dialog.dialog_details.text(), testing::HasSubstr("until the program is started anew"));
     }
 }
 
