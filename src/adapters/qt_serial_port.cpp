@@ -2,6 +2,7 @@
 
 #include <QDeadlineTimer>
 #include <QFileInfo>
+#include <QLockFile>
 #include <QSerialPort>
 #include <QThread>
 
@@ -39,6 +40,22 @@ void ask_for_low_latency(QSerialPort::Handle) {}
 std::size_t bytes_in_driver(QSerialPort::Handle) { return 0; }
 #endif
 
+// The program that holds the device by a lock file, as serial programs make them; empty where the system does not tell.
+QString holder_of(const QString& port_name) {
+    QString name = port_name;
+    name.replace('/', '_');
+    for (const char* folder : {"/var/lock", "/run/lock", "/var/spool/lock", "/tmp", "/var/tmp"}) {
+        const QString path = QString(folder) + "/LCK.." + name;
+        qint64 process = 0;
+        QString host;
+        QString program;
+        if (QFileInfo::exists(path) && QLockFile(path).getLockInfo(&process, &host, &program) && process > 0) {
+            return QString("%1 (process %2)").arg(program.isEmpty() ? QString("a program") : program).arg(process);
+        }
+    }
+    return {};
+}
+
 class QtSerialPort final : public platform::SerialPort {
 public:
     QtSerialPort() {
@@ -66,12 +83,13 @@ public:
         port_.setStopBits(QSerialPort::OneStop);
         port_.setFlowControl(QSerialPort::NoFlowControl);
         if (!port_.open(QIODevice::ReadWrite)) {
-            return device + ": " + port_.errorString().toStdString();
+            return device + ": " + refusal(port_.portName()).toStdString();
         }
         ask_for_low_latency(port_.handle());
         number_ = number;
         baud_ = baud;
         lost_ = false;
+        ++openings_;
         return {};
     }
 
@@ -85,11 +103,17 @@ public:
 
     bool is_open() const override { return port_.isOpen() && !broken_; }
 
-    void write(std::span<const std::uint8_t> bytes) override {
+    void reopen_lost() override {
         if (lost_ && !is_open()) {
             const bool back = open(number_, baud_).empty();
             lost_ = !back; // the device may come back with any of the next tries
         }
+    }
+
+    std::uint32_t openings() const override { return openings_; }
+
+    void write(std::span<const std::uint8_t> bytes) override {
+        reopen_lost();
         if (is_open()) {
             port_.write(reinterpret_cast<const char*>(bytes.data()), static_cast<qint64>(bytes.size()));
             port_.flush(); // to the driver now rather than with the next events
@@ -129,6 +153,17 @@ public:
     std::string device_of(int number) const override { return device_of_port(number); }
 
 private:
+    // The system's words for "somebody else has it" say so to nobody who has not met them.
+    QString refusal(const QString& port_name) const {
+        const QString reason = port_.errorString();
+        if (!reason.contains("locking", Qt::CaseInsensitive) && !reason.contains("busy", Qt::CaseInsensitive)) {
+            return reason;
+        }
+        const QString holder = holder_of(port_name);
+        return "It is in use by another program" + (holder.isEmpty() ? QString() : ", " + holder) +
+               ". End that program, or choose another port.";
+    }
+
     void take_received() {
         const QByteArray bytes = port_.readAll();
         const std::size_t room = receive_buffer - std::min(receive_buffer, received_.size());
@@ -157,6 +192,7 @@ private:
     std::vector<std::uint8_t> received_;
     int number_ = 0;
     int baud_ = 0;
+    std::uint32_t openings_ = 0;
     bool broken_ = false; // failed while open, and not closed yet
     bool lost_ = false;   // closed by the device's going, not by the console
 };

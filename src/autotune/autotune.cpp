@@ -1,8 +1,9 @@
 #include "autotune/autotune.h"
 
 #include "autotune/log_fields.h"
-#include "logging/log_file.h"
 #include "editing/editing_rules.h"
+#include "link/pause.h"
+#include "logging/log_file.h"
 #include "platform/display_mask.h"
 #include "platform/leading_number.h"
 #include "platform/rounding.h"
@@ -127,11 +128,9 @@ Autotune::Autotune(const platform::Ports& ports, link::SharedState& state, FrmAu
 
 // No polling while the screen shows. An opening read that runs behind it keeps the pause it made.
 void Autotune::open() {
-    const bool paused_before = state_.polling_paused;
-    state_.polling_paused = true;
+    const link::Pause paused(state_);
     frm_3d_.form.hide();
     form_.form.show_modal();
-    state_.polling_paused = paused_before;
 }
 
 void Autotune::leave() {

@@ -20,12 +20,7 @@ public:
     // The last byte that a reply brought for a cell of table memory. The editors show the cells and hold the tuner's
     // entries; this is what a setup file prints. An address outside the tables' memory throws std::out_of_range.
     std::uint8_t cell(int address) const { return cells_.at(static_cast<std::size_t>(address)); }
-    void store_cell(int address, std::uint8_t raw) {
-        cells_.at(static_cast<std::size_t>(address)) = raw;
-        last_cell_ = address;
-    }
-    // The address that the last reply with cells named, its last one; -1 before the first.
-    int last_cell() const { return last_cell_; }
+    void store_cell(int address, std::uint8_t raw) { cells_.at(static_cast<std::size_t>(address)) = raw; }
 
     std::int32_t firmware_revision = 0; // the word of R: 10200 is V1.02.00
     std::uint32_t serial_number = 0;
@@ -36,7 +31,6 @@ private:
     Scales& scales_;
     std::array<std::int32_t, element_count> values_{}; // full_scale_rpm's place stays unused: the scales hold it
     std::array<std::uint8_t, table_memory_end> cells_{};
-    int last_cell_ = -1;
 };
 
 } // namespace ecu::calibration

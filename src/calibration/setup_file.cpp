@@ -3,10 +3,12 @@
 #include "platform/display_mask.h"
 #include "platform/leading_number.h"
 #include "platform/rounding.h"
+#include "platform/text_encoding.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <cmath>
 #include <fstream>
 #include <limits>
@@ -53,7 +55,8 @@ std::string_view without_blanks_around(std::string_view text) {
 float number_in(std::string_view text) {
     std::string dense;
     std::ranges::copy_if(text, std::back_inserter(dense), [](char c) { return c != ' ' && c != '\t'; });
-    return static_cast<float>(platform::leading_number(dense));
+    constexpr double highest = std::numeric_limits<float>::max();
+    return static_cast<float>(std::clamp(platform::leading_number(dense), -highest, highest));
 }
 
 struct Range {
@@ -75,7 +78,7 @@ Range message_range(const FileKey& key) {
 
 std::optional<LineStop> misfit(const FileKey& key, float value, std::string_view text) {
     const auto stop = [&](std::string reason) {
-        return LineStop{key_text(key), std::string(without_blanks_around(text)), std::move(reason),
+        return LineStop{key_text(key), platform::printable(without_blanks_around(text)), std::move(reason),
                         "Correct the value"};
     };
     const Range range = message_range(key);
@@ -92,12 +95,31 @@ std::optional<LineStop> misfit(const FileKey& key, float value, std::string_view
     return std::nullopt;
 }
 
+// One decimal number, with blanks around it at most. What stands behind the second "=" of a doubled line is not looked
+// at: it never reaches the controller.
+bool is_number(const FileKey& key, std::string_view text) {
+    text = without_blanks_around(text);
+    if (key.parameter != nullptr && key.parameter->file == FileForm::vector_doubled && text.starts_with('=')) {
+        return true;
+    }
+    if (text.starts_with('+') || text.starts_with('-')) {
+        text.remove_prefix(1);
+    }
+    if (text.empty() || text.find_first_not_of("0123456789.eE+-") != std::string_view::npos) {
+        return false; // also what only looks like a number: hexadecimal ones, infinity, nan
+    }
+    double value = 0;
+    const auto read = std::from_chars(text.data(), text.data() + text.size(), value);
+    return read.ptr == text.data() + text.size();
+}
+
 LineMeaning message_for(const FileKey& key, std::string_view value_text) {
     const float number = number_in(value_text);
     if (auto stop = misfit(key, number, value_text)) {
         return *std::move(stop);
     }
     LineMessage out{.key = key, .value = platform::round_to_even(static_cast<double>(number))};
+    out.number = is_number(key, value_text);
     if (key.table != nullptr) {
         out.message = cell_write_message(key.table->base + key.index, out.value);
         out.reply = cell_reply;
@@ -134,10 +156,10 @@ LineMeaning read_indexed(std::string_view padded) {
         return message_for(*found, padded.substr(value_column));
     }
     const std::string unknown(unknown_variable);
-    UnknownLine out{{unknown + std::string(key) + "[" + std::string(index_text) + "]"}};
+    UnknownLine out{{unknown + platform::printable(key) + "[" + platform::printable(index_text) + "]"}};
     // The line is looked up once more among the keys without an index, where the indexed ones are passed over.
     if (!is_indexed_key(key)) {
-        out.texts.push_back(unknown + std::string(without_trailing_blanks(key)));
+        out.texts.push_back(unknown + platform::printable(without_trailing_blanks(key)));
     }
     return out;
 }
@@ -149,7 +171,7 @@ LineMeaning read_plain(std::string_view padded) {
     }
     const Parameter* row = find_parameter(key);
     if (row == nullptr || row->file == FileForm::none) {
-        return UnknownLine{{std::string(unknown_variable) + std::string(key)}};
+        return UnknownLine{{std::string(unknown_variable) + platform::printable(key)}};
     }
     return message_for({.parameter = row}, padded.substr(value_column));
 }
@@ -196,7 +218,7 @@ LineMeaning read_line(std::string_view line) {
         if (key.empty()) {
             return LineStop{.reason = "the line is blank", .remedy = "Remove the line"};
         }
-        return LineStop{std::string(key), "",
+        return LineStop{platform::printable(key), "",
                         "the line ends before column " + std::to_string(value_column + 1) + ", where its value begins",
                         "Complete or remove the line"};
     }

@@ -42,8 +42,10 @@ struct LineMessage {
     std::int32_t value = 0;
     link::Message message = {};
     int reply = 0;
+    bool number = true; // false: no decimal number stands there and nothing else, so that 0 or a part of it goes out
 };
-// The line's key stands in no row; `texts` is what update_info shows, in this order, the last one stays.
+// The line's key stands in no row; `texts` is what update_info shows, in this order, the last one stays. Here and in
+// LineStop control characters of the file stand as "\x1B".
 struct UnknownLine {
     std::vector<std::string> texts;
 };

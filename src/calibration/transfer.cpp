@@ -15,8 +15,7 @@ constexpr std::string_view silence_refusal =
 constexpr std::string_view first_scalar_of_progress = "IAC_CLOS";
 constexpr int download_steps = 2150; // what the bar of a download ends at, about
 constexpr float bar_at_start = 30;
-constexpr int asked_again = 3; // for a cell, when another one's reply came
-constexpr float seconds_for_late_replies = 0.1F;
+constexpr std::size_t lines_named = 12;       // in the result's one line
 constexpr float seconds_between_looks = 0.1F; // of the progress: seen moving, and no burden to the wire
 
 platform::FileDialog file_dialog(std::string title) {
@@ -43,6 +42,29 @@ std::string counted(int count, std::string_view what) {
     return calibration::counted(static_cast<std::size_t>(count), what);
 }
 
+// "2,126"
+std::string grouped(int number) {
+    std::string text = std::to_string(number);
+    for (std::size_t at = text.size(); at > 3;) {
+        text.insert(at -= 3, ",");
+    }
+    return text;
+}
+
+// ", 2 unknown: 20, 30"
+std::string named_lines(const std::vector<int>& lines, std::string_view what) {
+    if (lines.empty()) {
+        return {};
+    }
+    std::string text = ", " + grouped(static_cast<int>(lines.size())) + " " + std::string(what) + ": ";
+    for (std::size_t i = 0; i < std::min(lines.size(), lines_named); ++i) {
+        text += (i > 0 ? ", " : "") + std::to_string(lines[i]);
+    }
+    return text + (lines.size() > lines_named ? ", ..." : "");
+}
+
+std::string lines_text(int lines) { return grouped(lines) + (lines == 1 ? " line" : " lines"); }
+
 std::string stop_text(const std::string& path, const TransferResult& so_far, const LineStop& stop) {
     std::string text = "The upload of " + path + " has stopped at line " + std::to_string(so_far.lines + 1);
     if (!stop.key.empty()) {
@@ -61,21 +83,20 @@ std::string stop_text(const std::string& path, const TransferResult& so_far, con
 // For the time of its life no second transfer begins and the scheduler stays out.
 class Transfer::Running {
 public:
-    explicit Running(Transfer& transfer) : transfer_(transfer), was_paused_(transfer.use_.state.polling_paused) {
+    explicit Running(Transfer& transfer) : transfer_(transfer), pause_(transfer.use_.state) {
         transfer_.running_ = true;
-        transfer_.use_.state.polling_paused = true;
     }
     Running(const Running&) = delete;
     Running& operator=(const Running&) = delete;
     ~Running() {
         transfer_.abandon();
-        transfer_.use_.state.polling_paused = was_paused_;
+        transfer_.controller_.reset();
         transfer_.running_ = false;
     }
 
 private:
     Transfer& transfer_;
-    bool was_paused_;
+    link::Pause pause_;
 };
 
 // The wait form in front of the disabled main form, and how far the operation has got.
@@ -164,6 +185,7 @@ TransferResult Transfer::download_lines(const std::string& name, const Sink& sin
             result.outcome = TransferResult::Outcome::done;
             Progress progress(use_, "ECU->" + path);
             write_lines(sink, progress, result);
+            other_controller("The download has stopped", result);
             return result;
         });
 }
@@ -186,7 +208,14 @@ TransferResult Transfer::run(Direction direction, const std::function<std::strin
         result.outcome = TransferResult::Outcome::cancelled;
         return result;
     }
+    // Unplugged while the tuner chose: nothing of the transfer has gone out, so it begins with who is there now.
+    if (use_.comm.port_gone() && (result.outcome = start(direction)) != TransferResult::Outcome::done) {
+        return result;
+    }
     result = act(path);
+    if (tell_result) {
+        tell_result(result_text(direction, path, result));
+    }
     use_.ports.waiting.process_events();
     if (!result.trouble.empty()) {
         use_.ports.dialogs.message_box({.text = result.trouble, .icon = platform::Icon::warning});
@@ -202,13 +231,14 @@ TransferResult::Outcome Transfer::start(Direction direction) {
     use_.state.tx_byte_count[1] = 0;
     use_.state.rx_byte_count[1] = 0;
     use_.link_selection.open_comm_link();
+    controller_.emplace(use_.comm, use_.state);
     TransferResult probe;
     if (direction == Direction::download) {
         send({'R'}, 5, probe);
     } else {
         send({'C'}, 21, probe);
     }
-    if (probe.unanswered > 0) {
+    if (probe.unanswered > 0 || controller_->lost()) {
         use_.ports.dialogs.say(silence_refusal);
         return TransferResult::Outcome::no_answer;
     }
@@ -221,7 +251,10 @@ TransferResult Transfer::download(const std::string& path, Accept accept) {
     close_all_files();
     growing_.emplace(full_path(path));
     write_lines([&](std::string_view line) { return growing_->write(line); }, progress, result);
-    if (result.unanswered > 0 && accept == Accept::whole_only && growing_->failure().empty()) {
+    if (other_controller("The download into " + path + " has stopped", result)) {
+        result.trouble += "\nIf there was a file of that name before, it is unchanged. Check which controller is "
+                          "connected, and download again.";
+    } else if (result.unanswered > 0 && accept == Accept::whole_only && growing_->failure().empty()) {
         result.outcome = TransferResult::Outcome::incomplete;
     } else if (growing_->commit()) {
         result.outcome = TransferResult::Outcome::done;
@@ -252,6 +285,9 @@ void Transfer::write_lines(const Sink& sink, Progress& progress, TransferResult&
         }
     }
     const std::vector<std::uint8_t> silent = read_batch(progress, result);
+    if (controller_->lost()) {
+        return;
+    }
     bool scalar_steps = false;
     for (const FileItem& item : file_order) {
         if (item.table != nullptr) {
@@ -260,7 +296,7 @@ void Transfer::write_lines(const Sink& sink, Progress& progress, TransferResult&
                 if (!send(cell_read_message(address), cell_reply, result)) {
                     ++result.older_lines;
                 }
-                if (!print(file_line(*item.table, i, use_.image.cell(address)))) {
+                if (controller_->lost() || !print(file_line(*item.table, i, use_.image.cell(address)))) {
                     return;
                 }
                 progress.step();
@@ -273,6 +309,9 @@ void Transfer::write_lines(const Sink& sink, Progress& progress, TransferResult&
                                   : std::ranges::find(silent, row.read.command) == silent.end();
         if (!answered) {
             result.older_lines += row.count;
+        }
+        if (controller_->lost()) {
+            return;
         }
         for (int i = 0; i < row.count; ++i) {
             if (!print(file_line(row, i, use_.image.raw(row, i)))) {
@@ -336,6 +375,13 @@ TransferResult Transfer::send_lines(const std::string& path, std::string_view te
         ++result.lines;
         if (const auto* known = std::get_if<LineMessage>(&meaning)) {
             send(known->message, known->reply, result);
+            if (controller_->lost()) {
+                --result.lines;
+                break;
+            }
+            if (!known->number) {
+                result.odd_at.push_back(result.lines);
+            }
         } else if (const auto* unknown = std::get_if<UnknownLine>(&meaning)) {
             result.unknown_at.push_back(result.lines);
             for (const std::string& shown : unknown->texts) {
@@ -345,7 +391,11 @@ TransferResult Transfer::send_lines(const std::string& path, std::string_view te
     }
     progress.show_at(result.lines);
     progress.show();
-    if (result.outcome == TransferResult::Outcome::done && result.unanswered > 0) {
+    if (other_controller("The upload of " + path + " has stopped at line " + std::to_string(result.lines + 1),
+                         result)) {
+        result.trouble += "\n" + counted(result.messages, "line") +
+                          " had been sent before it. Check which controller is connected, and upload the file again.";
+    } else if (result.outcome == TransferResult::Outcome::done && result.unanswered > 0) {
         result.trouble = counted(result.unanswered, "line") + " of " + path +
                          " had no answer: the controller may still hold what it held there.\nCheck the link and "
                          "upload the file again.";
@@ -354,16 +404,11 @@ TransferResult Transfer::send_lines(const std::string& path, std::string_view te
 }
 
 // A message that no decoder took is lost; the operation goes on with the next one. Returns whether it was answered.
-// All cells answer by one code: a request that was answered twice, once late, leaves a reply that the next request
-// takes for its own, and all further ones would run one behind. After a wait what is late has come, and the next
-// request drains it.
 bool Transfer::send(const link::Message& message, int reply, TransferResult& result) {
-    bool answered = ask(message, reply);
-    for (int again = 0; answered && other_cell_answered(message) && again < asked_again; ++again) {
-        use_.ports.wait_seconds(seconds_for_late_replies);
-        answered = ask(message, reply);
+    const bool answered = controller_->send(message, reply) == link::Outcome::accepted;
+    if (controller_->lost()) {
+        return false; // and the transfer is over
     }
-    answered = answered && !other_cell_answered(message);
     if (!use_.state.demo_mode && !use_.state.comm_aborted) {
         ++result.messages;
     }
@@ -373,13 +418,41 @@ bool Transfer::send(const link::Message& message, int reply, TransferResult& res
     return answered;
 }
 
-bool Transfer::ask(const link::Message& message, int reply) {
-    return use_.comm.send_ecu_message(message, reply) == link::Outcome::accepted;
+bool Transfer::other_controller(const std::string& what, TransferResult& result) const {
+    if (controller_->lost()) {
+        result.outcome = TransferResult::Outcome::other_controller;
+        result.trouble = what + ": " + controller_->trouble() + ".";
+    }
+    return controller_->lost();
 }
 
-bool Transfer::other_cell_answered(const link::Message& message) const {
-    return (message[0] == read_cell || message[0] == write_cell) &&
-           use_.image.last_cell() != message[1] + 256 * message[2];
+std::string Transfer::result_text(Direction direction, const std::string& path, const TransferResult& result) {
+    const std::u8string name = path_from_text(path).filename().u8string();
+    const std::string text = std::string(name.begin(), name.end()) + ": ";
+    const bool upload = direction == Direction::upload;
+    const std::string odd =
+        named_lines(result.unknown_at, "unknown") + named_lines(result.odd_at, "with no clean number");
+    switch (result.outcome) {
+    case TransferResult::Outcome::done:
+        if (!upload) {
+            return text + lines_text(result.lines) + " saved" +
+                   (result.older_lines > 0 ? ", " + grouped(result.older_lines) + " with older values" : "");
+        }
+        return text + lines_text(result.lines) + " sent" + odd +
+               (result.unanswered > 0 ? ", " + grouped(result.unanswered) + " without an answer" : "");
+    case TransferResult::Outcome::stopped:
+    case TransferResult::Outcome::other_controller:
+        return text + (upload ? "stopped after " + lines_text(result.lines) + odd : "stopped, nothing saved");
+    case TransferResult::Outcome::file_failed:
+        return text + (upload ? "could not be read, nothing sent" : "could not be saved");
+    case TransferResult::Outcome::incomplete:
+        return text + "not saved, " + grouped(result.unanswered) + " messages had no answer";
+    case TransferResult::Outcome::demo_mode:
+    case TransferResult::Outcome::no_answer:
+    case TransferResult::Outcome::cancelled:
+        break;
+    }
+    return {};
 }
 
 void Transfer::close_all_files() const {

@@ -1,14 +1,17 @@
 // Moves a whole calibration between controller and setup file. One long sequence of messages on the one thread, with
 // frm_wait in front, the main form disabled and the scheduler kept out; a message without an answer is followed by the
 // next one, and told at the end. A download goes to a new file beside the target, which takes the target's name at the
-// end: whatever happens on the way, the older file stays whole.
+// end: whatever happens on the way, the older file stays whole. Both ways are with one controller only: when the port
+// was lost and what answers then cannot be shown to be the same one, the transfer ends there.
 #pragma once
 
 #include "calibration/calibration_image.h"
 #include "calibration/frm_wait.h"
-#include "calibration/transfer_file.h"
 #include "link/ecu_comm.h"
 #include "link/link_selection.h"
+#include "link/pause.h"
+#include "link/same_controller.h"
+#include "platform/safe_file.h"
 
 #include <functional>
 #include <optional>
@@ -21,12 +24,13 @@ namespace ecu::calibration {
 struct TransferResult {
     enum class Outcome : std::uint8_t {
         done,
-        demo_mode,   // refused
-        no_answer,   // to the probe
-        cancelled,   // in the file dialog, or the path names no file
-        incomplete,  // values had no answer and only a whole file was wanted; an older one is unchanged
-        file_failed, // could not be read or written; `trouble` says what and what to do
-        stopped,     // by a line that fits no message; `trouble` says which
+        demo_mode,        // refused
+        no_answer,        // to the probe
+        cancelled,        // in the file dialog, or the path names no file
+        incomplete,       // values had no answer and only a whole file was wanted; an older one is unchanged
+        file_failed,      // could not be read or written; `trouble` says what and what to do
+        stopped,          // by a line that fits no message; `trouble` says which
+        other_controller, // or one that cannot be told from another; `trouble` says more. An older file is unchanged
     };
     Outcome outcome = Outcome::cancelled;
     std::string trouble;
@@ -35,6 +39,7 @@ struct TransferResult {
     int unanswered = 0;          // of these
     int older_lines = 0;         // of a download: lines whose values had no answer and are older ones
     std::vector<int> unknown_at; // numbers of the lines whose key stands in no row, from 1
+    std::vector<int> odd_at;     // numbers of the lines whose value is no number, or not only one
 };
 
 class Transfer {
@@ -53,6 +58,9 @@ public:
 
     // Closes every file that the console has open; may be empty.
     std::function<void()> close_files;
+
+    // Takes what became of a transfer as one line, "tune1.set: 2,126 lines sent, 2 unknown: 20, 30"; may be empty.
+    std::function<void(const std::string&)> tell_result;
 
     void menufilesave_Click(); // the controller to a file
     void menufileopen_Click(); // a file to the controller
@@ -90,13 +98,14 @@ private:
     void write_lines(const Sink& sink, Progress& progress, TransferResult& result);
     std::vector<std::uint8_t> read_batch(Progress& progress, TransferResult& result);
     bool send(const link::Message& message, int reply, TransferResult& result);
-    bool ask(const link::Message& message, int reply);
-    bool other_cell_answered(const link::Message& message) const;
+    bool other_controller(const std::string& what, TransferResult& result) const;
+    static std::string result_text(Direction direction, const std::string& path, const TransferResult& result);
     void close_all_files() const;
     std::filesystem::path full_path(const std::string& path) const;
 
     Use use_;
-    std::optional<TransferFile> growing_;
+    std::optional<platform::SafeFile> growing_;
+    std::optional<link::SameController> controller_; // while a transfer runs
     bool running_ = false;
 };
 

@@ -89,6 +89,11 @@ CalibrationValues values_of(std::string_view text) {
         const calibration::LineMeaning meaning = calibration::read_line(line);
         if (const auto* known = std::get_if<calibration::LineMessage>(&meaning)) {
             values.put(known->key, {printed_value(line, *known), number});
+            if (!known->number) {
+                values.odd.push_back(
+                    {number, calibration::key_text(known->key),
+                     "what stands there is no number; an upload would send " + std::to_string(known->value)});
+            }
         } else if (const auto* unknown = std::get_if<calibration::UnknownLine>(&meaning)) {
             values.unknown.push_back({number, unknown->texts.front().substr(calibration::unknown_variable.size())});
         } else if (const auto* stop = std::get_if<calibration::LineStop>(&meaning)) {

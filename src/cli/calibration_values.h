@@ -47,6 +47,7 @@ public:
 
     std::vector<UnknownKey> unknown;
     std::vector<UnreadableLine> unreadable;
+    std::vector<UnreadableLine> odd; // read, but the value is no number: an upload would send 0 or a part of it
 
 private:
     std::map<std::pair<const void*, int>, Value> values_;

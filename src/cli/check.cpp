@@ -4,6 +4,7 @@
 #include "cli/calibration_values.h"
 #include "cli/json.h"
 #include "platform/rounding.h"
+#include "platform/text_encoding.h"
 
 #include <QJsonArray>
 
@@ -79,7 +80,8 @@ std::string number_fault(std::string_view text, std::int32_t sent) {
     }
     const std::string_view digits = text.starts_with('-') ? text.substr(1) : text;
     if (digits.empty() || digits.find_first_not_of("0123456789") != std::string_view::npos) {
-        return "\"" + std::string(text) + "\" is not a whole number; an upload would send " + std::to_string(sent);
+        return "\"" + platform::printable(text) + "\" is not a whole number; an upload would send " +
+               std::to_string(sent);
     }
     return {};
 }
@@ -179,10 +181,8 @@ private:
         seen_.put(known.key, {printed, number_});
         if (printed != known.value) {
             ++lost_;
-        } else if (std::string fault =
-                       number_fault(std::string_view(line).substr(std::min(calibration::value_column, line.size())),
-                                    sent_value(known));
-                   !fault.empty() && !is_doubled(known.key)) {
+        }
+        if (std::string fault = number_fault(value_text(line, known.key), sent_value(known)); !fault.empty()) {
             find(key, std::move(fault));
         }
         if (std::string fault = range_fault(known.key, printed, sent_value(known), scales_of_.scales());
@@ -191,8 +191,12 @@ private:
         }
     }
 
-    static bool is_doubled(const FileKey& key) {
-        return key.parameter != nullptr && key.parameter->file == calibration::FileForm::vector_doubled;
+    // As printed_value() takes it: of a doubled line what stands behind its second "=".
+    static std::string_view value_text(std::string_view line, const FileKey& key) {
+        std::string_view text = line.substr(std::min(calibration::value_column, line.size()));
+        const bool doubled = key.parameter != nullptr && key.parameter->file == calibration::FileForm::vector_doubled;
+        const std::size_t sign = text.find_first_not_of(' ');
+        return doubled && sign != std::string_view::npos && text[sign] == '=' ? text.substr(sign + 1) : text;
     }
 
     void add_notes() {

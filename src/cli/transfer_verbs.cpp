@@ -67,6 +67,8 @@ void insist_on(const TransferResult& result, const Session& session) {
     case TransferResult::Outcome::file_failed:
     case TransferResult::Outcome::stopped:
         throw Failure(Status::file, on_one_line(result.trouble));
+    case TransferResult::Outcome::other_controller:
+        throw Failure(Status::link, on_one_line(result.trouble));
     case TransferResult::Outcome::incomplete:
         throw Failure(Status::link, calibration::counted(static_cast<std::size_t>(result.unanswered), "message") +
                                         " to " + session.controller_name() +
@@ -150,9 +152,12 @@ Status run_upload(Session& session, const Options& options) {
     // Read once: what is looked through and asked about is what is sent.
     const std::string text = text_of_file(options.file);
     const CalibrationValues values = values_of(text);
-    if (!values.unreadable.empty()) {
+    const bool cut = !text.empty() && !text.ends_with('\n');
+    if (!values.unreadable.empty() || !values.odd.empty()) {
         // Found before anything is sent, where it still does no harm.
-        const UnreadableLine& line = values.unreadable.front();
+        const bool stops = !values.unreadable.empty() &&
+                           (values.odd.empty() || values.unreadable.front().line < values.odd.front().line);
+        const UnreadableLine& line = stops ? values.unreadable.front() : values.odd.front();
         throw Failure(Status::file, options.file + ":" + std::to_string(line.line) + ": " + line.key +
                                         (line.key.empty() ? "" : ": ") + line.text +
                                         ". Correct or remove the line; ecu-cli check names all such lines");
@@ -174,10 +179,14 @@ Status run_upload(Session& session, const Options& options) {
             unknown.append(QJsonObject{{"line", key.line}, {"key", json_text(key.text)}});
         }
         object["unknown"] = unknown;
+        object["cut"] = cut;
         std::cout << json_line(object);
     } else {
         for (const UnknownKey& key : values.unknown) {
             std::cout << "unknown  " << key.text << " in line " << key.line << ", not sent\n";
+        }
+        if (cut) {
+            std::cout << "cut      " << options.file << " has no line end behind its last line: is it whole?\n";
         }
         if (values.size() == 0) {
             std::cout << options.file << " holds no values: nothing was sent\n";

@@ -29,8 +29,8 @@ Console::Console(const platform::Ports& machine)
       plotter(ports, state, comm, navigation, polling.timer3(), scales, live,
               {forms.frm_mon.inj_duty[0], forms.frm_mon.ign_duty[0], forms.frm_mon.wheel_idx_num}, forms.frm_plotter),
       autotune(ports, state, forms.frm_autotune, forms.frm_3d),
-      transfer({ports, state, comm, link_selection, image, forms.frm_wait, forms.frm_ecu.form,
-                shell::console_version}) {
+      transfer(
+          {ports, state, comm, link_selection, image, forms.frm_wait, forms.frm_ecu.form, shell::console_version}) {
     wire();
 }
 
@@ -58,6 +58,10 @@ void Console::wire() {
         if (plotter.logging_active()) {
             plotter.stop_logging();
         }
+    };
+    transfer.tell_result = [this](const std::string& result) {
+        forms.frm_ecu.transfer_result.set_text(result);
+        forms.frm_ecu.transfer_result.set_tool_tip(result);
     };
     main_console.on_upload = [this] { transfer.menufileopen_Click(); };
     main_console.on_download = [this] { transfer.menufilesave_Click(); };

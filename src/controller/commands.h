@@ -41,6 +41,7 @@ public:
     std::vector<std::uint8_t> answer(const link::Request& request);
 
     ControllerMemory& memory() { return memory_; }
+    void set_serial_number(std::uint32_t number) { settings_.serial_number = number; }
     const EngineModel& engine() const { return engine_; }
     const DynoRun& dyno() const { return dyno_; }
     // The drivers that the last test fired, bit n for channel n + 1.

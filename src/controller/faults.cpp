@@ -1,5 +1,7 @@
 #include "controller/faults.h"
 
+#include <utility>
+
 namespace ecu::controller {
 
 void Faults::strike_next(Fault fault, int times) {
@@ -34,6 +36,7 @@ std::optional<Fault> Faults::draw() {
 double Faults::befall(std::vector<std::uint8_t>& reply) {
     ++replies_;
     const std::optional<Fault> fault = draw();
+    const std::vector<std::uint8_t> before = std::exchange(reply_before_, reply);
     if (!fault) {
         return 0;
     }
@@ -48,6 +51,9 @@ double Faults::befall(std::vector<std::uint8_t>& reply) {
         break;
     case Fault::corrupted: // always another byte than before
         reply[noise_.below(reply.size())] ^= static_cast<std::uint8_t>(1 + noise_.below(255));
+        break;
+    case Fault::foreign: // lost where there is none before it
+        reply = before;
         break;
     case Fault::surplus:
         for (std::uint64_t stray = 1 + noise_.below(3); stray > 0; --stray) {

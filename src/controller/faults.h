@@ -12,14 +12,16 @@
 
 namespace ecu::controller {
 
-enum class Fault : std::uint8_t { lost, late, cut, corrupted, surplus };
-inline constexpr std::size_t fault_count = 5;
+// `foreign`: the reply of the message before comes once more, in this one's place.
+enum class Fault : std::uint8_t { lost, late, cut, corrupted, surplus, foreign };
+inline constexpr std::size_t fault_count = 6;
 
 struct FaultPlan {
     std::array<double, fault_count> rate{};    // 0 to 1, by Fault; the first kind that strikes is the one that does
     double late_by = 0.15;                     // seconds; the console gives a try 0.1
     bool silent = false;                       // hears nothing, says nothing
     std::optional<std::uint64_t> unplug_after; // so many replies; the request after them pulls the plug
+    std::optional<std::uint32_t> replug_as;    // then another controller is plugged in, of this serial number
 
     double& operator[](Fault fault) { return rate[static_cast<std::size_t>(fault)]; }
 };
@@ -33,6 +35,8 @@ public:
     void set_silent(bool silent) { plan_.silent = silent; }
     void unplug() { unplugged_ = true; }
     void plug_in();
+
+    const std::optional<std::uint32_t>& replug_as() const { return plan_.replug_as; }
 
     bool silent() const { return plan_.silent; }
     bool unplugged() const { return unplugged_; }
@@ -49,6 +53,7 @@ private:
     Noise noise_;
     std::optional<Fault> forced_;
     int forced_times_ = 0;
+    std::vector<std::uint8_t> reply_before_;
     std::uint64_t replies_ = 0;
     bool unplugged_ = false;
 };

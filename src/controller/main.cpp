@@ -6,6 +6,7 @@
 
 #include <csignal>
 #include <iostream>
+#include <memory>
 #include <sys/signalfd.h>
 #include <system_error>
 
@@ -44,14 +45,15 @@ int run(const controller::Options& options) {
         }
     }
     const controller::Descriptor end = watch_end_signals();
-    controller::PtyServer server(machine);
-    if (!options.link_path.empty()) {
-        if (const std::string error = controller::make_device_link(options.link_path, server.device());
-            !error.empty()) {
-            return complain(error);
-        }
+    auto server = std::make_unique<controller::PtyServer>(machine);
+    const auto make_link = [&] {
+        return options.link_path.empty() ? std::string()
+                                         : controller::make_device_link(options.link_path, server->device());
+    };
+    if (const std::string error = make_link(); !error.empty()) {
+        return complain(error);
     }
-    std::cout << server.device() << std::endl;
+    std::cout << server->device() << std::endl;
 
     controller::ControllerMemory saved = machine.memory();
     std::string error;
@@ -61,13 +63,24 @@ int run(const controller::Options& options) {
             error = controller::save_state(state_path, saved);
         }
     };
-    server.serve(end.get(), save_changes);
+    server->serve(end.get(), save_changes);
     if (machine.unplugged()) {
         std::cerr << "ecu-controller: the plug has been pulled, as asked for\n";
+        save_changes();
+        if (const auto other = machine.faults().replug_as(); other && !options.link_path.empty()) {
+            machine.exchange(*other);
+            saved = machine.memory(); // the other controller's is kept nowhere
+            server = std::make_unique<controller::PtyServer>(machine);
+            if (const std::string trouble = make_link(); !trouble.empty()) {
+                return complain(trouble);
+            }
+            server->serve(end.get(), [] {});
+            saved = machine.memory();
+        }
     }
     save_changes();
     if (!options.link_path.empty()) {
-        controller::remove_device_link(options.link_path, server.device());
+        controller::remove_device_link(options.link_path, server->device());
     }
     return error.empty() ? 0 : complain(error);
 }

@@ -9,7 +9,10 @@ namespace ecu::controller {
 
 namespace {
 
-constexpr std::array<std::string_view, fault_count> fault_names{"lost", "late", "cut", "corrupted", "surplus"};
+constexpr std::array<std::string_view, fault_count> fault_names{"lost",      "late",    "cut",
+                                                                "corrupted", "surplus", "foreign"};
+
+constexpr std::uint64_t highest_serial = 0xFFFFFF; // 24 bits travel
 
 // A whole number, hexadecimal behind "0x", at most `highest`.
 std::optional<std::uint64_t> whole_number(std::string_view text, std::uint64_t highest) {
@@ -54,13 +57,21 @@ std::string read_fault(std::string_view item, FaultPlan& plan) {
         plan.unplug_after = whole_number(value, UINT32_MAX);
         return plan.unplug_after ? "" : refused("--faults", item, "a number of replies is wanted");
     }
+    if (name == "replug-as") {
+        if (const std::optional<std::uint64_t> serial = whole_number(value, highest_serial)) {
+            plan.replug_as = static_cast<std::uint32_t>(*serial);
+            return "";
+        }
+        return refused("--faults", item, "a serial number up to 16777215 is wanted");
+    }
     if (item == "silent") {
         plan.silent = true;
         return "";
     }
-    return refused("--faults", item,
-                   "known are lost, late, cut, corrupted, surplus (each =RATE), late-by=SECONDS, unplug-after=N and "
-                   "silent");
+    return refused(
+        "--faults", item,
+        "known are lost, late, cut, corrupted, surplus, foreign (each =RATE), late-by=SECONDS, unplug-after=N, "
+        "replug-as=SERIAL and silent");
 }
 
 std::string read_faults(std::string_view list, FaultPlan& plan) {
@@ -113,6 +124,9 @@ std::string read_option(std::string_view option, std::string_view value, Options
     if (option == "--seed") {
         return read_whole(option, value, UINT32_MAX, firmware.seed);
     }
+    if (option == "--serial") {
+        return read_whole(option, value, highest_serial, firmware.serial_number);
+    }
     if (option == "--capabilities") {
         return read_whole(option, value, UINT16_MAX, firmware.capabilities);
     }
@@ -160,8 +174,10 @@ until it is ended (Ctrl+C).
   --engine KIND         what the engine does: idle, cruise, pull, or cycle through them (the default)
   --seed N              another engine noise, and other moments for the faults
   --faults LIST         what goes wrong with replies, separated by commas: lost=RATE, late=RATE, cut=RATE,
-                        corrupted=RATE, surplus=RATE (rates from 0 to 1), late-by=SECONDS (0.15 without),
-                        unplug-after=N replies, silent
+                        corrupted=RATE, surplus=RATE, foreign=RATE (rates from 0 to 1; foreign: the reply of the
+                        message before), late-by=SECONDS (0.15 without), unplug-after=N replies, replug-as=SERIAL
+                        (with --link: then another controller is plugged in there), silent
+  --serial N            the serial number (104077)
   --capabilities WORD   the word of drivers and functions (0x3F88: all of them)
   --compatibility N     the protocol revision (20003)
   --help                this text

@@ -1,11 +1,11 @@
 #include "controller/state_file.h"
 
+#include "platform/safe_file.h"
+
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <charconv>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <optional>
@@ -141,17 +141,10 @@ std::string load_state(const std::string& path, ControllerMemory& memory) {
 }
 
 std::string save_state(const std::string& path, const ControllerMemory& memory) {
-    const std::string fresh = path + ".new";
-    std::ofstream file(fresh, std::ios::binary | std::ios::trunc);
-    file << text_of(memory);
-    file.close();
-    if (!file || std::rename(fresh.c_str(), path.c_str()) != 0) {
-        const std::string reason = std::strerror(errno);
-        std::remove(fresh.c_str());
-        return "The state file " + path + " cannot be written (" + reason + "). Make its folder writable, or name " +
-               "another one.";
-    }
-    return {};
+    const std::string reason = platform::replace_file(path, text_of(memory));
+    return reason.empty() ? ""
+                          : "The state file " + path + " cannot be written (" + reason +
+                                "). Make its folder writable, " + "or name another one.";
 }
 
 } // namespace ecu::controller

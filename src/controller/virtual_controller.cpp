@@ -102,4 +102,15 @@ std::vector<std::uint8_t> VirtualController::take_output(double now) {
     return bytes;
 }
 
+void VirtualController::exchange(std::uint32_t serial_number) {
+    constexpr calibration::Table fuel = calibration::table("MAPM");
+    firmware_.set_serial_number(serial_number);
+    for (std::size_t at = fuel.base; at < std::size_t{fuel.base} + fuel.cells(); ++at) {
+        memory().store_cell(at, static_cast<std::uint8_t>(memory().cell(at) + 1));
+    }
+    pending_.clear();
+    output_.clear();
+    faults_.plug_in();
+}
+
 } // namespace ecu::controller

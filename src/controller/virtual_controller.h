@@ -33,6 +33,9 @@ public:
     // Takes all that has reached the console by `now`.
     std::vector<std::uint8_t> take_output(double now);
 
+    // Another controller in this one's place: of this serial number, with another fuel map, and plugged in.
+    void exchange(std::uint32_t serial_number);
+
     bool unplugged() const { return faults_.unplugged(); }
     Faults& faults() { return faults_; }
     Firmware& firmware() { return firmware_; }

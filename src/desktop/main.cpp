@@ -1,4 +1,5 @@
 // The console: `ecu-console` or `ecu-console demo`, started in the folder that holds its files.
+#include "adapters/end_signals.h"
 #include "desktop/theme.h"
 #include "desktop/windows/desktop_console.h"
 
@@ -18,6 +19,7 @@ int main(int argc, char** argv) {
     }
     ecu::desktop::theme::apply(application);
     ecu::desktop::DesktopConsole desktop;
+    const ecu::adapters::EndSignals end_signals([&desktop] { desktop.ports().program.end(0); });
     desktop.console().start(words.isEmpty() ? "" : words[0].toStdString());
     return QApplication::exec();
 }

@@ -1,5 +1,6 @@
 #include "link/ecu_comm.h"
 
+#include "link/answers.h"
 #include "link/frm_dialog.h"
 #include "link/frm_retries.h"
 #include "platform/display_mask.h"
@@ -36,6 +37,23 @@ std::string failed_frame(const Request& frame, std::size_t last_count) {
     return text + "   Cnt = " + std::to_string(last_count);
 }
 
+std::string what_arrived(std::size_t bytes, Verdict verdict) {
+    const std::string count = std::to_string(bytes) + (bytes == 1 ? " byte" : " bytes");
+    switch (verdict) {
+    case Verdict::silent:
+    case Verdict::accepted:
+    case Verdict::given_up:
+        return "nothing arrived";
+    case Verdict::damaged:
+        return "the last brought " + count + " that are no whole reply";
+    case Verdict::untaken:
+        return "the last brought a reply of another size, " + count;
+    case Verdict::foreign:
+        return "the last brought the reply of another message";
+    }
+    return {};
+}
+
 // Counts how deep transactions are nested, also when the program is ended out of one.
 class Nesting {
 public:
@@ -66,31 +84,53 @@ Outcome EcuComm::send_ecu_message(const Message& message, int expected_length) {
     }
     const Nesting nesting(depth_);
     drain_input();
-    const Request frame = build_request(message);
-    const int wanted_count = expected_length + static_cast<int>(checksum_size);
-    std::size_t last_count = 0;
-    for (int tries = 0; tries < tries_before_dialog;) {
+    Try now{.frame = build_request(message), .wanted_count = expected_length + static_cast<int>(checksum_size)};
+    while (now.number < tries_before_dialog) {
         ports_.waiting.process_events();
         state_.reply_accepted = false;
-        count_bytes(state_.tx_byte_count, frame.size());
-        write_and_wait(frame, wanted_count);
-        last_count = receive_count();
-        count_bytes(state_.rx_byte_count, last_count);
+        note_opening();
+        if (opened_anew()) {
+            tell(now, {}, Verdict::given_up);
+            return Outcome::unanswered;
+        }
+        ++now.number;
+        count_bytes(state_.tx_byte_count, now.frame.size());
+        now.sent_at = ports_.now();
+        write(now);
+        await_bytes(now, reply_timeout());
+        Verdict verdict = take_reply(now);
+        if (verdict == Verdict::foreign) {
+            verdict = let_line_rest(now);
+        }
         // Set here once more, because a transaction inside the waits leaves its own outcome in the shared flag.
-        state_.reply_accepted = receive_ecu_reply();
+        state_.reply_accepted = verdict == Verdict::accepted;
         if (state_.reply_accepted) {
             return Outcome::accepted;
         }
-        if (++tries >= first_try_shown) {
-            retries_.write_retries(std::to_string(tries));
+        now.last_verdict = verdict;
+        if (now.number >= first_try_shown) {
+            retries_.write_retries(std::to_string(now.number));
             ports_.waiting.process_events();
         }
     }
-    state_.failed_frame_text = failed_frame(frame, last_count);
+    state_.reply_accepted = false;
+    state_.failed_frame_text = failed_frame(now.frame, now.last_count);
+    tell(now, {}, Verdict::given_up);
     if (!state_.demo_mode) {
-        ask_after_failure();
+        ask_after_failure(now);
     }
     return Outcome::unanswered;
+}
+
+// A device that was plugged in again may be another one: what was known of the controller goes.
+void EcuComm::note_opening() {
+    if (!remote()) {
+        comm1_.reopen_lost();
+        if (known_opening_ != comm1_.openings()) {
+            known_opening_ = comm1_.openings();
+            state_.identity = {};
+        }
+    }
 }
 
 // What came too late for an earlier message must not stand before this one's reply.
@@ -105,32 +145,62 @@ void EcuComm::drain_input() {
     }
 }
 
-void EcuComm::write_and_wait(const Request& frame, int wanted_count) {
-    const bool over_network = remote();
-    if (over_network) {
+void EcuComm::write(const Try& now) {
+    if (remote()) {
         // The far end is told how many bytes to wait for.
-        std::array<std::uint8_t, 1 + request_size> datagram{static_cast<std::uint8_t>(wanted_count)};
-        std::ranges::copy(frame, datagram.begin() + 1);
+        std::array<std::uint8_t, 1 + request_size> datagram{static_cast<std::uint8_t>(now.wanted_count)};
+        std::ranges::copy(now.frame, datagram.begin() + 1);
         outgoing_sock_.send(datagram);
     } else {
-        comm1_.write(frame);
+        comm1_.write(now.frame);
     }
-    // A count that has overshot never becomes equal; its wait runs out.
-    platform::wait_until(ports_.waiting, ports_.clock, over_network ? remote_timeout : serial_timeout,
-                         [&] { return receive_count() == static_cast<std::size_t>(wanted_count); });
+}
+
+float EcuComm::reply_timeout() const { return remote() ? remote_timeout : serial_timeout; }
+
+// A count that has overshot never becomes equal; its wait runs out.
+void EcuComm::await_bytes(const Try& now, float seconds) {
+    platform::wait_until(ports_.waiting, ports_.clock, seconds,
+                         [&] { return receive_count() == static_cast<std::size_t>(now.wanted_count); });
+}
+
+Verdict EcuComm::take_reply(Try& now) {
+    now.last_count = receive_count();
+    count_bytes(state_.rx_byte_count, now.last_count);
+    return receive_ecu_reply(now);
+}
+
+// A frame of another message came in this one's place, so the answer may be on its way behind it, and behind that the
+// answers of tries that were thought lost. They have the time of one try to arrive and are received like any other;
+// what is left then is dropped, so that the next try meets a line at rest.
+Verdict EcuComm::let_line_rest(Try& now) {
+    const float start = ports_.now();
+    for (;;) {
+        const float left = reply_timeout() - ports_.elapsed_since(start);
+        if (left <= 0) {
+            break;
+        }
+        await_bytes(now, left);
+        if (receive_count() > 0 && take_reply(now) == Verdict::accepted) {
+            return Verdict::accepted;
+        }
+    }
+    drain_input();
+    return Verdict::foreign;
 }
 
 std::size_t EcuComm::receive_count() const { return remote() ? outgoing_sock_.available() : comm1_.available(); }
 
-// Whether a decoder accepted the reply. A frame that fails a check is dropped without a word; the sender tries again.
-bool EcuComm::receive_ecu_reply() {
+// A frame that fails a check is dropped without a word; the sender tries again.
+Verdict EcuComm::receive_ecu_reply(const Try& now) {
     if (remote()) {
         state_.remote_answering = false;
     }
-    bool accepted = false;
+    Verdict verdict = Verdict::silent;
+    std::vector<std::uint8_t> received;
     if (const std::size_t count = receive_count(); count > 0) {
         state_.last_activity_time = ports_.now();
-        const std::vector<std::uint8_t> received = remote() ? outgoing_sock_.read(count) : comm1_.read(count);
+        received = remote() ? outgoing_sock_.read(count) : comm1_.read(count);
         if (remote() && count > 1) {
             state_.remote_answering = true;
         }
@@ -138,13 +208,16 @@ bool EcuComm::receive_ecu_reply() {
         std::copy_n(received.begin(), std::min(received.size(), reply.size()), reply.begin());
         const ReplyCheck check = check_reply(reply, received.size());
         if (check.fault != FrameFault::none) {
-            return false;
+            tell(now, received, Verdict::damaged, check.fault);
+            return Verdict::damaged;
         }
-        accepted = offer_to_decoders(reply, check.payload_count);
+        const bool taken = offer_to_decoders(reply, check.payload_count);
+        verdict = !answers(now.frame, reply) ? Verdict::foreign : taken ? Verdict::accepted : Verdict::untaken;
         note_reply_interval();
     }
     watch_activity();
-    return accepted;
+    tell(now, received, verdict);
+    return verdict;
 }
 
 // All decoders see every reply; each does nothing for a code that is not its own.
@@ -195,18 +268,62 @@ void EcuComm::watch_activity() {
     }
 }
 
+Observation EcuComm::observe(Observer observer) {
+    std::erase_if(observers_, [](const auto& gone) { return gone.expired(); });
+    auto observation = std::make_shared<const Observer>(std::move(observer));
+    observers_.push_back(observation);
+    return observation;
+}
+
+void EcuComm::tell(const Try& now, std::span<const std::uint8_t> reply, Verdict verdict, FrameFault fault) const {
+    if (observers_.empty()) {
+        return;
+    }
+    const Observed observed{.request = now.frame,
+                            .reply = reply,
+                            .verdict = verdict,
+                            .fault = fault,
+                            .sent_at = now.sent_at,
+                            .seconds = ports_.elapsed_since(now.sent_at),
+                            .tries = now.number,
+                            .depth = depth_};
+    // By index and held: an observer may begin or end an observation.
+    for (std::size_t i = 0; i < observers_.size(); ++i) {
+        if (const Observation observer = observers_[i].lock()) {
+            (*observer)(observed);
+        }
+    }
+}
+
+// What is known of a link that does not answer, for the tuner who has to find the fault.
+std::string EcuComm::failure_details(const Try& last) const {
+    const std::string tries = std::to_string(last.number) + " tries, ";
+    const std::string demo = "\nDemo shows made-up values; it lasts until the program is started anew.";
+    if (remote()) {
+        return "Server " + state_.remote_server_ip + ": " + tries + what_arrived(last.last_count, last.last_verdict) +
+               (state_.remote_answering ? ".\nCheck the controller's power and its cable at the server."
+                                        : ".\nCheck the network, and that the server still runs there.") +
+               demo;
+    }
+    const std::string device = comm1_.device_of(state_.comm_port_number);
+    const std::string port =
+        "COM" + std::to_string(state_.comm_port_number) + (device.empty() ? "" : " (" + device + ")");
+    if (!comm1_.is_open()) {
+        return "The device of the serial port is gone. Plug it in again, then choose Try Again.\n" + port + demo;
+    }
+    return port + ", " + std::to_string(controller_baud) + " baud: " + tries +
+           what_arrived(last.last_count, last.last_verdict) +
+           ".\nCheck the controller's power, the cable, and that this is the port it is plugged into." + demo;
+}
+
 // The message is lost whatever the answer: one that is polled comes again by itself.
-void EcuComm::ask_after_failure() {
+void EcuComm::ask_after_failure(const Try& last) {
     std::string_view text = "Communications has failed, Run Demo mode?";
     if (remote()) {
         text = state_.remote_answering ? "Communications has failed, Remote server IS responding, ECU hardware is NOT."
                                        : "Communications has failed, Remote server IS NOT responding";
     }
-    const std::string_view reason =
-        remote() || comm1_.is_open()
-            ? ""
-            : "The device of the serial port is gone. Plug it in again, then choose Try Again.";
-    switch (dialog_.ask(text, {"Try Again", "Demo", "Abort", "Terminate"}, reason).value_or(0)) {
+    switch (dialog_.ask(text, {"Try Again", "Demo", "Abort", "Terminate"}, failure_details(last)).value_or(0)) {
     case 1:
         state_.demo_mode = true;
         break;

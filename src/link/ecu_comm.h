@@ -1,9 +1,11 @@
 // The message transaction: the only way to the controller. A request is 8 bytes; the reply's exact byte count is
 // awaited while events are handled, checked, and offered to the decoders in order; ten tries, then the failure dialog.
-// The caller learns of success only through SharedState::reply_accepted and what the decoders stored.
+// The decoders see every good frame; a try is answered only by one of its own request (answers.h). After a foreign
+// frame the line is let come to rest before the next try, so that no reply stays one behind its request.
 #pragma once
 
 #include "link/frame.h"
+#include "link/observation.h"
 #include "link/shared_state.h"
 #include "platform/form.h"
 #include "platform/ports.h"
@@ -11,6 +13,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -20,6 +23,8 @@ namespace ecu::link {
 using Message = std::vector<std::uint8_t>;
 // Called with the reply and its payload_count, the frame's length without the two checksum bytes.
 using Decoder = std::function<void(const Reply& reply, int payload_count)>;
+
+inline constexpr int controller_baud = 38400;
 
 // What became of a message: a decoder took its reply; ten tries went without; it was never let through.
 enum class Outcome : std::uint8_t { accepted, unanswered, not_sent };
@@ -47,16 +52,45 @@ public:
     // True while a transaction runs, also for an event handled inside its waits.
     bool busy() const { return depth_ > 0; }
 
+    // From now on every frame that passes is told to `observer`, for as long as the result is held.
+    [[nodiscard]] Observation observe(Observer observer);
+
+    // A sequence for one controller only (same_controller.h): nothing is sent through another opening of the port than
+    // this one. A message that meets one ends unanswered, without its dialog. Returns what was held to before.
+    using Opening = std::optional<std::uint32_t>;
+    Opening hold_to(Opening opening) { return std::exchange(held_opening_, opening); }
+    Opening this_opening() const { return comm1_.openings(); }
+    bool opened_anew() const { return held_opening_ && !remote() && this_opening() != held_opening_; }
+    // The device of the serial port went away, and nothing has been sent since.
+    bool port_gone() const { return !remote() && !comm1_.is_open(); }
+
 private:
+    // One message on its way, on the stack of its call.
+    struct Try {
+        Request frame;
+        int wanted_count = 0;
+        int number = 0;
+        float sent_at = 0;
+        std::size_t last_count = 0;
+        Verdict last_verdict = Verdict::silent;
+    };
+
     bool remote() const { return !state_.remote_server_ip.empty(); }
     std::size_t receive_count() const;
     void drain_input();
-    void write_and_wait(const Request& frame, int wanted_count);
-    bool receive_ecu_reply();
+    void write(const Try& now);
+    void await_bytes(const Try& now, float seconds);
+    float reply_timeout() const;
+    Verdict take_reply(Try& now);
+    Verdict let_line_rest(Try& now);
+    Verdict receive_ecu_reply(const Try& now);
     bool offer_to_decoders(const Reply& reply, int payload_count);
+    void note_opening();
+    void tell(const Try& now, std::span<const std::uint8_t> reply, Verdict verdict, FrameFault fault = {}) const;
     void note_reply_interval();
     void watch_activity();
-    void ask_after_failure();
+    std::string failure_details(const Try& last) const;
+    void ask_after_failure(const Try& last);
 
     const platform::Ports& ports_;
     SharedState& state_;
@@ -66,6 +100,9 @@ private:
     FrmRetries& retries_;
     platform::Label& group_delay_;
     std::array<Decoder, 3> decoders_;
+    std::vector<std::weak_ptr<const Observer>> observers_;
+    Opening held_opening_;
+    std::uint32_t known_opening_ = 0; // of SharedState::identity
     int depth_ = 0;
 };
 

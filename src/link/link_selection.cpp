@@ -2,8 +2,8 @@
 
 #include "link/frm_dialog.h"
 #include "platform/display_mask.h"
-#include "platform/replace_file.h"
 #include "platform/rounding.h"
+#include "platform/safe_file.h"
 #include "platform/small_file.h"
 
 #include <algorithm>

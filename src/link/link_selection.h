@@ -9,8 +9,6 @@
 
 namespace ecu::link {
 
-inline constexpr int controller_baud = 38400;
-
 class LinkSelection {
 public:
     // `main_form` is FrmEcu, whose caption shows the port.

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace ecu::link {
@@ -33,6 +34,12 @@ enum class ViewRequest : std::uint8_t {
     diagnostics,
 };
 
+// Who answers, as far as it has told through this opening of the port.
+struct ControllerIdentity {
+    std::optional<std::int32_t> firmware;
+    std::optional<std::uint32_t> serial;
+};
+
 struct SharedState {
     // Link
     bool demo_mode = false;    // no controller; there is no way back inside a run
@@ -50,6 +57,7 @@ struct SharedState {
     float last_activity_time = 0; // seconds since midnight
     float last_reply_time = 0;
     std::array<float, 16> reply_intervals{}; // seconds, the newest last
+    ControllerIdentity identity;             // forgotten when the port is opened anew
     std::string failed_frame_text;           // "Buffer = 02 08 ... Cnt = n" of the last message that failed ten times
 
     // Views

@@ -1,6 +1,7 @@
 #include "logging/plotter.h"
 
 #include "calibration/encoding.h"
+#include "link/pause.h"
 #include "logging/log_name.h"
 #include "logging/log_row.h"
 #include "platform/display_mask.h"
@@ -72,7 +73,13 @@ void Plotter::wire() {
 
 void Plotter::activate() {
     form_.form.set_caption("Plotter" + state_.link_title_suffix);
-    state_.polling_paused = true;
+    take_over();
+    ports_.wait_seconds(0.1F);
+}
+
+// The strip and its scales as the controller and the boxes have them, before the first sample is asked for.
+void Plotter::take_over() {
+    const link::Pause paused(state_);
     ports_.wait_seconds(0.1F);
     form_.Command3d3.set_enabled(logging_active_);
     form_.Command3d2.set_enabled(!logging_active_);
@@ -86,8 +93,6 @@ void Plotter::activate() {
         form_.Strip1.set_channel(i, channel);
     }
     note_scales();
-    state_.polling_paused = false;
-    ports_.wait_seconds(0.1F);
 }
 
 void Plotter::note_scales() {

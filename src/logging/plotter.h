@@ -27,6 +27,7 @@ public:
             MonitorLabels monitor, FrmPlotter& form);
 
     void activate();
+    void take_over();
     void start_logging();
     void stop_logging();
     void plot_and_log_sample();

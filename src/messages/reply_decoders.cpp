@@ -1,5 +1,7 @@
 #include "messages/reply_decoders.h"
 
+#include "link/answers.h"
+
 #include <cstdio>
 
 namespace ecu::messages {
@@ -28,6 +30,29 @@ constexpr const Parameter& tps_fs = calibration::parameter("TPS_FS");
 constexpr bool is_element(calibration::WriteForm form) {
     return form == calibration::WriteForm::element_byte || form == calibration::WriteForm::element_word;
 }
+
+// Every reply that repeats an address or an element is known as such to the link, and no other is.
+consteval bool link_knows_what_replies_repeat() {
+    for (int code = 0; code < 256; ++code) {
+        const auto byte = static_cast<std::uint8_t>(code);
+        const Parameter* written = calibration::written_by(byte);
+        const bool block = std::ranges::find(calibration::block_reads, byte, &calibration::BlockRead::command) !=
+                           calibration::block_reads.end();
+        const link::Echo echo = byte == calibration::read_cell || byte == calibration::write_cell || block
+                                    ? link::Echo::address
+                                : byte == wheel_block.code || (written != nullptr && is_element(written->write.form))
+                                    ? link::Echo::element
+                                    : link::Echo::code_only;
+        if (link::echo_of(byte) != echo) {
+            return false;
+        }
+    }
+    return std::ranges::equal(unasked, link::codes::volunteered, [](const Command& command, std::uint8_t volunteered) {
+        return std::ranges::find(link::codes::volunteered, command.code) != link::codes::volunteered.end() &&
+               std::ranges::find(unasked, volunteered, &Command::code) != unasked.end();
+    });
+}
+static_assert(link_knows_what_replies_repeat());
 
 // 10200 is "V1.02.00".
 std::string revision_text(std::int32_t word) {
@@ -197,12 +222,14 @@ void ReplyDecoders::decode_identity(const link::Reply& reply) {
     const std::int32_t word = word_at(reply, data_at);
     if (reply[code_at] == firmware_revision.code) {
         image_.firmware_revision = word;
+        state_.identity.firmware = word;
         firmware_text_.set_text(revision_text(word));
         return;
     }
     // The reply ends before the second word's high byte: what stands there is the checksum.
     const std::uint32_t high = reply[data_at + 2];
     image_.serial_number = high * 65536U + static_cast<std::uint32_t>(word);
+    state_.identity.serial = image_.serial_number;
     serial_text_.set_text(std::to_string(image_.serial_number));
 }
 

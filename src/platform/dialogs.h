@@ -16,7 +16,7 @@ struct MessageBox {
     std::string title = "ECU System Console";
     Buttons buttons = Buttons::ok;
     Icon icon = Icon::none;
-    Answer preset = Answer::ok; // the default button; for yes/no boxes only: yes unless set to no
+    Answer preset = Answer::ok; // the default button: yes or OK unless set to no or cancel
     std::string details = {};   // the system's reason, shown on request
 };
 

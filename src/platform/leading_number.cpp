@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
+#include <limits>
 
 namespace ecu::platform {
 
@@ -13,6 +14,25 @@ std::size_t skip_digits(std::string_view text, std::size_t at) {
         ++at;
     }
     return at;
+}
+
+// Of a number whose magnitude no double holds: whether it is too large rather than too small. The exponent of its
+// first digit that is not 0 tells.
+bool beyond_range(std::string_view number) {
+    const std::size_t e = std::min(number.find_first_of("eE"), number.size());
+    const std::string_view mantissa = number.substr(0, e);
+    const std::size_t first = mantissa.find_first_of("123456789");
+    if (first == std::string_view::npos) {
+        return false;
+    }
+    const std::size_t point = std::min(mantissa.find('.'), mantissa.size());
+    std::string_view digits = number.substr(std::min(e + 1, number.size()));
+    digits.remove_prefix(digits.starts_with('+') ? 1 : 0);
+    long long exponent = 0;
+    if (std::from_chars(digits.data(), digits.data() + digits.size(), exponent).ec == std::errc::result_out_of_range) {
+        return !digits.starts_with('-');
+    }
+    return static_cast<long long>(point) - static_cast<long long>(first) + exponent > 0;
 }
 
 bool is_sign(std::string_view text, std::size_t at) { return at < text.size() && (text[at] == '+' || text[at] == '-'); }
@@ -32,9 +52,12 @@ double leading_number(std::string_view text) {
             end = exponent_end;
         }
     }
-    // A text with no digit, or a number beyond all range, leaves the 0.
+    // A text with no digit leaves the 0.
     double value = 0;
-    std::from_chars(text.data() + digits, text.data() + end, value);
+    const auto read = std::from_chars(text.data() + digits, text.data() + end, value);
+    if (read.ec == std::errc::result_out_of_range) {
+        value = beyond_range(text.substr(digits, end - digits)) ? std::numeric_limits<double>::max() : 0;
+    }
     return text.starts_with('-') ? 0 - value : value;
 }
 

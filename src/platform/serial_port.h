@@ -19,7 +19,11 @@ public:
     virtual void close() = 0;
     virtual bool is_open() const = 0;
     virtual void write(std::span<const std::uint8_t> bytes) = 0; // queued; a closed or broken port takes none
-    virtual std::size_t available() const = 0;                   // received and not yet read
+    // Tries once to open a port whose device went away while it was open; a write does so by itself.
+    virtual void reopen_lost() {}
+    // How often the port was opened. What answers after it has grown may be another device.
+    virtual std::uint32_t openings() const { return 0; }
+    virtual std::size_t available() const = 0; // received and not yet read
     virtual std::vector<std::uint8_t> read(std::size_t at_most) = 0;
     virtual std::size_t output_pending() const = 0; // written and not yet on the wire
     // Pushes queued output on without letting events through; returns after `milliseconds` at the latest.

@@ -1,4 +1,4 @@
-// Reading the small files of the working folder, and how messages name them. replace_file.h writes them.
+// Reading the small files of the working folder, and how messages name them. safe_file.h writes them.
 #pragma once
 
 #include "platform/ports.h"

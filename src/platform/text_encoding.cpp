@@ -99,4 +99,23 @@ std::string as_utf8(std::string_view text) {
     return converted;
 }
 
+std::string printable(std::string_view text) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    std::string out;
+    const auto escape = [&](unsigned char byte) { out += {'\\', 'x', digits[byte >> 4U], digits[byte & 0xFU]}; };
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0);
+        if (byte < 0x20 || byte == 0x7F) {
+            escape(byte);
+        } else if (byte == 0xC2 && next >= 0x80 && next < 0xA0) { // the second set of control characters, in UTF-8
+            escape(next);
+            ++i;
+        } else {
+            out += text[i];
+        }
+    }
+    return out;
+}
+
 } // namespace ecu::platform

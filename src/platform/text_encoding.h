@@ -10,4 +10,7 @@ namespace ecu::platform {
 // dropped; half a pair of UTF-16 becomes the replacement character.
 std::string as_utf8(std::string_view text);
 
+// For messages and terminals: what would act on them, control characters and the zero byte, stands as "\x1B".
+std::string printable(std::string_view text);
+
 } // namespace ecu::platform

@@ -1,5 +1,6 @@
 #include "shell/about.h"
 
+#include "link/pause.h"
 #include "messages/catalogue.h"
 
 namespace ecu::shell {
@@ -25,7 +26,12 @@ void About::open() {
 }
 
 void About::activate() {
-    state_.polling_paused = true;
+    ask_controller();
+    ports_.wait_seconds(a_moment);
+}
+
+void About::ask_controller() {
+    const link::Pause paused(state_);
     ports_.wait_seconds(a_moment);
     for (const messages::Command& question : {messages::firmware_revision, messages::serial_number}) {
         if (form_.form.visible()) { // not if the user left during the first
@@ -37,8 +43,6 @@ void About::activate() {
     }
     form_.comm_details.set_text(state_.failed_frame_text.empty() ? "No message has failed since the start."
                                                                  : state_.failed_frame_text);
-    state_.polling_paused = false;
-    ports_.wait_seconds(a_moment);
 }
 
 } // namespace ecu::shell

@@ -18,6 +18,7 @@ public:
 
 private:
     void activate();
+    void ask_controller();
 
     const platform::Ports& ports_;
     link::SharedState& state_;

@@ -64,7 +64,8 @@ struct FrmEcu {
     platform::MenuItem menu_about{form, "menu_about", "&About"};
 
     platform::Picture Picture1{form, "Picture1"};
-    platform::Label link_state{form, "link_state"}; // how the controller is reached at the moment
+    platform::Label link_state{form, "link_state"};           // how the controller is reached at the moment
+    platform::Label transfer_result{form, "transfer_result"}; // what became of the last one
 
     platform::Button Command3d4{form, "Command3d4", "Monitor"};
     platform::Button Command1{form, "Command1", "Dashboard"};

@@ -30,6 +30,7 @@ constexpr std::array<ViewEntry, 8> view_entries{{
 MainConsole::MainConsole(const Use& use) : use_(use) {
     FrmEcu& form = use_.form;
     form.form.on_activate = [this] { activate(); };
+    form.form.on_close = instead_of_a_view([this] { ask_to_quit(); });
     form.form.on_unload = [this] { use_.ports.program.end(0); };
     form.menu_file_exit.clicked = form.Command3d5.clicked = instead_of_a_view([this] { ask_to_quit(); });
     form.menu_about.clicked = form.Command3d6.clicked = instead_of_a_view([this] { use_.about.open(); });
@@ -150,7 +151,8 @@ void MainConsole::prepare_to_reflash() {
     const platform::Answer answer =
         use_.ports.dialogs.message_box({.text = "Do you really want to stop the controller and re-flash its memory?",
                                         .buttons = platform::Buttons::ok_cancel,
-                                        .icon = platform::Icon::question});
+                                        .icon = platform::Icon::warning,
+                                        .preset = platform::Answer::cancel});
     use_.link_selection.open_comm_link();
     if (answer == platform::Answer::ok) {
         use_.state.reset_comm_watch = true;

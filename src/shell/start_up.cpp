@@ -14,6 +14,7 @@ namespace {
 
 constexpr const char* picture_file = "OEM.JPG";
 constexpr const char* text_file = "OEM.TXT";
+constexpr std::size_t longest_text = 65536; // bytes
 constexpr const char* master_mode_file = "debug.ini";
 
 bool says_demo(std::string_view command_line) {
@@ -63,6 +64,23 @@ void show_picture(const StartUp& console) {
     }
 }
 
+// A text box that is given megabytes holds the whole console up.
+std::string about_text(std::string file) {
+    const bool whole = file.size() <= longest_text;
+    if (!whole) {
+        file.resize(longest_text);
+        // No half of a character stays at the end: the whole would be taken for another encoding.
+        while (!file.empty() && (static_cast<unsigned char>(file.back()) & 0xC0U) == 0x80U) {
+            file.pop_back();
+        }
+        if (!file.empty() && static_cast<unsigned char>(file.back()) >= 0xC0U) {
+            file.pop_back();
+        }
+    }
+    std::string text = platform::as_utf8(file);
+    return whole ? text : text + "\n... (the file is longer; only its beginning is shown)";
+}
+
 } // namespace
 
 void start_up(const StartUp& console, std::string_view command_line) {
@@ -81,8 +99,7 @@ void start_up(const StartUp& console, std::string_view command_line) {
     check_port_item(console);
     set_title(console);
     show_picture(console);
-    console.about_form.oemtext.set_text(
-        platform::as_utf8(required_file(console, text_file, "the text of the About window")));
+    console.about_form.oemtext.set_text(about_text(required_file(console, text_file, "the text of the About window")));
     console.scales.map_span = 115;
     console.scales.map_base = 10;
     if (console.label_axes) {

@@ -1,7 +1,7 @@
 #include "shell/units.h"
 
-#include "platform/replace_file.h"
 #include "platform/rounding.h"
+#include "platform/safe_file.h"
 #include "platform/small_file.h"
 
 namespace ecu::shell {

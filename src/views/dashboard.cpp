@@ -1,6 +1,7 @@
 #include "views/dashboard.h"
 
 #include "calibration/encoding.h"
+#include "link/pause.h"
 #include "messages/catalogue.h"
 #include "platform/display_mask.h"
 #include "platform/leading_number.h"
@@ -153,7 +154,7 @@ void Dashboard::activate() {
 }
 
 void Dashboard::ask_controller() {
-    state_.polling_paused = true;
+    const link::Pause paused(state_);
     ports_.wait_seconds(0.1F);
     for (Trim& trim : trims_) {
         trim.box->set_back_colour(platform::pending); // unsure until the controller has answered
@@ -164,7 +165,6 @@ void Dashboard::ask_controller() {
     for (const calibration::ReadRequest& request : opening_reads) {
         comm_.poll(calibration::read_message(request), request.reply);
     }
-    state_.polling_paused = false;
 }
 
 void Dashboard::tell_held() {
@@ -227,7 +227,7 @@ void Dashboard::update() {
     if (opening_) {
         return;
     }
-    const Raised paused(state_.polling_paused);
+    const link::Pause paused(state_);
     ports_.wait_seconds(0.1F);
     for (const Trim& trim : trims_) {
         // An empty box that nobody has written shows that the controller did not answer. It would go out as 0, and

@@ -96,13 +96,17 @@ TEST(Entries, out_of_range_are_refused_in_their_own_words) {
 }
 
 TEST(Entries, are_held_or_masked_to_what_the_message_carries) {
-    for (const EntryCase& entry : std::vector<EntryCase>{
-             {"ACC_RATE", "0", 1},     {"EGO_RATE", "300", 127}, {"MIN_PRES", "5", 0},   {"ACC_MINP", "105", 65535},
-             {"TMP_THRS", "-30", 243}, {"TMP_THRS", "130", 127}, {"BAT_COMP", "410", 0}, {"F_CUT_T1", "1.285", 1},
-             {"IAC_DEAD", "-1", 255},  {"FSHF_RTM", "2", 255},   {"CRK_RPMH", "-5", 0},  {"RPMS", "40000", 32767},
-             {"GPOV", "-200", 0},      {"GPOV", "300", 255},     {"BOEN", "9", 0},       {"BOEN", "126", 255},
-             {"GGPO", "4", 3},         {"IGN3", "50", 255},      {"IDLE", "2100", 255},  {"EGOL", "3", 255},
-             {"STUT", "no number", 0}, {"EGO_SECS", "0.5", 0},   {"EGO_SECS", "1.5", 2}}) {
+    for (const EntryCase& entry :
+         std::vector<EntryCase>{{"ACC_RATE", "0", 1},        {"EGO_RATE", "300", 127}, {"MIN_PRES", "5", 0},
+                                {"ACC_MINP", "105", 65535},  {"TMP_THRS", "-30", 243}, {"TMP_THRS", "130", 127},
+                                {"BAT_COMP", "410", 0},      {"F_CUT_T1", "1.285", 1}, {"IAC_DEAD", "-1", 255},
+                                {"FSHF_RTM", "2", 255},      {"CRK_RPMH", "-5", 0},    {"RPMS", "40000", 32767},
+                                {"GPOV", "-200", 0},         {"GPOV", "300", 255},     {"BOEN", "9", 0},
+                                {"BOEN", "126", 255},        {"GGPO", "4", 3},         {"IGN3", "50", 255},
+                                {"IDLE", "2100", 255},       {"EGOL", "3", 255},       {"IAC_MAXR", "1000", 1000},
+                                {"IAC_MAXR", "1001", 1000},  {"IAC_MAXR", "-1", 0},    {"BAR_SCLR", "4", 4096},
+                                {"BAR_SCLR", "4.001", 4096}, {"BAR_SCLR", "-0.1", 0},  {"STUT", "1e400", 65535},
+                                {"STUT", "no number", 0},    {"EGO_SECS", "0.5", 0},   {"EGO_SECS", "1.5", 2}}) {
         EXPECT_EQ(encoded(entry, {}).raw, entry.raw) << entry.key << " " << entry.text;
     }
 }

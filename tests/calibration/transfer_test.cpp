@@ -17,14 +17,27 @@ struct TransferBench {
     test::SimDesktop desktop;
     console::Console console{desktop.ports()};
     Transfer& transfer = console.transfer;
-    test::WiredController wired{desktop, desktop.line()};
+    test::WiredController wired;
     FrmWait& wait = console.forms.frm_wait;
     std::vector<std::uint8_t> commands; // of every request, in order
 
-    TransferBench() {
+    explicit TransferBench(const controller::Settings& settings = {}) : wired(desktop, desktop.line(), settings) {
         console.forms.registry.set_host(&desktop);
         console.state.comm_port_number = 3;
         wired.controller.on_request = [this](const link::Request& request) { commands.push_back(request[2]); };
+    }
+    // The plug is pulled, and another controller, or the same one, is there before anybody notices.
+    void replug(std::uint32_t serial) {
+        desktop.line().unplug();
+        desktop.line().plug_in();
+        if (serial != 104077) {
+            wired.controller.exchange(serial);
+        }
+    }
+    void ask_who() {
+        console.link_selection.open_comm_link();
+        console.comm.poll({'R'}, 5);
+        console.comm.poll({'-'}, 6);
     }
     ControllerMemory& memory() { return wired.controller.memory(); }
     void at_request(std::size_t number, std::function<void()> action) {
@@ -185,20 +198,159 @@ TEST(Transfers, AreRefusedInDemoModeAndWithoutAnAnswerAndEndSilentlyWithoutAFile
     bench.expect_usable_console();
 }
 
-TEST(Download, AsksAgainWhereALateReplyAnsweredForTheNextCell) {
-    TransferBench bench;
-    for (int i = 0; i < 256; ++i) {
-        bench.memory().store_cell(0x0100 + i, static_cast<std::uint8_t>(i));
+// All the error paths of a line that is bad for a moment, and what each loses: nothing.
+struct Disturbance {
+    const char* name;
+    controller::Fault fault;
+    int times;
+    double late_by = 0.15;
+};
+constexpr std::array disturbances{Disturbance{"lost", controller::Fault::lost, 3},
+                                  Disturbance{"cut", controller::Fault::cut, 2},
+                                  Disturbance{"corrupted", controller::Fault::corrupted, 2},
+                                  Disturbance{"surplus", controller::Fault::surplus, 2},
+                                  Disturbance{"foreign", controller::Fault::foreign, 3},
+                                  Disturbance{"just late", controller::Fault::late, 1, 0.1005},
+                                  Disturbance{"late", controller::Fault::late, 3},
+                                  Disturbance{"very late", controller::Fault::late, 1, 0.35}};
+
+TEST(Transfers, LoseNothingByALineThatIsBadForAMoment) {
+    for (const Disturbance& d : disturbances) {
+        for (const std::size_t at : {std::size_t{20}, std::size_t{100}}) { // a block, a cell
+            SCOPED_TRACE(std::string(d.name) + " at " + std::to_string(at));
+            controller::Settings settings;
+            settings.faults.late_by = d.late_by;
+            TransferBench bench(settings);
+            for (int i = 0; i < 256; ++i) {
+                bench.memory().store_cell(static_cast<std::size_t>(0x0100 + i), static_cast<std::uint8_t>(i));
+            }
+            const auto strike = [&] { bench.wired.controller.faults().strike_next(d.fault, d.times); };
+            bench.transfer.download_to("clean.set");
+            bench.commands.clear();
+            bench.at_request(at, strike);
+            const TransferResult read = bench.transfer.download_to("bad.set", Transfer::Accept::whole_only);
+            EXPECT_EQ(read.outcome, Outcome::done);
+            EXPECT_EQ(read.messages, 67 + 1897 + 4);
+            EXPECT_EQ(bench.desktop.read_file("bad.set"), bench.desktop.read_file("clean.set"));
+
+            const ControllerMemory held = bench.memory();
+            bench.memory().clear_cells();
+            bench.commands.clear();
+            bench.at_request(at, strike);
+            EXPECT_EQ(bench.transfer.upload_from("clean.set").unanswered, 0);
+            for (std::size_t i = 0; i < 4; ++i) {
+                bench.memory().store(controller::slot("BO_P") + i, held.value(controller::slot("BO_P") + i));
+            }
+            EXPECT_TRUE(bench.memory() == held);
+            bench.expect_usable_console();
+        }
     }
-    bench.transfer.download_to("clean.set");
-    for (const int times : {1, 3}) {
+}
+
+// All the ways in which a transfer does not get to its end, and what is left: the older file, and a usable console.
+TEST(Download, LeavesTheOlderFileWhereItEndsBeforeItsEnd) {
+    const auto another = [](TransferBench& bench) { bench.replug(55); };
+    struct End {
+        const char* name;
+        std::function<void(TransferBench&)> disaster;
+        bool asked_before;
+        Outcome outcome;
+        const char* said;
+    };
+    for (const End& end : std::vector<End>{
+             {"another controller", another, true, Outcome::other_controller, "serial number 55 in place of 104077"},
+             {"one that was never asked", [](TransferBench& b) { b.replug(104077); }, false, Outcome::other_controller,
+              "cannot be shown to be the same controller"},
+             {"the same one", [](TransferBench& b) { b.replug(104077); }, true, Outcome::done, nullptr},
+             {"silence", [](TransferBench& b) { b.wired.controller.faults().strike_next(controller::Fault::lost, 10); },
+              true, Outcome::incomplete, nullptr}}) {
+        for (const std::size_t at : {std::size_t{30}, std::size_t{700}, std::size_t{1700}, std::size_t{1967}}) {
+            SCOPED_TRACE(std::string(end.name) + " at " + std::to_string(at));
+            TransferBench bench;
+            bench.desktop.write_file("engine.set", "an older calibration");
+            std::string result;
+            bench.transfer.tell_result = [&](const std::string& text) { result = text; };
+            if (end.asked_before) {
+                bench.ask_who();
+            }
+            bench.commands.clear();
+            bench.at_request(at, [&] { end.disaster(bench); });
+            if (end.said != nullptr) {
+                bench.desktop.expect_box(end.said);
+            }
+            if (end.outcome == Outcome::incomplete) {
+                bench.desktop.on_modal("frm_Dialog",
+                                       [&](auto&) { bench.console.forms.frm_dialog.dialog_button[0].press(); });
+            }
+            EXPECT_EQ(bench.transfer.download_to("engine.set", Transfer::Accept::whole_only).outcome, end.outcome);
+            const bool done = end.outcome == Outcome::done;
+            EXPECT_EQ(bench.desktop.read_file("engine.set") == "an older calibration", !done);
+            EXPECT_EQ(std::distance(std::filesystem::directory_iterator(bench.desktop.folder()), {}), 1);
+            EXPECT_THAT(result, testing::StartsWith(done ? "engine.set: 2,126 lines saved" : "engine.set: "));
+            if (end.outcome == Outcome::other_controller) {
+                EXPECT_EQ(bench.commands.back(), '-') << "nothing more goes out";
+            }
+            bench.expect_usable_console();
+            EXPECT_EQ(bench.console.comm.send_ecu_message({'C'}, 21), link::Outcome::accepted);
+        }
+    }
+}
+
+TEST(Upload, WritesNothingIntoAnotherControllerThatWasPluggedIn) {
+    for (const bool same : {true, false}) {
+        TransferBench bench;
+        bench.transfer.download_to("engine.set");
+        bench.ask_who();
         bench.commands.clear();
-        bench.at_request(100, [&] { bench.wired.controller.faults().strike_next(controller::Fault::late, times); });
-        const TransferResult result = bench.transfer.download_to("late.set", Transfer::Accept::whole_only);
-        EXPECT_EQ(result.outcome, Outcome::done);
-        EXPECT_EQ(result.messages, 67 + 1897 + 4);
-        EXPECT_EQ(bench.desktop.read_file("late.set"), bench.desktop.read_file("clean.set"));
+        ControllerMemory other = bench.memory();
+        bench.at_request(700, [&] {
+            bench.replug(same ? 104077 : 55);
+            other = bench.memory();
+        });
+        if (!same) {
+            bench.desktop.expect_box("The upload of engine.set has stopped at line 702: the port was lost");
+        }
+        const TransferResult result = bench.transfer.upload_from("engine.set");
+        EXPECT_EQ(result.outcome, same ? Outcome::done : Outcome::other_controller);
+        EXPECT_EQ(result.lines, same ? 2126 : 701);
+        EXPECT_EQ(std::ranges::count(bench.commands, 'R'), 1);
+        if (!same) {
+            EXPECT_TRUE(bench.memory() == other);
+        }
+        bench.expect_usable_console();
     }
+}
+
+TEST(Transfers, BeginWithWhoeverIsThereWhenTheFileIsChosen) {
+    TransferBench bench;
+    bench.desktop.choose_file(bench.desktop.path("engine.set"));
+    bench.desktop.while_choosing = [&] { bench.replug(55); };
+    bench.transfer.menufilesave_Click();
+    EXPECT_EQ(split_lines(bench.desktop.read_file("engine.set")).size(), 2126U);
+}
+
+TEST(Transfers, StopTheRunningLogAndTellTheirResultInTheMainWindow) {
+    TransferBench bench;
+    const platform::Label& told = bench.console.forms.frm_ecu.transfer_result;
+    bench.console.forms.frm_plotter.Command3d2.press();
+    ASSERT_TRUE(bench.console.plotter.logging_active());
+    bench.transfer.download_to("tune1.set");
+    EXPECT_FALSE(bench.console.plotter.logging_active());
+    EXPECT_EQ(told.text(), "tune1.set: 2,126 lines saved");
+    bench.desktop.write_file("tune2.set", bench.desktop.read_file("tune1.set") +
+                                              "ABCD[003]=5\r\nACC_SEN = nan\r\nX\x1B_MORE = 1\r\nACC_SEN = 12\r\n");
+    bench.transfer.upload_from("tune2.set");
+    EXPECT_EQ(told.text(), "tune2.set: 2,130 lines sent, 2 unknown: 2127, 2129, 1 with no clean number: 2128");
+    EXPECT_EQ(bench.wait.update_info.text(), "Unknown variable in data set file -->X\\x1B_MORE");
+    bench.desktop.write_file("tune3.set", "ACC_SEN = 1\r\nACC_SEN = 1e400\r\nACC_SEN = 2\r\n");
+    bench.desktop.expect_box("stopped at line 2, ACC_SEN = 1e400: the value is above 65535");
+    bench.transfer.upload_from("tune3.set");
+    EXPECT_EQ(told.text(), "tune3.set: stopped after 1 line");
+    EXPECT_EQ(bench.memory().value(controller::slot("ACC_SEN")), 1);
+    bench.desktop.write_file("tune4.set", "ACC_SEN = " + std::string(400, '9') + "\r\n");
+    bench.desktop.expect_box("stopped at line 1");
+    bench.transfer.upload_from("tune4.set");
+    EXPECT_EQ(bench.memory().value(controller::slot("ACC_SEN")), 1);
 }
 
 TEST(Download, GoesToItsEndWithStaleValuesWhenTheTunerTurnsToDemoMode) {

@@ -1,3 +1,6 @@
+#include "link/answers.h"
+#include "link/pause.h"
+#include "link/same_controller.h"
 #include "link_bench.h"
 
 namespace ecu::test {
@@ -21,7 +24,7 @@ TEST(Transaction, EndsWithTheLastByteAndOffersTheFrameToAllThreeDecoders) {
     EXPECT_FALSE(bench.comm.busy());
 }
 
-TEST(Transaction, IsRepeatedForEveryKindOfBadReplyAfterTheWholeTimeOutUnlessTheCountWasRight) {
+TEST(Transaction, IsRepeatedForEveryKindOfBadReplyAtOnceOnlyWhereTheCountWasRightAndTheCodeItsOwn) {
     Bytes cut = live_reply();
     cut.pop_back();
     Bytes surplus = live_reply();
@@ -34,7 +37,7 @@ TEST(Transaction, IsRepeatedForEveryKindOfBadReplyAfterTheWholeTimeOutUnlessTheC
         bench.controller.responder = [&](const Request&) {
             return bench.controller.sent().size() == 1 ? reply : live_reply();
         };
-        const double waited = reply.size() == 65 ? 0.0 : 0.1;
+        const double waited = reply.size() == 65 && reply[2] == 'A' ? 0.0 : 0.1;
         EXPECT_NEAR(bench.ask(), waited, 0.01) << reply.size();
         EXPECT_TRUE(bench.state.reply_accepted);
         EXPECT_EQ(bench.controller.sent(), (std::vector<Request>(2, {2, 8, 0x41, 0x30, 0x30, 0x30, 0xDB, 0})));
@@ -52,6 +55,297 @@ TEST(Transaction, TakesALateReplyInTheNextTryAndDrainsAStaleOne) {
     bench.controller.set_reply_delay(0.002);
     EXPECT_LT(bench.ask(), 0.01);
     EXPECT_EQ(bench.controller.sent().size(), 3U);
+}
+
+// Every way in which a frame of another message can come in the place of the answer, and what is lost by it: nothing.
+struct CellBench : LinkBench {
+    std::map<int, int> cells; // what the controller holds
+    std::map<int, int> seen;  // what the decoders were offered
+    double ask_started = 0;
+
+    CellBench() {
+        controller.set_reply_delay(0.002);
+        controller.responder = [this](const Request& r) {
+            const int address = r[3] + 256 * r[4];
+            if (r[2] == 'e') {
+                cells[address] = r[5];
+            }
+            return reply_frame({r[2], r[3], r[4], static_cast<std::uint8_t>(cells[address])});
+        };
+        comm.set_decoders(
+            {[this](const Reply& reply, int count) {
+                 if ((reply[2] == 'E' || reply[2] == 'e') && count == 6) {
+                     seen[reply[3] + 256 * reply[4]] = reply[5];
+                     state.reply_accepted = true;
+                 }
+             },
+             [this](const Reply& reply, int) { state.reply_accepted = reply[2] == 'S' || reply[2] == 'F'; }, nullptr});
+    }
+    Outcome write(int cell, int value) {
+        return comm.send_ecu_message({'e', static_cast<std::uint8_t>(cell), 1, static_cast<std::uint8_t>(value)}, 6);
+    }
+};
+
+TEST(ForeignFrame, OfAnotherCodeOrAddressIsDecodedButAnswersNothing) {
+    const std::vector<Bytes> frames{reply_frame({'e', 9, 1, 77}), reply_frame({'e', 7, 2, 77}),
+                                    reply_frame({'E', 7, 1, 77}), reply_frame({'S', 7, 1, 77})};
+    for (const Bytes& frame : frames) {
+        for (const std::optional<double> behind : {std::optional<double>{}, std::optional<double>{0.03}}) {
+            CellBench bench;
+            bench.controller.answer_with(frame, behind);
+            const double start = bench.desktop.seconds();
+            EXPECT_EQ(bench.write(7, 5), Outcome::accepted);
+            EXPECT_EQ(bench.controller.sent().size(), behind ? 1U : 2U);
+            EXPECT_NEAR(bench.desktop.seconds() - start, behind ? 0.032 : 0.104, 0.005);
+            EXPECT_EQ(bench.seen[7 + 256], 5);
+            if (frame[2] != 'S' && frame[3] + 256 * frame[4] != 7 + 256) {
+                EXPECT_EQ(bench.seen[frame[3] + 256 * frame[4]], 77) << "decoders see every good frame";
+            }
+        }
+    }
+}
+
+TEST(ForeignFrame, OfACodeThatNothingAsksForAnswersAsEver) {
+    CellBench bench;
+    bench.controller.answer_with(reply_frame({'F', 0, 0, 0, 0}, 7));
+    EXPECT_EQ(bench.comm.send_ecu_message({'e', 7, 1, 5}, 7), Outcome::accepted);
+    EXPECT_EQ(bench.controller.sent().size(), 1U);
+}
+
+TEST(ForeignFrame, OneReplyPastTheTimeOutShiftsNothing) {
+    for (const double late : {0.099, 0.101, 0.105, 0.15, 0.199, 0.25}) {
+        for (const int lost : {0, 1, 2}) {
+            CellBench bench;
+            bench.controller.answer_late(late);
+            for (int cell = 0; cell < 12; ++cell) {
+                if (cell == 2) {
+                    bench.controller.drop_next_reply(lost);
+                }
+                ASSERT_EQ(bench.write(cell, 100 + cell), Outcome::accepted) << late;
+                EXPECT_EQ(bench.seen[cell + 256], 100 + cell) << late << ", cell " << cell;
+            }
+            const std::size_t before = bench.controller.sent().size();
+            const double start = bench.desktop.seconds();
+            bench.write(12, 112);
+            EXPECT_EQ(bench.controller.sent().size(), before + 1) << "the line is clean again";
+            EXPECT_LT(bench.desktop.seconds() - start, 0.003);
+        }
+    }
+}
+
+TEST(ForeignFrame, AFloodOfThemHoldsATryForNoLongerThanTwoTimeOuts) {
+    CellBench bench;
+    bench.press_in_dialog(0);
+    bench.controller.silence();
+    std::function<void()> flood = [&] {
+        bench.desktop.line().receive(reply_frame({'e', 9, 9, 9}));
+        bench.desktop.schedule(bench.desktop.now() + 10'000, flood);
+    };
+    flood();
+    const double start = bench.desktop.seconds();
+    EXPECT_EQ(bench.write(7, 5), Outcome::unanswered);
+    EXPECT_THAT(bench.desktop.seconds() - start, AllOf(Ge(1.0), Le(2.1)));
+    EXPECT_EQ(bench.controller.sent().size(), 10U);
+    EXPECT_THAT(bench.dialog.dialog_details.text(), testing::HasSubstr("the reply of another message"));
+}
+
+TEST(Answers, NeedTheRequestsOwnCodeAndWhatTheReplyRepeats) {
+    const auto answer = [](const Bytes& asked, const Bytes& got) {
+        const Bytes frame = reply_frame(got);
+        Reply reply{};
+        std::ranges::copy(frame, reply.begin());
+        return answers(build_request(asked), reply);
+    };
+    for (const int code : {'E', 'e', 'k', 'l', 'q', 'r'}) {
+        const auto c = static_cast<std::uint8_t>(code);
+        EXPECT_TRUE(answer({c, 1, 2, 3}, {c, 1, 2, 9}));
+        EXPECT_FALSE(answer({c, 1, 2, 3}, {c, 0, 2, 3}));
+        EXPECT_FALSE(answer({c, 1, 2, 3}, {c, 1, 0, 3}));
+    }
+    for (const int code :
+         {13, 29, 35, 36, 39, 128, 156, 166, 171, 173, 204, 205, 206, 218, 219, 220, 221, 222, 223, 224, 226, 248}) {
+        const auto c = static_cast<std::uint8_t>(code);
+        EXPECT_TRUE(answer({c, 1, 2, 3}, {c, 1, 9, 9})) << code;
+        EXPECT_FALSE(answer({c, 1, 2, 3}, {c, 0, 2, 3})) << code;
+    }
+    EXPECT_TRUE(answer({'g', 1, 2, 0}, {'g', 9, 9})) << "a value that the controller clamped";
+    EXPECT_FALSE(answer({'g', 1, 2, 0}, {'f', 1, 2}));
+    EXPECT_TRUE(answer({174, 165, 0, 0}, {174, 165}));
+    for (const int code : {'F', '+', 'X', 'x'}) {
+        EXPECT_TRUE(answer({'g', 1, 2, 0}, {static_cast<std::uint8_t>(code), 0, 0}));
+    }
+}
+
+TEST(Observation, TellsEveryFrameAndEveryEndAndNothingOnceLetGo) {
+    LinkBench bench;
+    std::string seen;
+    std::vector<float> seconds;
+    Observation watch = bench.comm.observe([&](const Observed& o) {
+        const std::array<std::string, 6> names{"accepted", "silent", "damaged", "untaken", "foreign", "given up"};
+        seen += std::to_string(o.tries) + " " + names[static_cast<std::size_t>(o.verdict)] + " " +
+                std::to_string(o.reply.size()) + (o.depth > 1 ? " inside" : "") + ", ";
+        seconds.push_back(o.seconds);
+        EXPECT_EQ(o.request[2], 'A');
+    });
+    Bytes corrupt = live_reply();
+    corrupt[9] ^= 1;
+    const std::vector<Bytes> replies{{}, corrupt, reply_frame({'A'}, 62), reply_frame({'B'}, 63), live_reply()};
+    std::size_t next = 0;
+    bench.controller.responder = [&](const Request&) { return next < replies.size() ? replies[next++] : Bytes{}; };
+    bench.ask();
+    EXPECT_EQ(seen, "1 silent 0, 2 damaged 65, 3 untaken 64, 4 foreign 65, 5 accepted 65, ");
+    EXPECT_NEAR(seconds.at(0), 0.1F, 0.01F);
+    EXPECT_NEAR(seconds.at(4), 0.002F, 0.005F);
+    seen.clear();
+    bench.controller.silence();
+    bench.press_in_dialog(0);
+    bench.ask();
+    EXPECT_TRUE(seen.ends_with("9 silent 0, 10 silent 0, 10 given up 0, ")) << seen;
+    seen.clear();
+    watch.reset();
+    bench.press_in_dialog(0);
+    bench.ask();
+    EXPECT_EQ(seen, "");
+}
+
+// A sequence that must stay with one controller, over a port that is lost in the middle of it.
+struct LostPortBench : CellBench {
+    int serial = 5;
+    int revision = 100;
+    LostPortBench() {
+        const auto cell = controller.responder;
+        controller.responder = [this, cell](const Request& r) {
+            const auto word = [&](int value) {
+                return reply_frame({r[2], static_cast<std::uint8_t>(value), 0}, r[2] == 'R' ? 5 : 6);
+            };
+            return r[2] == 'R' ? word(revision) : r[2] == '-' ? word(serial) : cell(r);
+        };
+        const auto decoder = [this](const Reply& reply, int) {
+            if (reply[2] == 'R') {
+                state.identity.firmware = reply[3];
+            } else if (reply[2] == '-') {
+                state.identity.serial = reply[3];
+            } else {
+                seen[reply[3] + 256 * reply[4]] = reply[5];
+            }
+            state.reply_accepted = true;
+        };
+        comm.set_decoders({decoder, nullptr, nullptr});
+    }
+    void ask_who() {
+        comm.poll({'R'}, 5);
+        comm.poll({'-'}, 6);
+    }
+    void replug() {
+        desktop.line().unplug();
+        desktop.line().plug_in();
+    }
+};
+
+TEST(SameController, AsksNothingWhileThePortStaysOpen) {
+    LostPortBench bench;
+    SameController controller(bench.comm, bench.state);
+    for (std::uint8_t cell = 0; cell < 5; ++cell) {
+        EXPECT_EQ(controller.send({'e', cell, 1, 9}, 6), Outcome::accepted);
+    }
+    EXPECT_EQ(bench.controller.sent_codes(), "eeeee");
+    EXPECT_FALSE(controller.lost());
+}
+
+TEST(SameController, GoesOnWithTheSameOneAfterAskingWhoItIs) {
+    LostPortBench bench;
+    bench.ask_who();
+    SameController controller(bench.comm, bench.state);
+    controller.send({'e', 1, 1, 9}, 6);
+    bench.replug();
+    EXPECT_EQ(controller.send({'e', 2, 1, 9}, 6), Outcome::accepted);
+    EXPECT_EQ(bench.controller.sent_codes(), "R-eR-e") << "no write before it is known who is there";
+    bench.replug(); // once more
+    EXPECT_EQ(controller.send({'e', 3, 1, 9}, 6), Outcome::accepted);
+    EXPECT_EQ(bench.cells, (std::map<int, int>{{257, 9}, {258, 9}, {259, 9}}));
+}
+
+TEST(SameController, SendsNothingMoreToAnotherOneNorToOneThatCannotBeToldFromAnother) {
+    for (const char* what : {"serial", "firmware", "silent", "never asked", "asked before the last plugging"}) {
+        LostPortBench bench;
+        const std::string kind = what;
+        if (kind != "never asked") {
+            bench.ask_who();
+        }
+        if (kind.starts_with("asked before")) {
+            bench.replug();
+            bench.write(0, 1);
+        }
+        {
+            SameController controller(bench.comm, bench.state);
+            controller.send({'e', 1, 1, 9}, 6);
+            bench.serial += kind == "serial" ? 1 : 0;
+            bench.revision += kind == "firmware" ? 1 : 0;
+            if (kind == "silent") {
+                bench.controller.silence();
+                bench.press_in_dialog(0);
+                bench.press_in_dialog(0);
+            }
+            // In the middle of a message too: its next try must not reach the other one.
+            bench.controller.drop_next_reply();
+            bench.desktop.schedule(bench.desktop.now() + 50'000, [&] { bench.replug(); });
+            EXPECT_EQ(controller.send({'e', 2, 1, 9}, 6), Outcome::not_sent) << kind;
+            bench.controller.clear_sent();
+            EXPECT_EQ(controller.send({'e', 3, 1, 9}, 6), Outcome::not_sent);
+            EXPECT_EQ(bench.controller.sent_codes(), "") << kind;
+            EXPECT_TRUE(controller.lost());
+            EXPECT_THAT(controller.trouble(), testing::StartsWith("the port was lost, and "));
+            EXPECT_FALSE(bench.state.reply_accepted);
+        }
+        bench.controller.speak();
+        EXPECT_EQ(bench.write(4, 1), Outcome::accepted) << "the sequence is over";
+    }
+}
+
+TEST(Transaction, DropsWhatStoodOnTheLineBeforeItsRequest) {
+    LinkBench bench;
+    std::vector<int> offered;
+    bench.comm.set_decoders({[&](const Reply& reply, int) {
+                                 offered.push_back(reply[3]);
+                                 bench.state.reply_accepted = true;
+                             },
+                             nullptr, nullptr});
+    bench.controller.reply_to('A', reply_frame({'A', 2}, 63));
+    bench.desktop.line().receive(reply_frame({'A', 1}, 63)); // of its own code and size, only older
+    bench.desktop.run_for(0.01);
+    bench.ask();
+    EXPECT_EQ(offered, std::vector{2});
+    bench.state.remote_server_ip = "10.0.0.7";
+    bench.socket.peer = [&](const Bytes&) { bench.socket.arrive(reply_frame({'A', 4}, 63)); };
+    bench.socket.arrive(reply_frame({'A', 3}, 63));
+    bench.ask();
+    EXPECT_EQ(offered, (std::vector{2, 4}));
+}
+
+TEST(Pause, OfASequenceInsideAnothersLeavesTheOuterOnes) {
+    SharedState state;
+    {
+        const Pause outer(state);
+        { const Pause inner(state); }
+        EXPECT_TRUE(state.polling_paused);
+    }
+    EXPECT_FALSE(state.polling_paused);
+}
+
+TEST(FailureDialog, TellsTheTunerWhatToLookFor) {
+    LinkBench bench;
+    Bytes corrupt = live_reply();
+    corrupt[9] ^= 1;
+    for (const auto& [reply, said] :
+         std::vector<std::pair<Bytes, std::string>>{{{}, "COM3 (/dev/sim3), 38400 baud: 10 tries, nothing arrived.\n"},
+                                                    {corrupt, "65 bytes that are no whole reply"},
+                                                    {reply_frame({'A'}, 62), "a reply of another size"}}) {
+        bench.controller.reply_to('A', reply);
+        bench.press_in_dialog(0);
+        bench.ask();
+        EXPECT_THAT(bench.dialog.dialog_details.text(), testing::HasSubstr(said));
+        EXPECT_THAT(bench.dialog.dialog_details.text(), testing::HasSubstr("until the program is started anew"));
+    }
 }
 
 TEST(Transaction, KeepsItsTimeOutAndItsIntervalAcrossMidnight) {

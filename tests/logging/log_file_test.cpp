@@ -5,6 +5,9 @@
 
 #include <gmock/gmock.h>
 
+#include <csignal>
+#include <sys/resource.h>
+
 namespace ecu::logging {
 namespace {
 
@@ -89,6 +92,24 @@ TEST(LogFile, GivesTheSystemsReasonForANameThatCannotBeOpenedAFullDiskAndAVanish
     EXPECT_THAT(file.add("2\r\n"), testing::HasSubstr("no longer there"));
     EXPECT_EQ(file.rows(), 1);
     EXPECT_FALSE(file.is_open());
+}
+
+TEST(LogFile, TakesBackARowThatDidNotFit) {
+    test::SimDesktop desktop;
+    LogFile file;
+    ASSERT_EQ(file.open(desktop.path("a.csv"), "head\r\n"), "");
+    ASSERT_EQ(file.add("1,2\r\n"), "");
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit half_a_row{14, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &half_a_row);
+    const std::string reason = file.add("3,4\r\n");
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_THAT(reason, testing::HasSubstr("too large"));
+    EXPECT_EQ(desktop.read_file("a.csv"), "head\r\n1,2\r\n");
+    EXPECT_EQ(file.rows(), 1);
 }
 
 } // namespace

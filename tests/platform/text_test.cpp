@@ -2,6 +2,7 @@
 #include "platform/display_mask.h"
 #include "platform/leading_number.h"
 #include "platform/rounding.h"
+#include "platform/text_encoding.h"
 #include "support/fixture.h"
 #include "support/sim_desktop.h"
 
@@ -51,9 +52,31 @@ TEST(LeadingNumber, StopsAtTheFirstCharacterThatCannotGoOn) {
 }
 
 TEST(LeadingNumber, TextWithNoneIsZero) {
-    for (const char* text : {"", "  ", "X", "-", "+-1", ".", "e5", "inf", "nan", "- 5", "1e999"}) {
+    for (const char* text : {"", "  ", "X", "-", "+-1", ".", "e5", "inf", "nan", "- 5", "1e-999", "0e999"}) {
         EXPECT_EQ(leading_number(text), 0) << text;
     }
+}
+
+TEST(LeadingNumber, BeyondAllRangeIsTheLargestAndNeverZero) {
+    constexpr double largest = std::numeric_limits<double>::max();
+    const std::string digits(400, '9');
+    for (const std::string& text : std::vector<std::string>{
+             "1e400", digits, digits + ".5", "0.1e500", "1e99999999999999999999", std::string(400, '0') + "1e309"}) {
+        EXPECT_EQ(leading_number(text), largest) << text;
+        EXPECT_EQ(leading_number("-" + text), -largest) << text;
+    }
+    EXPECT_EQ(leading_number("0." + std::string(400, '0') + "1"), 0);
+    EXPECT_EQ(leading_number("1e-99999999999999999999"), 0);
+}
+
+TEST(Printable, ShowsWhatWouldActOnATerminalOrEndAText) {
+    EXPECT_EQ(printable(std::string_view("a\0b\x1B[31m\r\x7F", 10)), "a\\x00b\\x1B[31m\\x0D\\x7F");
+    EXPECT_EQ(printable("\xC2\x9B"
+                        "2J \xC2\xB0"
+                        "C \xE2\x82\xAC"),
+              "\\x9B2J \xC2\xB0"
+              "C \xE2\x82\xAC");
+    EXPECT_EQ(printable("\xB0 raw \xC2"), "\xB0 raw \xC2");
 }
 
 TEST(RoundToEven, TiesGoToTheEvenNeighbour) {

@@ -39,6 +39,44 @@ class Transfers(Scenario):
         self.assertEqual([path.name for path in self.folder.iterdir()], ["engine.set"])
         self.assertEqual(self.read("engine.set"), b"an older calibration")
 
+    def test_another_controller_behind_the_lost_port_ends_a_download_and_an_upload(self):
+        self.cli("download", "whole.set", "--device", self.controller())
+        self.write("engine.set", "an older calibration")
+        for number, verb in enumerate((("download", "engine.set"), ("upload", "whole.set", "--yes"))):
+            link = str(self.folder / f"port{number}")
+            self.controller("--link", link, "--faults", "unplug-after=700,replug-as=55")
+            _, error = self.cli(*verb, "--device", link, status=3)
+            self.assertIn("the port was lost", error)
+        self.assertEqual(self.read("engine.set"), b"an older calibration")
+
+    def test_a_killed_download_leaves_a_part_that_the_next_one_clears_away(self):
+        process = self.start("download", "engine.set", "--device", self.controller("--pace", "38400"))
+        self.wait_for(lambda: list(self.folder.iterdir()), "the growing file")
+        process.kill()
+        process.communicate(timeout=PATIENCE)
+        self.assertEqual(len(list(self.folder.iterdir())), 1)
+        self.cli("download", "other.set", "--device", self.controller())
+        self.assertEqual([path.name for path in self.folder.iterdir()], ["other.set"])
+
+    def test_values_that_are_no_numbers_are_not_sent_and_a_cut_file_is_told(self):
+        device = self.controller()
+        for value in ("nan", "0x10", "", "1e400", "9" * 400):
+            self.write("odd.set", f"MAPM[007]=12\r\nACC_SEN = {value}\r\n")
+            out, _ = self.cli("check", "odd.set", status=1)
+            self.assertIn("odd.set:2: ACC_SEN", out)
+            _, error = self.cli("upload", "odd.set", "--yes", "--device", device, status=4)
+            self.assertIn("odd.set:2: ACC_SEN", error)
+        self.write("cut.set", "MAPM[007]=12\r\nMAPM[008]=1")
+        self.assertIn("cut short", self.cli("check", "cut.set")[0])
+        self.assertIn("is it whole", self.cli("upload", "cut.set", "--yes", "--device", device)[0])
+
+    def test_control_characters_of_a_file_reach_no_terminal_and_cut_no_message(self):
+        self.write("odd.set", "AB\x1b]0;x\x07CD= 1\r\nA\0B\r\n")
+        for line in (self.cli("check", "odd.set", status=1)[0] +
+                     self.cli("upload", "odd.set", "--yes", "--device", self.controller(), status=4)[1]).splitlines():
+            self.assertTrue(line.isprintable(), line)
+            self.assertTrue("ends before column 11" in line or "A\\x00B" not in line, line)
+
     def test_the_end_of_its_terminal_in_a_download_leaves_no_part_of_a_file(self):
         process = self.start("download", "engine.set", "--device", self.controller("--pace", "38400"))
         self.wait_for(lambda: list(self.folder.iterdir()), "the growing file")

@@ -91,6 +91,9 @@ TEST_F(MainConsoleTest, QuittingAsksFirst) {
     EXPECT_EQ(desktop.boxes().back().title, "ECU");
     desktop.answer_box("Are you sure you want to quit?", platform::Answer::yes);
     EXPECT_THROW(main.Command3d5.press(), ProgramEnded);
+    desktop.answer_box("Are you sure you want to quit?", platform::Answer::no);
+    main.form.close_requested(); // the frame's X, Alt+F4
+    EXPECT_TRUE(main.form.visible());
 }
 
 TEST_F(MainConsoleTest, AChosenPortIsTheOneTicked) {

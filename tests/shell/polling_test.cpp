@@ -64,6 +64,36 @@ TEST_F(PollingTest, TicksFollowOneAnotherWithoutAGapAndNeverOverlap) {
     EXPECT_THAT(controller.sent(), IsEmpty());
 }
 
+TEST_F(PollingTest, NoTickStartsInsideATransactionOfAScreen) {
+    start();
+    state.capabilities_loaded = true;
+    main.Command3d2.press();
+    desktop.run_for(0.2);
+    ASSERT_TRUE(desktop.run_until([&] { return !comm.busy(); }));
+    controller.set_reply_delay(0.09); // longer than the timer's interval
+    controller.clear_sent();
+    desktop.post([&] { EXPECT_EQ(comm.send_ecu_message({'R'}, 5), link::Outcome::accepted); });
+    desktop.process_events();
+    EXPECT_EQ(controller.sent_codes().substr(0, 1), "R");
+    EXPECT_EQ(controller.sent_codes().find('A'), std::string::npos) << "nothing in between, and no try again";
+    desktop.run_for(0.1);
+    EXPECT_NE(controller.sent_codes().find('A'), std::string::npos);
+}
+
+TEST_F(PollingTest, TheFirstTickKeepsItsQuestionWhileTheLinkIsNotConnected) {
+    start();
+    desktop.answer_box("Do you really want to stop the controller", platform::Answer::ok);
+    main.menu_tool_reflash.click();
+    EXPECT_EQ(desktop.boxes().back().icon, platform::Icon::warning);
+    EXPECT_EQ(desktop.boxes().back().preset, platform::Answer::cancel);
+    desktop.run_for(1);
+    EXPECT_EQ(controller.sent_codes(), "\xAE") << "the monitor of the stopped controller hears nothing";
+    main.Command3d4.press();
+    desktop.run_for(0.1);
+    EXPECT_EQ(controller.sent_codes().substr(0, 2), "\xAE"
+                                                    "C");
+}
+
 TEST_F(PollingTest, DemoModeShowsItselfAndMakesUpPlausibleData) {
     desktop.expect_box("Demo Mode has been selected");
     start_in_monitor("demo");

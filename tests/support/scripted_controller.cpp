@@ -33,7 +33,15 @@ void ScriptedController::answer(const Request& request) {
         --dropped_;
         return;
     }
-    line_.receive(reply, reply_delay_);
+    const double delay = reply_delay_ + std::exchange(late_by_, 0);
+    if (const Bytes foreign = std::exchange(foreign_, {}); !foreign.empty()) {
+        line_.receive(foreign, delay);
+        if (behind_) {
+            line_.receive(reply, delay + *behind_);
+        }
+        return;
+    }
+    line_.receive(reply, delay);
 }
 
 std::string ScriptedController::sent_codes() const {

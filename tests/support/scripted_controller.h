@@ -25,6 +25,13 @@ public:
     void set_reply_delay(double seconds) { reply_delay_ = seconds; } // of every reply; 2 ms unless told
 
     void drop_next_reply(int count = 1) { dropped_ = count; }
+    // The next reply comes this much later than the others.
+    void answer_late(double seconds) { late_by_ = seconds; }
+    // In place of the next reply this frame comes, and the reply itself `behind` seconds after it, or never.
+    void answer_with(Bytes foreign_frame, std::optional<double> behind = {}) {
+        foreign_ = std::move(foreign_frame);
+        behind_ = behind;
+    }
     void silence() { silent_ = true; } // until speak()
     void speak() { silent_ = false; }
 
@@ -42,6 +49,9 @@ private:
     std::vector<Request> sent_;
     std::map<std::uint8_t, Bytes> fixed_;
     double reply_delay_ = 0.002;
+    double late_by_ = 0;
+    Bytes foreign_;
+    std::optional<double> behind_;
     int dropped_ = 0;
     bool silent_ = false;
 };

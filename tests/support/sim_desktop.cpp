@@ -74,6 +74,9 @@ platform::Answer SimDesktop::message_box(const platform::MessageBox& box) {
 
 std::string SimDesktop::next_file(const platform::FileDialog& dialog) {
     file_dialogs_.push_back(dialog);
+    if (const auto action = std::exchange(while_choosing, nullptr)) {
+        action();
+    }
     if (files_.empty()) {
         ADD_FAILURE() << "unexpected file dialog: " << dialog.title;
         return "";

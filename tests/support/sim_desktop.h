@@ -44,6 +44,7 @@ public:
     // Answers the first box yet to come whose text contains this.
     void answer_box(std::string text, platform::Answer answer) { answers_.emplace_back(std::move(text), answer); }
     void expect_box(std::string text) { answer_box(std::move(text), platform::Answer::ok); }
+    std::function<void()> while_choosing;                                     // runs inside the next file dialog
     void choose_file(std::string path) { files_.push_back(std::move(path)); } // "" cancels the dialog
     const std::vector<platform::MessageBox>& boxes() const { return boxes_; }
     std::vector<std::string> box_texts() const;

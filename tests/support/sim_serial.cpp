@@ -19,14 +19,34 @@ std::string SimSerialLine::open(int number, int baud) {
     if (const auto failure = failures_.find(number); failure != failures_.end()) {
         return failure->second;
     }
+    if (!plugged_) {
+        return "there is no device";
+    }
     open_ = true;
+    lost_ = false;
+    number_ = number;
+    ++openings_;
     baud_ = baud;
     ++opening_;
     return "";
 }
 
+void SimSerialLine::unplug() {
+    const bool was_open = open_;
+    close();
+    lost_ = was_open;
+    plugged_ = false;
+}
+
+void SimSerialLine::reopen_lost() {
+    if (lost_ && !open_) {
+        open(number_, baud_);
+    }
+}
+
 void SimSerialLine::close() {
     open_ = false;
+    lost_ = false;
     ++opening_;
     input_.clear();
 }
@@ -38,7 +58,7 @@ void SimSerialLine::receive(std::span<const std::uint8_t> bytes, double after_se
         due += byte_time();
         const auto part = bytes.first(together);
         events_.schedule(due, [this, opening = opening_, arrived = Bytes(part.begin(), part.end())] {
-            if (opening == opening_) {
+            if (open_ && opening == opening_) {
                 input_.insert(input_.end(), arrived.begin(), arrived.end());
             }
         });
@@ -47,6 +67,7 @@ void SimSerialLine::receive(std::span<const std::uint8_t> bytes, double after_se
 }
 
 void SimSerialLine::write(std::span<const std::uint8_t> bytes) {
+    reopen_lost();
     if (!open_ || !peer) {
         return;
     }

@@ -29,7 +29,13 @@ public:
     void receive(std::span<const std::uint8_t> bytes, double after_seconds = 0);
     void fail_open(int number, std::string reason) { failures_[number] = std::move(reason); }
 
+    // The device goes away, as by a pulled plug; it can be opened again once plugged in.
+    void unplug();
+    void plug_in() { plugged_ = true; }
+
     bool is_open() const { return open_; }
+    std::uint32_t openings() const { return openings_; }
+    void reopen_lost();
     int baud() const { return baud_; }
     const std::vector<int>& tried() const { return tried_; } // port numbers in the order of open calls
 
@@ -46,6 +52,10 @@ private:
     SimEvents& events_;
     int pace_ = 0;
     bool open_ = false;
+    bool plugged_ = true;
+    bool lost_ = false;
+    int number_ = 0;
+    std::uint32_t openings_ = 0;
     int baud_ = 0;
     int opening_ = 0; // counts open and close, so that bytes of an earlier opening are known
     std::map<int, std::string> failures_;
@@ -62,6 +72,8 @@ public:
     void close() override { line_.close(); }
     bool is_open() const override { return line_.is_open(); }
     void write(std::span<const std::uint8_t> bytes) override { line_.write(bytes); }
+    void reopen_lost() override { line_.reopen_lost(); }
+    std::uint32_t openings() const override { return line_.openings(); }
     std::size_t available() const override { return line_.available(); }
     Bytes read(std::size_t at_most) override { return line_.read(at_most); }
     std::size_t output_pending() const override { return 0; }

@@ -136,6 +136,36 @@ TEST_F(SerialLine, write_opens_the_port_again_when_the_device_came_back) {
     EXPECT_TRUE(wait_for_bytes(3, 1.0F));
 }
 
+TEST_F(SerialLine, a_lost_port_is_tried_with_every_write_until_the_device_is_back) {
+    ASSERT_EQ(port_->open(3, 38400), "");
+    const std::uint32_t openings = port_->openings();
+    far_end_.unplug();
+    platform::wait_until(waiting_, clock_, 1.0F, [&] { return !port_->is_open(); });
+    waiting_.process_events();
+    setenv("ECU_PORT_3", "/dev/there-is-no-such-device", 1);
+    for (int tries = 0; tries < 3; ++tries) {
+        port_->write(Bytes{4, 5});
+        EXPECT_FALSE(port_->is_open());
+    }
+    EXPECT_EQ(port_->openings(), openings);
+    PseudoTerminal again;
+    port_->reopen_lost();
+    EXPECT_TRUE(port_->is_open());
+    EXPECT_EQ(port_->openings(), openings + 1) << "who answers now may be another one";
+    EXPECT_TRUE(again.received().empty()) << "nothing has been said to it yet";
+    port_->close(); // by the console, not by the device
+    port_->reopen_lost();
+    EXPECT_FALSE(port_->is_open());
+}
+
+TEST_F(SerialLine, a_device_that_another_program_holds_is_said_to_be_in_use) {
+    ASSERT_EQ(port_->open(3, 38400), "");
+    const auto second = QtSerialPorts().make_serial_port();
+    const std::string reason = second->open(3, 38400);
+    EXPECT_NE(reason.find("in use by another program"), std::string::npos) << reason;
+    EXPECT_NE(reason.find(std::to_string(getpid())), std::string::npos) << "named: " << reason;
+}
+
 TEST_F(SerialLine, missing_device_is_named_in_the_reason) {
     setenv("ECU_PORT_3", "/dev/there-is-no-such-device", 1);
     EXPECT_NE(port_->open(3, 38400).find("there-is-no-such-device"), std::string::npos);

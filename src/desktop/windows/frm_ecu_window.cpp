@@ -3,6 +3,7 @@
 #include "shell/frm_ecu.h"
 
 #include <QGridLayout>
+#include <QStatusBar>
 
 namespace ecu::desktop {
 
@@ -40,6 +41,12 @@ std::unique_ptr<FormWindow> make_frm_ecu_window(shell::FrmEcu& f, QtHost& host) 
     window->set_body(window->down({picture, button_rows(*window, f)}, {1, 0}));
 
     window->status(f.link_state)->setAccessibleName("Link");
+    QWidget* result = window->status(f.transfer_result);
+    result->setAccessibleName("Last transfer");
+    result->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // a long one must not widen the window
+    window->statusBar()->removeWidget(result);
+    window->statusBar()->addWidget(result, 1);
+    result->show();
     window->resize(590, 430);
     return window;
 }
