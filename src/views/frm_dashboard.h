@@ -54,8 +54,10 @@ struct FrmDashboard {
     platform::Label lambda_val{form, "lambda_val"};   // what the bar's centre stands for
     platform::Label lambda_live{form, "lambda_live"}; // the mixture as it is, with its unit
     platform::ControlArray<platform::Shape, lamp_count> afr_led{form, "afr_led"};
+    platform::Button read_again{form, "read_again", "Read again"};
     platform::Button Command2{form, "Command2", "Update"};
     platform::Button Command1{form, "Command1", "Exit"};
+    platform::Label trim_status{form, "trim_status"}; // what is pending, unread, or was not taken
     platform::Label show_demo_mode{form, "show_demo_mode", "DEMO MODE!"};
     platform::Picture Picture1{form, "Picture1", 320, 160}; // the installer's
 
@@ -92,6 +94,8 @@ struct FrmDashboard {
             box.set_tool_tip("The higher this number, the more fuel that will be injected under given conditions");
         }
         base_offset_deg.set_tool_tip("This adjusts phases to have a fixed offset relative to the Base timing");
+        read_again.set_tool_tip("Click to read the trims that the controller has not given yet");
+        read_again.set_enabled(false);
         Command2.set_tool_tip("Click to update modified entries");
         Command1.set_tool_tip("Click to exit back to the console");
         show_demo_mode.set_visible(false);
