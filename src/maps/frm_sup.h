@@ -3,9 +3,9 @@
 // foreground of its option 0, the boost flags by that of boost_ctrl_invert.
 #pragma once
 
-#include "platform/numbered_arrays.h"
 #include "platform/form.h"
 #include "platform/grid.h"
+#include "platform/numbered_arrays.h"
 
 namespace ecu::maps {
 
@@ -102,12 +102,12 @@ struct FrmSup {
         show_demo_mode.set_visible(false);
         Command3d2.set_tool_tip("Click to update modified entries");
         Command3d1.set_tool_tip("Click to exit back to the console");
-        const auto tip = [](auto &controls, std::string_view text) {
-            for (auto &control : controls) {
+        const auto tip = [](auto& controls, std::string_view text) {
+            for (auto& control : controls) {
                 control.set_tool_tip(text);
             }
         };
-        for (auto &modes : gpo_mode) {
+        for (auto& modes : gpo_mode) {
             tip(modes, "Mapping Input Source");
         }
         tip(cool_rly_temp, "The coolant temperature at which the relay switches");

@@ -73,9 +73,7 @@ ModeAxes mode_axes(int mode, const calibration::Scales& scales) {
     }
 }
 
-ModeAxes boost_axes(bool as_pwm, const calibration::Scales& scales) {
-    return mode_axes(as_pwm ? 1 : 4, scales);
-}
+ModeAxes boost_axes(bool as_pwm, const calibration::Scales& scales) { return mode_axes(as_pwm ? 1 : 4, scales); }
 
 double place_on_axis(AxisSource source, double from, double span, const messages::EcuLiveData& live) {
     const auto value = [&]() -> double {
@@ -113,7 +111,7 @@ std::string output_in_words(int mode, bool dont_interpolate, std::string_view re
         return map_in_words(mode & calibration::output_mode_mask, dont_interpolate);
     case 6:
         return "Switches the fuel pump.";
-    case 7:
+    case coolant_fan:
         return "Switches the coolant fan: on from " + number(relay_temperature) + " degrees of coolant.";
     case 8:
         return "On in the gears that the configuration page gives to this output.";

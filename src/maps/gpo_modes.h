@@ -26,6 +26,7 @@ struct ModeAxes {
 };
 
 inline constexpr int two_wire_idle = 10; // the highest mode that there is
+inline constexpr int coolant_fan = 7;
 inline constexpr int rpm_switch_above = 9;
 
 // By the low four bits of the mode byte. A mode beyond the known ones has no map.
