@@ -355,7 +355,8 @@ std::string GpoMapping::words_of_output(std::size_t n) const {
                              form_.rpm_switch[n].text());
     const auto stored =
         static_cast<std::size_t>(image_.raw(modes, static_cast<int>(n)) & calibration::output_mode_mask);
-    if (unsent && stored != static_cast<std::size_t>(mode) && stored < FrmSup::mode_captions.size()) {
+    if (unsent && !state_.demo_mode && stored != static_cast<std::size_t>(mode) &&
+        stored < FrmSup::mode_captions.size()) {
         words += " The controller still has \"" + std::string(FrmSup::mode_captions[stored]) + "\".";
     }
     return words;
