@@ -4,6 +4,7 @@
 #include "desktop/windows/windows.h"
 #include "windows/window_bench.h"
 
+#include <QClipboard>
 #include <QLabel>
 #include <QRadioButton>
 #include <QScrollArea>
@@ -78,6 +79,101 @@ TEST_F(GpoWindow, NothingIsClippedAndNarrowScreensStackTheHalves) {
             }
         }
     }
+}
+
+TEST_F(GpoWindow, IsUsedByKeyboardAlone) {
+    EXPECT_EQ(focus(), "boost_gpo_0"); // output 1 has no map yet
+    choose(0, 3);
+    QTest::keyClick(window, Qt::Key_3, Qt::ControlModifier);
+    EXPECT_EQ(of<QTabWidget>("GPO_tab").currentIndex(), 2);
+    EXPECT_EQ(focus(), "boost_gpo_2");
+    QTest::keyClick(window, Qt::Key_1, Qt::ControlModifier);
+    EXPECT_EQ(focus(), "GPO_tbl_0");
+    const std::array<const char*, 4> round{"boost_p(0)", "boost_gpo_0", "gpo_0_mode(3)", "GPO_tbl_0"};
+    for (const char* stop : round) {
+        QTest::keyClick(window, Qt::Key_F6);
+        EXPECT_EQ(focus(), stop);
+    }
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_7);
+    EXPECT_EQ(form.GPO_tbl[0].cell_text(1, 1), "7");
+    choose(0, 0); // the map goes, and F6 passes it by
+    EXPECT_EQ(focus(), "gpo_0_mode(0)");
+    QTest::keyClick(window, Qt::Key_F6);
+    EXPECT_EQ(focus(), "boost_p(0)");
+}
+
+TEST_F(GpoWindow, TabsTellOfPendingValuesAndMarksAreReadable) {
+    auto& tabs = of<QTabWidget>("GPO_tab");
+    EXPECT_EQ(tabs.tabText(3), "GPO 4");
+    EXPECT_TRUE(tabs.tabIcon(3).isNull());
+    form.dont_interpolate[3].click();
+    QTest::qWait(1);
+    EXPECT_EQ(tabs.tabText(3), "GPO 4: 1 pending");
+    EXPECT_FALSE(tabs.tabIcon(3).isNull());
+    const auto& option = of<QRadioButton>("gpo_3_mode(0)");
+    const QColor mark = option.palette().color(QPalette::WindowText);
+    EXPECT_NE(mark, QApplication::palette().color(QPalette::WindowText));
+    EXPECT_EQ(option.palette().color(QPalette::Text), mark);
+    EXPECT_NEAR(mark.hue(), 60, 5); // yellow still, but not too light for its ground
+    form.gpo_mode[3][0].set_fore_colour(platform::black);
+    EXPECT_EQ(option.palette().color(QPalette::WindowText), QApplication::palette().color(QPalette::WindowText));
+}
+
+TEST_F(GpoWindow, BlocksAndPastesLeaveTheHiddenColumnsAlone) {
+    choose(0, 10);
+    auto& view = of<GridView>("GPO_tbl_0");
+    view.setFocus();
+    view.selectAll();
+    QApplication::clipboard()->setText("12");
+    view.paste_block();
+    EXPECT_EQ(maps::pending_cells(form.GPO_tbl[0]), 9);
+    EXPECT_EQ(form.GPO_tbl[0].cell_text(5, 2), "0.0");
+    QApplication::clipboard()->setText("1\t2\n3\t4\n");
+    view.setCurrentIndex(view.model()->index(0, 0));
+    view.paste_block();
+    EXPECT_EQ(form.GPO_tbl[0].cell_text(2, 1), "3");
+    EXPECT_EQ(maps::pending_cells(form.GPO_tbl[0]), 9);
+    QTest::keyClick(&view, Qt::Key_A, Qt::ControlModifier);
+    view.copy_block();
+    EXPECT_EQ(QApplication::clipboard()->text(), "1\n3\n12\n12\n12\n12\n12\n12\n12\n");
+    QTest::keyClick(&view, Qt::Key_Delete);
+    EXPECT_EQ(form.GPO_tbl[0].cell_text(9, 1), "");
+    EXPECT_EQ(maps::pending_cells(form.GPO_tbl[0]), 9);
+    EXPECT_EQ(console.block_selection.block_end_col, 1);
+}
+
+TEST_F(GpoWindow, MarkersStandOnTheShownPageAtTheirShareOfTheCellsMiddles) {
+    console.state.polling_paused = true; // the test gives the live values
+    choose(0, 1);
+    choose(2, 1);
+    console.live.engine_rpm = console.scales.full_scale_rpm / 2;
+    console.live.manifold_kpa = console.scales.map_base;
+    console.gpo_mapping.refresh_live();
+    const auto middle = [this](const char* name) {
+        const auto& widget = of<QWidget>(name);
+        return widget.mapTo(window, widget.rect().center());
+    };
+    EXPECT_NEAR(middle("supp_x_ptr").x(), middle("GPO_2_X_lbl(4)").x(), 2);
+    EXPECT_NEAR(middle("supp_y_ptr").y(), middle("GPO_2_Y_lbl(0)").y(), 2);
+    EXPECT_NEAR(middle("boost_x_ptr").x(), middle("GPO_boost_X_lbl_2(4)").x(), 2);
+    EXPECT_TRUE(of<QWidget>("supp_x_ptr").isVisible());
+    form.GPO_tab.set_current(0);
+    EXPECT_NEAR(middle("supp_x_ptr").x(), middle("GPO_0_X_lbl(4)").x(), 2);
+    EXPECT_TRUE(of<QWidget>("supp_x_ptr").isVisible());
+    form.gpo_mode[0][6].click();
+    EXPECT_FALSE(of<QWidget>("supp_x_ptr").isVisible());
+    console.state.polling_paused = false;
+}
+
+TEST_F(GpoWindow, AMissingOutputLeavesItsPageWithAWordAboutIt) {
+    form.GPO_tab.set_current(1);
+    form.GPO_params[1].set_visible(false);
+    EXPECT_FALSE(of<QWidget>("GPO_params(1)").isVisible());
+    EXPECT_TRUE(of<QTabWidget>("GPO_tab").currentWidget()->isVisible());
+    const auto labels = of<QTabWidget>("GPO_tab").currentWidget()->findChildren<QLabel*>();
+    EXPECT_TRUE(std::ranges::any_of(labels, [](const QLabel* label) {
+        return label->isVisible() && label->text() == "This controller has no output driver 2.";
+    }));
 }
 
 } // namespace

@@ -26,6 +26,11 @@ using platform::Property;
 
 constexpr std::size_t channels = 4;
 
+QWidget* chosen_option(FormWindow& window, FrmSup& f, std::size_t n) {
+    const int mode = std::max(platform::chosen(f.gpo_mode[n]), 0);
+    return window.binding().widget_of(f.gpo_mode[n][static_cast<std::size_t>(mode)]);
+}
+
 // The two halves of a page side by side where they fit, else one below the other; then it scrolls.
 class PageArea final : public QScrollArea {
 public:
@@ -53,9 +58,28 @@ private:
     QBoxLayout* halves_ = nullptr;
 };
 
+// When a mode without a map is chosen, the keyboard goes from the map to the modes. Left alone it would go to the next
+// box, and what is typed on would replace a value of the servo.
+class MapHolder final : public QWidget {
+public:
+    MapHolder(FormWindow& window, FrmSup& f, std::size_t n) : window_(window), form_(f), channel_(n) {}
+
+protected:
+    void hideEvent(QHideEvent*) override {
+        QWidget* const focus = window_.focusWidget();
+        if (!form_.gpo_map_holder[channel_].visible() && focus != nullptr && isAncestorOf(focus)) {
+            chosen_option(window_, form_, channel_)->setFocus(Qt::OtherFocusReason);
+        }
+    }
+
+private:
+    FormWindow& window_;
+    FrmSup& form_;
+    std::size_t channel_;
+};
+
 struct Page {
     QWidget* widget = nullptr;
-    QWidget* first_option = nullptr;
     QWidget* first_box = nullptr;
     NinePlot* output = nullptr;
     NinePlot* boost = nullptr;
@@ -133,7 +157,6 @@ Panel output_panel(FormWindow& window, FrmSup& f, std::size_t n, Page& page) {
     for (platform::OptionButton& option : f.gpo_mode[n]) {
         rows.add(option);
     }
-    page.first_option = window.binding().widget_of(f.gpo_mode[n][0]);
     rows.gap();
     rows.add(f.dont_interpolate[n]);
     rows.box("Relay switches at", f.cool_rly_temp[n], "\302\260C");
@@ -146,7 +169,7 @@ Panel output_panel(FormWindow& window, FrmSup& f, std::size_t n, Page& page) {
                                         .y_captions = f.GPO_Y_lbl[n],
                                         .x_title = f.gpo_x_text[n],
                                         .y_title = f.gpo_y_text[n]});
-    auto* holder = new QWidget;
+    auto* holder = new MapHolder(window, f, n);
     auto* layout = new QVBoxLayout(holder);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(page.output);
@@ -301,9 +324,7 @@ void add_shortcuts(FormWindow& window, FrmSup& f, const std::array<Page, channel
     QObject::connect(onward, &QShortcut::activated, &window, [&window, &f, pages] {
         const auto n = static_cast<std::size_t>(f.GPO_tab.current());
         const Page& page = pages[n];
-        const int mode = std::max(platform::chosen(f.gpo_mode[n]), 0);
-        const platform::OptionButton& option = f.gpo_mode[n][static_cast<std::size_t>(mode)];
-        const std::array<QWidget*, 4> stops{window.binding().widget_of(option), page.output->grid(), page.first_box,
+        const std::array<QWidget*, 4> stops{chosen_option(window, f, n), page.output->grid(), page.first_box,
                                             page.boost->grid()};
         QWidget* const focus = window.focusWidget();
         std::size_t at = stops.size() - 1;
