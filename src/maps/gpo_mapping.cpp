@@ -19,6 +19,8 @@ constexpr int cells_per_side = 9;
 
 constexpr const calibration::Parameter& modes = parameter("GPOS");
 constexpr const calibration::Parameter& flags = parameter("BOFG");
+// What the values of a page are counted under.
+constexpr std::array<std::string_view, 4> pages{"GPO1", "GPO2", "GPO3", "GPO4"};
 constexpr std::int32_t invert_flag = 1;
 constexpr std::int32_t as_pwm_flag = 2;
 
@@ -74,7 +76,9 @@ GpoMapping::GpoMapping(const platform::Ports& ports, link::SharedState& state, l
                        if (selection.close_modifier) {
                            selection.close_modifier();
                        }
-                   }}) {
+                   },
+               .read_again = &frm_sup.read_again,
+               .reveal = [this](const platform::Control& control) { reveal(control); }}) {
     form_.menufileexit.clicked = [this] { editor_.close(); };
     form_.menuupdate.clicked = [this] { form_.Command3d2.press(); };
     // The question is asked, and nothing follows from its answer.
@@ -134,7 +138,7 @@ void GpoMapping::wire_tables(std::size_t n, BlockSelection& selection) {
 
 // In the order in which Update walks them.
 void GpoMapping::add_items() {
-    const auto page = [](std::size_t n) { return FrmSup::tab_captions[n]; };
+    const auto page = [](std::size_t n) { return pages[n]; };
     for (std::size_t i = 0; i < channels; ++i) {
         const int element = static_cast<int>(i);
         editor_.add(parameter("GPOV"), element, form_.cool_rly_temp[i], {.group = page(i), .demo = demo_temperature});
@@ -183,6 +187,7 @@ CustomItem GpoMapping::mode_item(std::size_t n) {
                         form_.gpo_mode[n][0].set_checked(true);
                     }
                     form_.gpo_mode[n][0].set_fore_colour(platform::black);
+                    mode_read_[n] = demo;
                 },
             .lock =
                 [this, n](bool locked) {
@@ -190,7 +195,8 @@ CustomItem GpoMapping::mode_item(std::size_t n) {
                         option.set_enabled(!locked);
                     }
                     form_.dont_interpolate[n].set_enabled(!locked);
-                }};
+                },
+            .unread = [this, n] { return mode_read_[n] ? 0 : 1; }};
 }
 
 CustomItem GpoMapping::flags_item(std::size_t n) {
@@ -202,12 +208,17 @@ CustomItem GpoMapping::flags_item(std::size_t n) {
                     walk.note_fate(walk.link.write(calibration::write_message(flags, static_cast<int>(n), raw),
                                                    flags.write.reply));
                 },
-            .open = [this, n](bool) { form_.boost_ctrl_invert[n].set_fore_colour(platform::black); },
+            .open =
+                [this, n](bool demo) {
+                    form_.boost_ctrl_invert[n].set_fore_colour(platform::black);
+                    flags_read_[n] = demo;
+                },
             .lock =
                 [this, n](bool locked) {
                     form_.boost_ctrl_invert[n].set_enabled(!locked);
                     form_.use_as_pwm[n].set_enabled(!locked);
-                }};
+                },
+            .unread = [this, n] { return flags_read_[n] ? 0 : 1; }};
 }
 
 // A mode that no option stands for is the controller's, and stays with it.
@@ -233,6 +244,16 @@ void GpoMapping::prepare_window() {
         for (platform::Label* label :
              {&form_.gpo_words[n], &form_.gpo_now[n], &form_.boost_words[n], &form_.pending_on_page[n]}) {
             label->set_text("");
+        }
+    }
+}
+
+// The page of a box or map that a message speaks of.
+void GpoMapping::reveal(const platform::Control& control) {
+    for (std::size_t n = 0; n < channels; ++n) {
+        if (control.index() == static_cast<int>(n) || &control == &form_.GPO_tbl[n] ||
+            &control == &form_.boost_gpo[n]) {
+            form_.GPO_tab.set_current(static_cast<int>(n));
         }
     }
 }
@@ -297,12 +318,15 @@ void GpoMapping::follow_reply(const calibration::Parameter& row, int i) {
     if (&row == &modes) {
         const auto n = static_cast<std::size_t>(i);
         gpo_mode_byte_[n] = image_.raw(row, i);
+        mode_read_[n] = true;
         if ((gpo_mode_byte_[n] & calibration::output_mode_mask) > two_wire_idle) {
             for (platform::OptionButton& option : form_.gpo_mode[n]) {
                 option.set_checked(false); // an older choice would look as if it were the controller's
             }
         }
-    } else if (&row != &flags && &row != &parameter("MAP_TYPE") && &row != &parameter("FS_RPM")) {
+    } else if (&row == &flags) {
+        flags_read_[static_cast<std::size_t>(i)] = true;
+    } else if (&row != &parameter("MAP_TYPE") && &row != &parameter("FS_RPM")) {
         return;
     }
     if (cells_are_duty_ != scales_.boost_as_pwm) {
@@ -340,7 +364,7 @@ void GpoMapping::show_pages() {
                                                       .cells_are_duty = scales_.boost_as_pwm,
                                                       .first_channel = n == 0,
                                                       .enable_pressure = form_.boost_enable_press[n].text()}));
-        const auto group = std::ranges::find(groups, FrmSup::tab_captions[n], &GroupCount::group);
+        const auto group = std::ranges::find(groups, pages[n], &GroupCount::group);
         const int pending = group == groups.end() ? 0 : group->pending;
         form_.pending_on_page[n].set_text(pending == 0 ? "" : std::to_string(pending) + " pending");
     }

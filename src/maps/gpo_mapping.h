@@ -41,13 +41,19 @@ private:
     CustomItem flags_item(std::size_t n);
     std::string cell_place(std::size_t n, bool boost, int row, int column) const;
     void prepare_window();
+    void reveal(const platform::Control& control);
     bool read_everything();
     void label_outputs(std::size_t n);
     void label_boost(std::size_t n);
     void show_boost_cells_anew();
     std::int32_t chosen_mode_byte(std::size_t n) const;
-    bool mode_pending(std::size_t n) const { return form_.gpo_mode[n][0].fore_colour() == platform::pending; }
-    bool flags_pending(std::size_t n) const { return form_.boost_ctrl_invert[n].fore_colour() == platform::pending; }
+    // Marked, and not half of it unknown.
+    bool mode_pending(std::size_t n) const {
+        return mode_read_[n] && form_.gpo_mode[n][0].fore_colour() == platform::pending;
+    }
+    bool flags_pending(std::size_t n) const {
+        return flags_read_[n] && form_.boost_ctrl_invert[n].fore_colour() == platform::pending;
+    }
     void show_pages(); // words and counts
     std::string words_of_output(std::size_t n) const;
     void move_markers();
@@ -59,6 +65,9 @@ private:
     const calibration::CalibrationImage& image_;
     FrmSup& form_;
     std::array<int, channels> gpo_mode_byte_{};
+    // Whether a reply has told the modes and flags since the opening. They look alike before and after.
+    std::array<bool, channels> mode_read_{};
+    std::array<bool, channels> flags_read_{};
     bool cells_are_duty_ = false; // the unit in which the confirmed boost cells are shown
     Editor editor_;
 };

@@ -282,7 +282,7 @@ TEST_F(GpoMapping, MarksCountOnTheirPageAndGoWithTheEchoOrTheNextOpening) {
     form.use_as_pwm[3].click();
     form.GPO_tbl[2].set_cell_text(1, 9, "7"); // of a hidden map
     desktop.run_for(0.01);
-    EXPECT_EQ(form.map_status.text(), "4 values pending");
+    EXPECT_EQ(form.map_status.text(), "4 values pending: GPO2 2, GPO3 1, GPO4 1");
     EXPECT_EQ(form.pending_on_page[0].text(), "");
     EXPECT_EQ(form.pending_on_page[1].text(), "2 pending");
     EXPECT_EQ(form.pending_on_page[2].text(), "1 pending");

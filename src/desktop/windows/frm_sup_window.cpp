@@ -349,7 +349,7 @@ QWidget* footer(FormWindow& window, FrmSup& f) {
     row->addWidget(swatch(platform::confirmed));
     row->addWidget(muted_label(" as in the controller"));
     row->addStretch(1);
-    row->addWidget(window.buttons({&f.Command3d2, &f.Command3d1}));
+    row->addWidget(window.buttons({&f.read_again, &f.Command3d2, &f.Command3d1}));
     return holder;
 }
 
@@ -378,9 +378,7 @@ std::unique_ptr<FormWindow> make_frm_sup_window(maps::FrmSup& f, QtHost& host) {
     window->set_body(tab_widget);
     window->set_footer(footer(*window, f));
     window->demo_badge(f.show_demo_mode);
-    QWidget* status = window->status(f.map_status);
-    status->setFixedSize(status->fontMetrics().horizontalAdvance("Aborted: nothing is sent until a view is opened  "),
-                         status->fontMetrics().height() + 4);
+    window->status_line(f.map_status);
     window->statusBar()->addPermanentWidget(
         muted_label("Ctrl+1\u20134 page   F6 onward   Shift+\u2191\u2193 step   Ctrl+S, Ctrl+F block"));
     add_shortcuts(*window, f, pages);
