@@ -118,7 +118,7 @@ void Editor::run_opening(bool again) {
     {
         const PollingPause pause(state_);
         ports_.wait_seconds(window_.opening_waits.before);
-        if (!again && (window_.blanks || state_.demo_mode)) {
+        if (!again) {
             blank_all();
         }
         if (!again && window_.prepare) {

@@ -37,6 +37,8 @@ void BoxItem::open(bool demo, bool blank) {
         box_.confirm(demo_);
     } else if (blank) {
         box_.blank();
+    } else if (!demo && !box_.is_pending()) { // an entry stays one
+        box_.forget();
     }
 }
 

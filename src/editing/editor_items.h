@@ -41,7 +41,7 @@ class EditorItem {
 public:
     virtual ~EditorItem() = default;
     virtual Counts counts() const = 0;
-    // Before the opening read. Blank: yellow and empty, not yet read. Demo mode shows its own text instead.
+    // Before the opening read: not yet read, and with `blank` yellow and empty. Demo mode shows its own text instead.
     virtual void open(bool demo, bool blank) = 0;
     virtual void lock(bool locked) = 0;
     virtual void send(Walk& walk) = 0;

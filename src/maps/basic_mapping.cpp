@@ -108,9 +108,12 @@ BasicMapping::BasicMapping(const platform::Ports& ports, link::SharedState& stat
 
 // In the order in which Update walks them: the boxes, then the maps.
 void BasicMapping::wire_boxes() {
-    editor_.add(parameter("FUEL_MX"), 0, form_.ecu_pgm[0], {.group = "Boxes", .demo = "10.200"});
-    editor_.add(parameter("FUEL_B"), 0, form_.ecu_pgm[1], {.group = "Boxes", .demo = "-.525"});
-    editor_.add(parameter("TPS_RPM"), 0, form_.tps_rpm, {.group = "Boxes", .demo = "300"});
+    const auto texts = [](std::string_view demo, std::string_view name) {
+        return ItemTexts{.group = "Boxes", .demo = demo, .place = [name](int, int) { return std::string(name); }};
+    };
+    editor_.add(parameter("FUEL_MX"), 0, form_.ecu_pgm[0], texts("10.200", "Injector Main Adj."));
+    editor_.add(parameter("FUEL_B"), 0, form_.ecu_pgm[1], texts("-.525", "Injector Idle Adj."));
+    editor_.add(parameter("TPS_RPM"), 0, form_.tps_rpm, texts("300", "TPS Map cut-in RPM"));
     colour_by_focus(form_.tps_rpm); // has no keys
     for (std::size_t i = 0; i < form_.ecu_pgm.size(); ++i) {
         colour_by_focus(form_.ecu_pgm[i]);

@@ -31,6 +31,7 @@ public:
     void shade_tps_map(float low, float high) { shade(2, low, high); }
     void shade_tps_mix(float low, float high) { shade(3, low, high); }
     void update_changed_entries() { editor_.update(); }
+    Editor& editor() { return editor_; }
     void show_selected_map_graph();
     // The read-out and the markers, on each pass of the scheduler with this view in front.
     void refresh_live();

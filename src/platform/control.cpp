@@ -82,9 +82,11 @@ void TextBox::confirm(std::string_view text) {
     set_back_colour(confirmed);
 }
 
+void TextBox::forget() { set_origin(Origin::unread); }
+
 void TextBox::mark_unread() {
     set_back_colour(pending);
-    set_origin(Origin::unread);
+    forget();
 }
 
 void TextBox::blank() {

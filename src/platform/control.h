@@ -157,7 +157,8 @@ public:
     bool unconfirmed() const { return origin_ == Origin::entry; }
     // What Update sends.
     bool to_be_sent() const { return is_pending() && !unread(); }
-    void mark_unread();      // yellow; the text stays
+    void forget();           // unread; text and colour stay
+    void mark_unread();      // the same, and yellow
     void blank();            // the same, and empty
     bool multi_line = false; // shown as a text area, read-only for the user
     std::function<void()> changed;

@@ -70,8 +70,10 @@ TEST_F(BasicMapping, UpdateSendsExactlyWhatWasChangedInItsOrderAndTheEchoesWhite
     frm_3d.ecu_pgm[1].set_text("-.525");
     frm_3d.ecu_pgm[0].set_text("70");
     desktop.run_for(0.01);
-    EXPECT_EQ(frm_3d.map_status.text(), "9 values pending: Boxes 3, Fuel 2, Ignition 2, TPS fuel 1, TPS mix 1; 1 is no number and would be sent as 0; "
-              "1 is no number and would be sent without the rest");
+    EXPECT_EQ(
+        frm_3d.map_status.text(),
+        "9 values pending: Boxes 3, Fuel 2, Ignition 2, TPS fuel 1, TPS mix 1; 1 is no number and would be sent as 0; "
+        "1 is no number and would be sent without the rest");
     bool refreshed_white = false;
     on_request = [&](const Request& request) {
         refreshed_white = refreshed_white || (request[2] == 'z' && !frm_3d.ecu_pgm[0].is_pending());
