@@ -248,6 +248,7 @@ void Binding::paint_colours(Control& control, QWidget& widget) {
             palette.setColor(
                 QPalette::WindowText,
                 theme::readable_on(theme::to_qt(*fore), back ? theme::to_qt(*back) : theme::panel_fill(QPalette())));
+            palette.setColor(QPalette::Text, palette.color(QPalette::WindowText)); // of the mark in a box or circle
         }
         widget.setAutoFillBackground(back.has_value());
         break;

@@ -60,12 +60,21 @@ void GridView::select_shown_block() {
     }
 }
 
+platform::Grid::Area GridView::selected_block() const {
+    const auto ranges = selectionModel()->selection();
+    const QItemSelectionRange block = ranges.isEmpty() ? QItemSelectionRange(currentIndex()) : ranges.first();
+    int right = block.right();
+    while (right >= block.left() && isColumnHidden(right)) { // columns are shed from the right
+        --right;
+    }
+    return {block.top() + 1, block.left() + 1, block.bottom() + 1, right + 1};
+}
+
 // Selecting with Shift or by Ctrl+A chooses a block as dragging the mouse does.
 void GridView::report_keyed_block() const {
-    const auto ranges = selectionModel()->selection();
-    if (grid_.block_chosen && ranges.size() == 1 && ranges.first().width() * ranges.first().height() > 1) {
-        const QItemSelectionRange& block = ranges.first();
-        grid_.block_chosen({block.top() + 1, block.left() + 1, block.bottom() + 1, block.right() + 1});
+    const platform::Grid::Area block = selected_block();
+    if (grid_.block_chosen && selectionModel()->selection().size() == 1 && block.rows() * block.columns() > 1) {
+        grid_.block_chosen(block);
     }
 }
 
@@ -219,15 +228,14 @@ void GridView::currentChanged(const QModelIndex& current, const QModelIndex& pre
 }
 
 void GridView::copy_block() const {
-    const auto ranges = selectionModel()->selection();
-    if (ranges.isEmpty()) {
+    if (selectionModel()->selection().isEmpty()) {
         return;
     }
-    const QItemSelectionRange& block = ranges.first();
+    const platform::Grid::Area block = selected_block();
     QString text;
-    for (int row = block.top(); row <= block.bottom(); ++row) {
-        for (int column = block.left(); column <= block.right(); ++column) {
-            text += model_.index(row, column).data().toString() + (column < block.right() ? '\t' : '\n');
+    for (int row = block.first_row; row <= block.last_row; ++row) {
+        for (int column = block.first_column; column <= block.last_column; ++column) {
+            text += qt(grid_.cell_text(row, column)) + (column < block.last_column ? '\t' : '\n');
         }
     }
     QApplication::clipboard()->setText(text);
@@ -239,20 +247,24 @@ void GridView::paste_block() {
     if (text.isEmpty() || !isEnabled() || grid_.locked()) {
         return;
     }
-    const auto ranges = selectionModel()->selection();
-    const QItemSelectionRange block = ranges.isEmpty() ? QItemSelectionRange(currentIndex()) : ranges.first();
-    grid_.paste({block.top() + 1, block.left() + 1, block.bottom() + 1, block.right() + 1}, text.toStdString());
+    grid_.paste(selected_block(), text.toStdString());
 }
 
 void GridView::clear_block() {
-    if (grid_.locked()) {
+    if (grid_.locked() || selectionModel()->selection().isEmpty()) {
         return;
     }
     grid_.begin_batch();
-    for (const QModelIndex& index : selectionModel()->selectedIndexes()) {
-        grid_.set_cell_text(index.row() + 1, index.column() + 1, "");
-    }
+    fill(selected_block(), "");
     grid_.end_batch();
+}
+
+void GridView::fill(const platform::Grid::Area& block, const std::string& text) {
+    for (int row = block.first_row; row <= block.last_row; ++row) {
+        for (int column = block.first_column; column <= block.last_column; ++column) {
+            grid_.set_cell_text(row, column, text);
+        }
+    }
 }
 
 } // namespace ecu::desktop

@@ -38,6 +38,9 @@ protected:
 private:
     void select_shown_block();
     void report_keyed_block() const;
+    // What is selected of the columns that show: nobody means to change a cell that he cannot see.
+    platform::Grid::Area selected_block() const;
+    void fill(const platform::Grid::Area& block, const std::string& text);
     void report_extension(const QModelIndex& to);
     void note_mouse(const QMouseEvent& event);
     void apply_sizes();

@@ -57,8 +57,8 @@ BasicMapping::BasicMapping(const platform::Ports& ports, link::SharedState& stat
                            const calibration::Scales& scales, const messages::EcuLiveData& live, Frm3d& frm_3d,
                            const platform::CheckBox& TPS_mapped, shell::Navigation& navigation,
                            BlockSelection& selection, SurfaceWindow& surface_window, MapCellColours& map_cell_colours)
-    : ports_(ports), scales_(scales), live_(live), form_(frm_3d), TPS_mapped_(TPS_mapped), navigation_(navigation),
-      selection_(selection), surface_window_(surface_window), map_cell_colours_(map_cell_colours),
+    : ports_(ports), scales_(scales), live_(live), form_(frm_3d), TPS_mapped_(TPS_mapped), selection_(selection),
+      surface_window_(surface_window), map_cell_colours_(map_cell_colours),
       editor_(ports, state, comm, scales, navigation,
               {.form = frm_3d.form,
                .title = "Basic Mapping",

@@ -56,7 +56,6 @@ private:
     const messages::EcuLiveData& live_;
     Frm3d& form_;
     const platform::CheckBox& TPS_mapped_;
-    shell::Navigation& navigation_;
     BlockSelection& selection_;
     SurfaceWindow& surface_window_;
     MapCellColours& map_cell_colours_;

@@ -96,7 +96,7 @@ void Grid::paste(const Area& block, std::string_view text) {
     Paste result;
     const auto put = [&](int row, int column, std::string_view field) {
         const std::string entry = entry_text(field);
-        if (entry.empty()) {
+        if (entry.empty() || column_width(column) == 0) {
             return;
         }
         if (is_number(entry)) {

@@ -53,7 +53,8 @@ public:
     std::function<std::string(int row, int column)> place;
 
     // What the user puts in from elsewhere, one line a row, tabs between cells; a single value fills the block. A blank
-    // leaves its cell alone, a decimal comma is a point, and what is no number is refused and left out.
+    // leaves its cell alone, as does a hidden column; a decimal comma is a point, and what is no number is refused and
+    // left out.
     struct Paste {
         std::vector<std::pair<int, int>> written; // row, column
         int refused = 0;
