@@ -26,6 +26,9 @@ Console::Console(const platform::Ports& machine)
       block_modifier(ports, state, forms.registry, forms.frm_cellblock_modifier, block_selection),
       basic_mapping(ports, state, comm, scales, live, forms.frm_3d, forms.frm_tool.TPS_mapped, navigation,
                     block_selection, surface_window, map_cell_colours),
+      additional_mapping(ports, state, comm, scales, live, forms.frm_2d,
+                         maps::Legend(forms.frm_3d.bk_color.begin(), forms.frm_3d.bk_color.end()), navigation,
+                         block_selection, graphing, map_cell_colours),
       plotter(ports, state, comm, navigation, polling.timer3(), scales, live,
               {forms.frm_mon.inj_duty[0], forms.frm_mon.ign_duty[0], forms.frm_mon.wheel_idx_num}, forms.frm_plotter),
       autotune(ports, state, forms.frm_autotune, forms.frm_3d),
@@ -42,6 +45,7 @@ shell::Navigation Console::with_views(const platform::Ports& ports, link::Shared
     navigation.add_view(View::monitor, forms.frm_mon.form);
     navigation.add_view(View::dashboard, forms.frm_dashboard.form);
     navigation.add_view(View::basic_mapping, forms.frm_3d.form);
+    navigation.add_view(View::additional_mapping, forms.frm_2d.form);
     navigation.add_view(View::plotter, forms.frm_plotter.form);
     return navigation;
 }
@@ -50,6 +54,7 @@ void Console::wire() {
     comm.set_decoders(reply_decoders.in_order());
     polling.on_refresh(View::dashboard, [this] { dashboard.refresh(); });
     polling.on_refresh(View::basic_mapping, [this] { basic_mapping.refresh_live(); });
+    polling.on_refresh(View::additional_mapping, [this] { additional_mapping.refresh_live(); });
     polling.on_refresh(View::none, [this] { main_console.show_link_state(); });
     polling.plot_and_log_sample = [this] { plotter.plot_and_log_sample(); };
     navigation.wire_menus();

@@ -10,6 +10,7 @@
 #include "link/ecu_comm.h"
 #include "link/link_selection.h"
 #include "logging/plotter.h"
+#include "maps/additional_mapping.h"
 #include "maps/basic_mapping.h"
 #include "maps/block_modifier.h"
 #include "maps/graphing.h"
@@ -67,6 +68,7 @@ public:
     maps::SurfaceWindow surface_window;
     maps::BlockModifier block_modifier;
     maps::BasicMapping basic_mapping;
+    maps::AdditionalMapping additional_mapping;
     logging::Plotter plotter;
     autotune::Autotune autotune;
     calibration::Transfer transfer;

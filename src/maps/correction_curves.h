@@ -15,11 +15,11 @@ namespace ecu::maps {
 enum class CurveKeys : std::uint8_t { enter, stepped }; // stepped: Shift with an arrow steps, arrows move the focus
 
 struct CorrectionCurve {
-    std::string_view key; // of its table
+    const calibration::Table* table;
     std::size_t page;
     std::string_view title;
-    std::string_view over; // what the axis is, and its unit
-    std::string_view unit_over;
+    std::string_view over; // what it runs over,
+    std::string_view unit; // and in which unit
     Frm2d::Nine Frm2d::*boxes;
     platform::Picture Frm2d::*graph;
     Frm2d::Axis Frm2d::*axis;
@@ -35,33 +35,33 @@ inline constexpr std::string_view idle_speed = "800";
 
 // clang-format off
 inline constexpr std::array<CorrectionCurve, 14> correction_curves{{
-    {"CLTM", 0, "Coolant Enrichment", "Coolant Temperature", "°C", &Frm2d::clt_map, &Frm2d::clt_enr_graph,
+    {&calibration::table("CLTM"), 0, "Coolant Enrichment", "Coolant Temperature", "°C", &Frm2d::clt_map, &Frm2d::clt_enr_graph,
      &Frm2d::Label6, &Frm2d::menuresetcoolant, gain_one, CurveKeys::stepped, true},
-    {"MATM", 0, "Air Temp Enrichment", "Manifold Air Temperature", "°C", &Frm2d::mat_data, &Frm2d::mat_enr_graph,
+    {&calibration::table("MATM"), 0, "Air Temp Enrichment", "Manifold Air Temperature", "°C", &Frm2d::mat_data, &Frm2d::mat_enr_graph,
      &Frm2d::Label2, &Frm2d::menuresetmat, gain_one, CurveKeys::stepped, true},
-    {"AUXM", 0, "Aux Enrichment", "Aux Input", "V", &Frm2d::Pressure_Gain, &Frm2d::aux_enr_graph,
+    {&calibration::table("AUXM"), 0, "Aux Enrichment", "Aux Input", "V", &Frm2d::Pressure_Gain, &Frm2d::aux_enr_graph,
      &Frm2d::Label1, &Frm2d::menuresetaux, gain_one, CurveKeys::stepped, true},
-    {"IGNM", 1, "MAP Ignition", "Manifold Pressure", "kPa", &Frm2d::ign_map, &Frm2d::map_ign_graph,
+    {&calibration::table("IGNM"), 1, "MAP Ignition", "Manifold Pressure", "kPa", &Frm2d::ign_map, &Frm2d::map_ign_graph,
      &Frm2d::Label4, &Frm2d::menuresetign_map, no_advance},
-    {"IGNR", 1, "RPM Ignition", "Engine Speed", "RPM", &Frm2d::ign_rpm, &Frm2d::rpm_ign_graph,
+    {&calibration::table("IGNR"), 1, "RPM Ignition", "Engine Speed", "RPM", &Frm2d::ign_rpm, &Frm2d::rpm_ign_graph,
      &Frm2d::Label3, &Frm2d::menuresetign_rpm, no_advance},
-    {"IGNT", 1, "Air Temp Ignition", "Manifold Air Temperature", "°C", &Frm2d::ign_mat, &Frm2d::mat_ign_graph,
+    {&calibration::table("IGNT"), 1, "Air Temp Ignition", "Manifold Air Temperature", "°C", &Frm2d::ign_mat, &Frm2d::mat_ign_graph,
      &Frm2d::Label11, &Frm2d::menuresetign_mat, no_advance},
-    {"BARG", 0, "Barometric Enrichment", "Barometric Pressure", "kPa", &Frm2d::baro_gain, &Frm2d::baro_comp_graph,
+    {&calibration::table("BARG"), 0, "Barometric Enrichment", "Barometric Pressure", "kPa", &Frm2d::baro_gain, &Frm2d::baro_comp_graph,
      &Frm2d::Label9, &Frm2d::menureset_baro_gain, gain_one, CurveKeys::enter, true},
-    {"IDLE", 2, "Idle Speed", "Coolant Temperature", "°C", &Frm2d::idle_rpm_map, &Frm2d::idle_speed_graph,
+    {&calibration::table("IDLE"), 2, "Idle Speed", "Coolant Temperature", "°C", &Frm2d::idle_rpm_map, &Frm2d::idle_speed_graph,
      &Frm2d::Label17, &Frm2d::menuresetidle, idle_speed},
-    {"DWEL", 2, "Dwell Multiplier", "Manifold Pressure", "kPa", &Frm2d::dwell_map, &Frm2d::dwell_mult_graph,
+    {&calibration::table("DWEL"), 2, "Dwell Multiplier", "Manifold Pressure", "kPa", &Frm2d::dwell_map, &Frm2d::dwell_mult_graph,
      &Frm2d::Label14, &Frm2d::menureset_dwell_mult, gain_one},
-    {"BARI", 1, "Barometric Ignition", "Barometric Pressure", "kPa", &Frm2d::ign_bar, &Frm2d::baro_ign_graph,
+    {&calibration::table("BARI"), 1, "Barometric Ignition", "Barometric Pressure", "kPa", &Frm2d::ign_bar, &Frm2d::baro_ign_graph,
      &Frm2d::Label13, &Frm2d::menuresetbaro, no_advance},
-    {"IGNC", 1, "Coolant Ignition", "Coolant Temperature", "°C", &Frm2d::ign_clt, &Frm2d::clt_ign_graph,
+    {&calibration::table("IGNC"), 1, "Coolant Ignition", "Coolant Temperature", "°C", &Frm2d::ign_clt, &Frm2d::clt_ign_graph,
      &Frm2d::Label15, &Frm2d::menureset_CLT_ign, no_advance},
-    {"IGNA", 1, "Aux Ignition", "Aux Input", "V", &Frm2d::ign_aux, &Frm2d::aux_ign_graph,
+    {&calibration::table("IGNA"), 1, "Aux Ignition", "Aux Input", "V", &Frm2d::ign_aux, &Frm2d::aux_ign_graph,
      &Frm2d::Label16, &Frm2d::menureset_AUX_ign, no_advance},
-    {"ACCC", 0, "Accel Enrichment", "Coolant Temperature", "°C", &Frm2d::accel_map, &Frm2d::accel_clt_enr_graph,
+    {&calibration::table("ACCC"), 0, "Accel Enrichment", "Coolant Temperature", "°C", &Frm2d::accel_map, &Frm2d::accel_clt_enr_graph,
      &Frm2d::Label10, &Frm2d::menuresetaccel, gain_one, CurveKeys::enter, true},
-    {"BATD", 2, "Battery Dwell Multiplier", "Battery Voltage", "V", &Frm2d::dwell_vbat, &Frm2d::dwell_vbat_mult_graph,
+    {&calibration::table("BATD"), 2, "Battery Dwell Multiplier", "Battery Voltage", "V", &Frm2d::dwell_vbat, &Frm2d::dwell_vbat_mult_graph,
      &Frm2d::battery_axis, &Frm2d::menureset_vbat_dwell_mult, gain_one},
 }};
 // clang-format on
@@ -70,12 +70,11 @@ inline constexpr std::array<CorrectionCurve, 14> correction_curves{{
 inline constexpr std::array<std::string_view, 14> reading_order{"CLTM", "MATM", "BARG", "AUXM", "ACCC", "IGNM", "IGNR",
                                                                 "IGNT", "IGNC", "IGNA", "BARI", "BATD", "DWEL", "IDLE"};
 
-constexpr const CorrectionCurve &curve_of(std::string_view key) {
-    return *std::ranges::find(correction_curves, key, &CorrectionCurve::key);
+constexpr const CorrectionCurve& curve_of(std::string_view key) {
+    return *std::ranges::find(correction_curves, key, [](const CorrectionCurve& curve) { return curve.table->key; });
 }
 static_assert(std::ranges::all_of(reading_order, [](std::string_view key) {
-    return std::ranges::count(correction_curves, key, &CorrectionCurve::key) == 1 &&
-           std::ranges::count(reading_order, key) == 1;
+    return curve_of(key).table->key == key && std::ranges::count(reading_order, key) == 1;
 }));
 
 inline constexpr std::size_t target_page = 2; // of the lambda target table

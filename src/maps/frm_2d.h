@@ -47,8 +47,8 @@ struct Frm2d {
     platform::Button Command3d2{form, "Command3d2", "Update"};
     platform::Button Command3d1{form, "Command3d1", "Exit"};
     platform::Label show_demo_mode{form, "show_demo_mode", "DEMO MODE!"};
-    platform::Label inj_pw{form, "inj_pw"};   // ms
-    platform::Label ign_deg{form, "ign_deg"}; // degrees, "A" or "B" behind
+    platform::Label inj_pw{form, "inj_pw"};         // ms
+    platform::Label ign_deg{form, "ign_deg"};       // degrees, "A" or "B" behind
     platform::Label map_status{form, "map_status"}; // progress of the opening read, then the count of pending values
     platform::ControlArray<platform::Label, 3> tab_status{form, "tab_status"}; // by page, empty when nothing is pending
 
@@ -102,12 +102,12 @@ struct Frm2d {
         show_demo_mode.set_visible(false);
         Command3d2.set_tool_tip("Click to update modified entries");
         Command3d1.set_tool_tip("Click to exit back to the console");
-        const auto tip = [](Nine &boxes, std::string_view text) {
-            for (platform::TextBox &box : boxes) {
+        const auto tip = [](Nine& boxes, std::string_view text) {
+            for (platform::TextBox& box : boxes) {
                 box.set_tool_tip(text);
             }
         };
-        for (Nine *fuel : {&clt_map, &mat_data, &Pressure_Gain, &accel_map}) {
+        for (Nine* fuel : {&clt_map, &mat_data, &Pressure_Gain, &accel_map}) {
             tip(*fuel,
                 "Higher numbers in this cell will yield more fuel to be injected across this section of the map");
         }

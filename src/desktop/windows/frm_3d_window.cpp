@@ -1,6 +1,7 @@
 // The basic mapping window: the map fills it and grows with it, each axis caption standing at its row or column, with
 // the single values, the engine's figures and the legend beside it.
 #include "desktop/grid_view.h"
+#include "desktop/legend.h"
 #include "desktop/theme.h"
 #include "desktop/windows/windows.h"
 #include "maps/frm_3d.h"
@@ -229,28 +230,6 @@ Panel engine_panel(FormWindow& window, Frm3d& f) {
     QWidget* condition = window.binding().widget_of(f.AF_condition);
     condition->setFixedWidth(condition->fontMetrics().horizontalAdvance(QStringLiteral("Lean ")));
     return panel;
-}
-
-QWidget* swatch(platform::Colour colour) {
-    QPixmap picture(20, 14);
-    picture.fill(theme::to_qt(colour));
-    if (colour == platform::pending) {
-        QPainter painter(&picture);
-        paint_pending_mark(painter, picture.rect());
-    }
-    auto* label = new QLabel;
-    label->setPixmap(picture);
-    label->setFrameShape(QFrame::Box);
-    label->setFixedSize(22, 16);
-    return label;
-}
-
-QWidget* muted(const char* text) {
-    auto* label = new QLabel(QString::fromUtf8(text));
-    QPalette palette;
-    palette.setColor(QPalette::WindowText, theme::muted_text(QPalette()));
-    label->setPalette(palette);
-    return label;
 }
 
 // What the backgrounds mean. The eight boxes of the scale are the form's own, lowest first.
