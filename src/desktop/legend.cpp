@@ -4,6 +4,7 @@
 #include "desktop/theme.h"
 #include "maps/frm_3d.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
@@ -11,6 +12,33 @@
 #include <ranges>
 
 namespace ecu::desktop {
+
+namespace {
+
+// Follows the desktop from light to dark.
+class MutedLabel final : public QLabel {
+public:
+    explicit MutedLabel(const QString& text) : QLabel(text) { take_colour(); }
+
+protected:
+    void changeEvent(QEvent* event) override {
+        QLabel::changeEvent(event);
+        if (event->type() == QEvent::ApplicationPaletteChange || event->type() == QEvent::PaletteChange) {
+            take_colour();
+        }
+    }
+
+private:
+    void take_colour() {
+        QPalette muted;
+        muted.setColor(QPalette::WindowText, theme::muted_text(QPalette()));
+        if (palette().color(QPalette::WindowText) != muted.color(QPalette::WindowText)) {
+            setPalette(muted);
+        }
+    }
+};
+
+} // namespace
 
 QWidget* swatch(platform::Colour colour) {
     QPixmap picture(20, 14);
@@ -26,13 +54,7 @@ QWidget* swatch(platform::Colour colour) {
     return label;
 }
 
-QWidget* muted(const char* text) {
-    auto* label = new QLabel(QString::fromUtf8(text));
-    QPalette palette;
-    palette.setColor(QPalette::WindowText, theme::muted_text(QPalette()));
-    label->setPalette(palette);
-    return label;
-}
+QWidget* muted(const char* text) { return new MutedLabel(QString::fromUtf8(text)); }
 
 QWidget* shading_legend() {
     auto* holder = new QWidget;
