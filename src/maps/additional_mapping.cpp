@@ -156,7 +156,6 @@ void AdditionalMapping::key_in_box(const CorrectionCurve& curve, std::size_t ind
 // -- Opening
 
 void AdditionalMapping::prepare_window() {
-    form_.map_tabs.set_current(0);
     form_.lambda_sp_table.set_row_height(0, 0);
     form_.lambda_sp_table.set_column_width(0, 0);
     for (platform::Label& label : form_.tab_status) {
@@ -191,6 +190,9 @@ bool AdditionalMapping::read_everything() {
 
 // The pages as a whole take no entry while they are read; a box keeps what the controller's functions allow it.
 void AdditionalMapping::allow_editing(bool allowed) {
+    if (!allowed) {
+        form_.map_tabs.set_current(0); // which shows throughout the read
+    }
     form_.map_tabs.set_enabled(allowed);
     form_.lambda_sp_table.set_locked(!allowed);
     form_.menureset.set_enabled(allowed);

@@ -54,7 +54,8 @@ struct CorrectionWindow : testing::Test {
         QTest::qWait(1);
     }
     FormWindow& window() { return static_cast<FormWindow&>(desktop.host().window_of(form.form)); }
-    QWidget* focus() { return window().focusWidget(); }
+    QWidget* widget(const platform::Control& control) { return window().binding().widget_of(control); }
+    std::string focused() { return window().focusWidget()->objectName().toStdString(); }
     void fill() {
         for (const maps::CorrectionCurve& curve : maps::correction_curves) {
             for (int i = 0; i < 9; ++i) {
@@ -90,6 +91,20 @@ TEST_F(CorrectionWindow, IsCompleteFitsItsScreensAndCanBeLookedAt) {
     form.lambda_sp_table.set_cell_text(3, 3, "0.91");
     console.live.injector_pw = 0.008123F;
     console.additional_mapping.refresh_live();
+    for (const QSize size : {QSize(1366, 728), QSize(902, 472)}) { // of a screen of 1366 x 768, also at 150 %
+        window().resize(size);
+        for (int n = 0; n < 3; ++n) {
+            form.map_tabs.set_current(n);
+            QTest::qWait(1);
+            const auto* page = static_cast<QScrollArea*>(named<QTabWidget>(window(), "map_tabs").widget(n));
+            EXPECT_LE(page->widget()->minimumSizeHint().width(), page->viewport()->width()) << size.width();
+            EXPECT_LE(page->widget()->minimumSizeHint().height(), page->viewport()->height()) << size.height();
+        }
+        for (int i = 0; i < 9; ++i) {
+            const auto* edit = static_cast<QLineEdit*>(widget(form.ign_rpm[static_cast<std::size_t>(i)]));
+            EXPECT_LE(edit->fontMetrics().horizontalAdvance("-16.000") + 8, edit->width());
+        }
+    }
     pictures("", {1366, 728});
     pictures("_150", {902, 472});
     pictures("_large", {1900, 1040});
@@ -97,6 +112,65 @@ TEST_F(CorrectionWindow, IsCompleteFitsItsScreensAndCanBeLookedAt) {
     QApplication::setPalette(theme::dark_palette());
     pictures("_dark", {1240, 720});
     QApplication::setPalette(light);
+}
+
+TEST_F(CorrectionWindow, IsUsedByKeyboardAlone) {
+    EXPECT_EQ(focused(), "clt_map(0)");
+    QTest::keyClick(window().focusWidget(), Qt::Key_Down);
+    EXPECT_EQ(focused(), "mat_data(0)");
+    QTest::keyClicks(window().focusWidget(), "1.25"); // over the value, which was selected
+    EXPECT_EQ(form.mat_data[0].text(), "1.25");
+    QTest::keyClick(&window(), Qt::Key_2, Qt::ControlModifier);
+    EXPECT_EQ(std::to_string(form.map_tabs.current()) + focused(), "1ign_map(0)");
+    QTest::keyClick(window().focusWidget(), Qt::Key_Tab);
+    EXPECT_EQ(focused(), "ign_map(1)");
+    QTest::keyClick(&window(), Qt::Key_F6);
+    EXPECT_EQ(std::to_string(form.map_tabs.current()) + focused(), "2lambda_sp_table");
+    QTest::keyClick(&window(), Qt::Key_F6);
+    EXPECT_EQ(focused(), "dwell_vbat(0)");
+    window().resize(700, 360); // a page that has to scroll keeps the box in sight
+    QTest::qWait(1);
+    form.idle_rpm_map[8].set_focus();
+    QTest::qWait(1);
+    EXPECT_FALSE(widget(form.idle_rpm_map[8])->visibleRegion().isEmpty());
+}
+
+TEST_F(CorrectionWindow, ACopiedRowGoesOverTheBoxesAndACurveIsCopiedWhole) {
+    QApplication::clipboard()->setText("1,5\t\tlean\t.75\n2\r\n3\n");
+    for (const std::size_t from : {2U, 7U}) {
+        form.clt_map[from].set_focus();
+        QTest::keyClick(widget(form.clt_map[from]), Qt::Key_V, Qt::ControlModifier);
+    }
+    QTest::keyClick(widget(form.clt_map[0]), Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(QApplication::clipboard()->text().toStdString(), "1.000\t1.000\t1.5\t1.000\t1.000\t.75\t2\t1.5\t1.000\n");
+    EXPECT_TRUE(form.clt_map[5].is_pending());
+    EXPECT_FALSE(form.clt_map[4].is_pending());
+    QApplication::clipboard()->setText("7");
+    form.ign_map[1].set_focus();
+    QTest::keyClick(widget(form.ign_map[1]), Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(form.ign_map[1].text(), "7");
+}
+
+TEST_F(CorrectionWindow, GraphAndTabFollowWhatIsTyped) {
+    auto& tabs = named<QTabWidget>(window(), "map_tabs");
+    const auto& mark = named<QLabel>(window(), "tab_status(0)");
+    EXPECT_TRUE(mark.isHidden());
+    const QRect narrow = tabs.tabBar()->tabRect(0);
+    const auto& graph = named<CurveView>(window(), "mat_enr_graph");
+    EXPECT_EQ(form.mat_enr_graph.width(), graph.width());
+    const QPolygonF flat = CurveView::curve_of(form.mat_enr_graph);
+    ASSERT_EQ(flat.size(), 9);
+    form.mat_data[8].set_focus();
+    QTest::keyClicks(widget(form.mat_data[8]), "2");
+    QTest::qWait(1);
+    const QPolygonF bent = CurveView::curve_of(form.mat_enr_graph);
+    EXPECT_LT(bent[8].y(), flat[8].y());
+    EXPECT_GT(bent[0].y(), flat[0].y());
+    EXPECT_NEAR(bent[8].x() + graph.x(), widget(form.mat_data[8])->geometry().center().x(), 2);
+    EXPECT_EQ(mark.text(), "1 pending");
+    EXPECT_GT(tabs.tabBar()->tabRect(0).width(), narrow.width());
+    EXPECT_TRUE(tabs.tabBar()->tabRect(0).contains(mark.geometry()));
+    EXPECT_EQ(widget(form.mat_data[8])->accessibleName().toStdString(), "Air Temp Enrichment at 115 °C");
 }
 
 } // namespace

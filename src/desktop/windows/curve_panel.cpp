@@ -146,7 +146,7 @@ private:
     // Several copied cells go into as many boxes from this one on; a blank one, or one that is no number, leaves its
     // box alone. A single one is the line edit's own affair.
     bool spread(std::size_t from) {
-        static const QRegularExpression between(QStringLiteral("[\t\r\n]+"));
+        static const QRegularExpression between(QStringLiteral("\t|\r?\n"));
         static const QRegularExpression number(QStringLiteral("^[+-]?(\\d+\\.?\\d*|\\.\\d+)$"));
         const QStringList cells = QApplication::clipboard()->text().split(between);
         if (cells.size() < 2) {
