@@ -4,10 +4,9 @@
 #include "desktop/theme.h"
 
 #include <QPainter>
-#include <QPainterPath>
 #include <QResizeEvent>
 
-#include <algorithm>
+#include <array>
 
 namespace ecu::desktop {
 
@@ -27,15 +26,15 @@ QColor faded(platform::Colour colour, int alpha) {
 
 } // namespace
 
-QPolygonF CurveView::curve_of(const Picture& picture) {
-    QPolygonF curve;
+std::vector<QLineF> CurveView::curve_of(const Picture& picture) {
+    std::vector<QLineF> pieces;
     for (const Picture::Stroke& stroke : picture.strokes()) {
         if (const auto* line = std::get_if<Picture::Line>(&stroke);
             line != nullptr && line->colour == platform::yellow) {
-            curve.append({line->x2 + 0.5, line->y2 + 0.5});
+            pieces.emplace_back(line->x1 + 0.5, line->y1 + 0.5, line->x2 + 0.5, line->y2 + 0.5);
         }
     }
-    return curve;
+    return pieces;
 }
 
 void CurveView::resizeEvent(QResizeEvent* event) { picture_.resize(event->size().width(), event->size().height()); }
@@ -51,26 +50,27 @@ void CurveView::paintEvent(QPaintEvent*) {
             painter.drawLine(line->x1, line->y1, line->x2, line->y2);
         }
     }
-    const QPolygonF curve = curve_of(picture_);
-    if (curve.size() < 2) {
-        return;
-    }
-    painter.setRenderHint(QPainter::Antialiasing);
-    QPolygonF area = curve;
-    area << QPointF(curve.last().x(), height()) << QPointF(curve.first().x(), height());
     QLinearGradient shade(0, 0, 0, height());
     shade.setColorAt(0, faded(platform::yellow, 110));
     shade.setColorAt(1, faded(platform::yellow, 15));
+    const std::vector<QLineF> curve = curve_of(picture_);
     painter.setPen(Qt::NoPen);
     painter.setBrush(shade);
-    painter.drawPolygon(area);
-    painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(theme::to_qt(platform::yellow), 1.6, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.drawPolyline(curve);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(theme::to_qt(platform::yellow));
-    for (const QPointF& point : curve) {
-        painter.drawEllipse(point, point_radius, point_radius);
+    painter.setRenderHint(QPainter::Antialiasing, false); // the pieces of the ground join without a seam
+    for (const QLineF& piece : curve) {
+        const std::array<QPointF, 4> ground{piece.p1(), piece.p2(), QPointF(piece.x2(), height()),
+                                            QPointF(piece.x1(), height())};
+        painter.drawPolygon(ground.data(), 4);
+    }
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QColor bright = theme::to_qt(platform::yellow);
+    for (const QLineF& piece : curve) {
+        painter.setPen(QPen(bright, 1.6, Qt::SolidLine, Qt::RoundCap));
+        painter.drawLine(piece);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(bright);
+        painter.drawEllipse(piece.p1(), point_radius, point_radius);
+        painter.drawEllipse(piece.p2(), point_radius, point_radius);
     }
     if (height() < least_height_for_scale) {
         return;

@@ -4,16 +4,19 @@
 
 #include "platform/picture.h"
 
-#include <QPolygonF>
+#include <QLineF>
 #include <QWidget>
+
+#include <vector>
 
 namespace ecu::desktop {
 
 class CurveView final : public QWidget {
 public:
     explicit CurveView(platform::Picture& picture) : picture_(picture) {}
-    // The points of the curve among the picture's strokes, in their order.
-    static QPolygonF curve_of(const platform::Picture& picture);
+    // The pieces of the curve among the picture's strokes, in their order: the first point alone, then one to each
+    // further point. There is none to or from a point that is not known.
+    static std::vector<QLineF> curve_of(const platform::Picture& picture);
 
 protected:
     void paintEvent(QPaintEvent* event) override;

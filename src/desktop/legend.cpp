@@ -1,6 +1,6 @@
 #include "desktop/legend.h"
 
-#include "desktop/grid_view.h"
+#include "desktop/grid_delegate.h"
 #include "desktop/theme.h"
 #include "maps/frm_3d.h"
 

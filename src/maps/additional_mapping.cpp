@@ -68,17 +68,21 @@ AdditionalMapping::AdditionalMapping(const platform::Ports& ports, link::SharedS
                .ready =
                    [this] {
                        show_pending_by_page();
-                       form_.clt_map[0].set_focus();
+                       focus_shown_page();
                    },
                .leaving =
                    [this] {
+                       form_.map_tabs.set_current(0); // which shows throughout the next opening
                        if (selection_.close_modifier) {
                            selection_.close_modifier();
                        }
-                   }}) {
+                   },
+               .read_again = &frm_2d.read_again,
+               .reveal = [this](const platform::Control& control) { reveal(control); }}) {
     form_.menufileexit.clicked = [this] { editor_.close(); };
     form_.menuupdate.clicked = [this] { form_.Command3d2.press(); };
     form_.menureset.clicked = [this] { offer_resets(); };
+    form_.read_again.clicked = [this] { editor_.read_again(); };
     form_.map_tabs.changed = [this] { draw_shown_page(); };
     for (const CorrectionCurve& curve : correction_curves) {
         wire_curve(curve);
@@ -91,7 +95,11 @@ AdditionalMapping::AdditionalMapping(const platform::Ports& ports, link::SharedS
 
 void AdditionalMapping::wire_curve(const CorrectionCurve& curve) {
     Frm2d::Nine& boxes = form_.*curve.boxes;
-    editor_.add(*curve.table, boxes, {.group = Frm2d::tab_captions.at(curve.page), .demo = sample});
+    editor_.add(*curve.table, boxes,
+                {.group = Frm2d::tab_captions.at(curve.page), .demo = sample, .place = [this, &curve](int, int index) {
+                     const platform::Label& axis = (form_.*curve.axis)[static_cast<std::size_t>(index)];
+                     return std::string(curve.title) + ", " + axis.text() + " " + std::string(curve.unit);
+                 }});
     for (std::size_t i = 0; i < boxes.size(); ++i) {
         boxes[i].key_down = [this, &curve, i](KeyPress& press) { key_in_box(curve, i, press); };
         if (curve.shows_focus) {
@@ -107,7 +115,11 @@ void AdditionalMapping::wire_curve(const CorrectionCurve& curve) {
 }
 
 void AdditionalMapping::wire_target_table() {
-    editor_.add(table("EGOL"), form_.lambda_sp_table, {.group = Frm2d::tab_captions.at(target_page), .demo = sample});
+    editor_.add(table("EGOL"), form_.lambda_sp_table,
+                {.group = Frm2d::tab_captions.at(target_page), .demo = sample, .place = [this](int row, int column) {
+                     const std::string& load = form_.Label5[static_cast<std::size_t>(9 - row)].text();
+                     return load + " kPa, " + form_.Label7[static_cast<std::size_t>(column - 1)].text() + " rpm";
+                 }});
     wire_grid(form_.lambda_sp_table, {.block_table_id = surface::lambda, .step = target_step}, selection_,
               [this] { form_.Command3d2.press(); });
     form_.menuresetegosetpoint.clicked = [this] { reset_target_table(); };
@@ -156,6 +168,7 @@ void AdditionalMapping::key_in_box(const CorrectionCurve& curve, std::size_t ind
 // -- Opening
 
 void AdditionalMapping::prepare_window() {
+    form_.map_tabs.set_current(0);
     form_.lambda_sp_table.set_row_height(0, 0);
     form_.lambda_sp_table.set_column_width(0, 0);
     for (platform::Label& label : form_.tab_status) {
@@ -174,6 +187,7 @@ bool AdditionalMapping::read_everything() {
         return false;
     }
     label_correction_axes(form_, scales_);
+    const int shown = form_.map_tabs.current();
     for (const std::string_view key : reading_order) {
         const CorrectionCurve& curve = curve_of(key);
         form_.map_tabs.set_current(static_cast<int>(curve.page));
@@ -183,16 +197,31 @@ bool AdditionalMapping::read_everything() {
     }
     const bool complete = editor_.read_table(table("EGOL"), calibration::read_27, "Lambda Targets");
     if (complete) {
-        form_.map_tabs.set_current(0);
+        form_.map_tabs.set_current(shown);
     }
     return complete;
 }
 
+void AdditionalMapping::focus_shown_page() {
+    const auto shown = static_cast<std::size_t>(form_.map_tabs.current());
+    for (const std::string_view key : reading_order) {
+        if (const CorrectionCurve& curve = curve_of(key); curve.page == shown) {
+            (form_.*curve.boxes)[0].set_focus();
+            return;
+        }
+    }
+}
+
+void AdditionalMapping::reveal(const platform::Control& control) {
+    std::size_t page = target_page;
+    for (const CorrectionCurve& curve : correction_curves) {
+        page = (form_.*curve.boxes)[0].name() == control.name() ? curve.page : page;
+    }
+    form_.map_tabs.set_current(static_cast<int>(page));
+}
+
 // The pages as a whole take no entry while they are read; a box keeps what the controller's functions allow it.
 void AdditionalMapping::allow_editing(bool allowed) {
-    if (!allowed) {
-        form_.map_tabs.set_current(0); // which shows throughout the read
-    }
     form_.map_tabs.set_enabled(allowed);
     form_.lambda_sp_table.set_locked(!allowed);
     form_.menureset.set_enabled(allowed);

@@ -37,6 +37,8 @@ private:
     void wire_surface();
     void key_in_box(const CorrectionCurve& curve, std::size_t index, platform::KeyPress& press);
     void prepare_window();
+    void focus_shown_page();
+    void reveal(const platform::Control& control);
     bool read_everything();
     void allow_editing(bool allowed);
     void offer_resets();

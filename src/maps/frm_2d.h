@@ -44,6 +44,7 @@ struct Frm2d {
     platform::MenuItem menu_diag{form, "menu_diag", "D&iagnostics"};
 
     platform::Tabs map_tabs{form, "map_tabs"};
+    platform::Button read_again{form, "read_again", "Read again"};
     platform::Button Command3d2{form, "Command3d2", "Update"};
     platform::Button Command3d1{form, "Command3d1", "Exit"};
     platform::Label show_demo_mode{form, "show_demo_mode", "DEMO MODE!"};
@@ -100,6 +101,7 @@ struct Frm2d {
 
     Frm2d() {
         show_demo_mode.set_visible(false);
+        read_again.set_tool_tip("Click to read the values that the controller has not given yet");
         Command3d2.set_tool_tip("Click to update modified entries");
         Command3d1.set_tool_tip("Click to exit back to the console");
         const auto tip = [](Nine& boxes, std::string_view text) {

@@ -147,18 +147,15 @@ private:
     // box alone. A single one is the line edit's own affair.
     bool spread(std::size_t from) {
         static const QRegularExpression between(QStringLiteral("\t|\r?\n"));
-        static const QRegularExpression number(QStringLiteral("^[+-]?(\\d+\\.?\\d*|\\.\\d+)$"));
         const QStringList cells = QApplication::clipboard()->text().split(between);
-        if (cells.size() < 2) {
-            return false;
-        }
-        for (qsizetype k = 0; k < cells.size() && from + static_cast<std::size_t>(k) < edits_.size(); ++k) {
-            const QString cell = QString(cells[k]).replace(',', '.').trimmed();
-            if (number.match(cell).hasMatch()) {
-                boxes_[from + static_cast<std::size_t>(k)].set_text(cell.toStdString());
+        for (qsizetype k = 0; cells.size() > 1 && k < cells.size(); ++k) {
+            const std::size_t i = from + static_cast<std::size_t>(k);
+            const std::string entry = platform::entry_text(cells[k].toStdString());
+            if (i < edits_.size() && platform::is_number(entry)) {
+                boxes_[i].set_text(entry);
             }
         }
-        return true;
+        return cells.size() > 1;
     }
 
     Frm2d::Nine& boxes_;

@@ -231,12 +231,10 @@ std::unique_ptr<FormWindow> make_frm_2d_window(maps::Frm2d& f, QtHost& host) {
         mark_tab(*window, *tabs, static_cast<int>(i), f.tab_status[i]);
     }
     window->set_body(tabs);
-    window->set_footer(window->across({live_figures(*window, f), window->buttons({&f.Command3d2, &f.Command3d1})}));
+    window->set_footer(
+        window->across({live_figures(*window, f), window->buttons({&f.read_again, &f.Command3d2, &f.Command3d1})}));
     window->demo_badge(f.show_demo_mode);
-    // Of fixed size, so that the progress of a read does not lay the window out again with each table.
-    QWidget* status = window->status(f.map_status);
-    status->setFixedSize(status->fontMetrics().horizontalAdvance("Aborted: nothing is sent until a view is opened  "),
-                         status->fontMetrics().height() + 4);
+    window->status_line(f.map_status);
     window->statusBar()->addPermanentWidget(muted("Ctrl+1–3 page   F6 targets   Shift+↑↓ step   Ctrl+Shift+C curve"));
     for (platform::Label& label : f.Label12) {
         window->keep_hidden(label); // a third barometric axis, of no curve
