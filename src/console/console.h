@@ -10,6 +10,7 @@
 #include "link/ecu_comm.h"
 #include "link/link_selection.h"
 #include "logging/plotter.h"
+#include "maps/additional_mapping.h"
 #include "maps/basic_mapping.h"
 #include "maps/block_modifier.h"
 #include "maps/gpo_mapping.h"
@@ -69,6 +70,7 @@ public:
     maps::BlockModifier block_modifier;
     maps::BasicMapping basic_mapping;
     maps::GpoMapping gpo_mapping;
+    maps::AdditionalMapping additional_mapping;
     logging::Plotter plotter;
     autotune::Autotune autotune;
     calibration::Transfer transfer;

@@ -25,6 +25,7 @@ void DesktopConsole::add_windows() {
     add(forms.frm_dashboard, make_frm_dashboard_window);
     add(forms.frm_plotter, make_frm_plotter_window);
     add(forms.frm_3d, make_frm_3d_window);
+    add(forms.frm_2d, make_frm_2d_window);
     add(forms.frm_3d_graph, make_frm_3d_graph_window);
     add(forms.frm_cellblock_modifier, make_frm_cellblock_modifier_window);
     add(forms.frm_sup, make_frm_sup_window);
