@@ -251,6 +251,10 @@ void Binding::paint_colours(Control& control, QWidget& widget) {
     case Kind::gauge:
         return; // these paint themselves
     }
+    if (control.kind() == Kind::check_box && control.text().empty() && fore == platform::pending) {
+        palette.setColor(QPalette::Window, theme::to_qt(platform::pending)); // there is no text to take the colour
+        widget.setAutoFillBackground(true);
+    }
     if (!back && !fore) {
         palette = QPalette();
     }
