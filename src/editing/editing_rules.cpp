@@ -181,30 +181,4 @@ bool move_along(std::span<TextBox> boxes, std::size_t index, KeyPress& press) {
     return true;
 }
 
-void EditorLink::pause_polling(float seconds) {
-    state_.polling_paused = true;
-    ports_.wait_seconds(seconds);
-}
-
-void EditorLink::resume_polling(float seconds) {
-    state_.polling_paused = false;
-    ports_.wait_seconds(seconds);
-}
-
-void EditorLink::write_cell(int address, int raw) {
-    send(calibration::cell_write_message(address, raw), calibration::cell_reply);
-}
-
-bool EditorLink::read_blocks(const calibration::BlockRead& block, int address, int count,
-                             const std::function<void(int)>& progress, const std::function<bool()>& stop) {
-    for (int k = 0; k < count; ++k) {
-        progress(k);
-        send(calibration::block_read_message(block, address + k * block.cells), block.reply());
-        if (state_.comm_aborted || stop()) {
-            return false;
-        }
-    }
-    return true;
-}
-
 } // namespace ecu::editing

@@ -4,7 +4,6 @@
 #pragma once
 
 #include "calibration/encoding.h"
-#include "link/ecu_comm.h"
 #include "platform/grid.h"
 #include "platform/leading_number.h"
 #include "platform/rounding.h"
@@ -102,26 +101,5 @@ void colour_by_focus(platform::TextBox& box); // light red while it has the focu
 bool step_box(platform::TextBox& box, const KeyStep& step, platform::KeyPress& key);
 // Left and Right move the focus along an array of boxes, stopping at its ends; true when the focus moved.
 bool move_along(std::span<platform::TextBox> boxes, std::size_t index, platform::KeyPress& key);
-
-// The messages that editing sends, and the short waits that keep the scheduler's polling out of a sequence.
-class EditorLink {
-public:
-    EditorLink(const platform::Ports& ports, link::SharedState& state, link::EcuComm& comm)
-        : ports_(ports), state_(state), comm_(comm) {}
-
-    void pause_polling(float seconds);
-    void resume_polling(float seconds);
-    void send(const link::Message& message, int expected_length) { comm_.poll(message, expected_length); }
-    void write_cell(int address, int raw);
-    // Reads `count` blocks from `address` upward. Before block k it calls progress(k); after each it looks at the
-    // link and at stop(), and gives up with false.
-    bool read_blocks(const calibration::BlockRead& block, int address, int count,
-                     const std::function<void(int)>& progress, const std::function<bool()>& stop);
-
-private:
-    const platform::Ports& ports_;
-    link::SharedState& state_;
-    link::EcuComm& comm_;
-};
 
 } // namespace ecu::editing

@@ -87,10 +87,10 @@ Gauge::Scale tachometer_scale(float full_scale_rpm) {
 Dashboard::Dashboard(const platform::Ports& ports, link::SharedState& state, link::EcuComm& comm,
                      shell::Navigation& navigation, calibration::Scales& scales, messages::EcuLiveData& live,
                      FrmDashboard& form)
-    : ports_(ports), state_(state), comm_(comm), navigation_(navigation), scales_(scales), live_(live),
-      form_(form), trims_{{{&form.ecu_pgm[0], &calibration::parameter("FUEL_MX")},
-                           {&form.ecu_pgm[1], &calibration::parameter("FUEL_B")},
-                           {&form.base_offset_deg, &calibration::parameter("BASE_DEG")}}} {
+    : ports_(ports), state_(state), comm_(comm), navigation_(navigation), scales_(scales), live_(live), form_(form),
+      link_(ports, state, comm, scales), trims_{{{&form.ecu_pgm[0], &calibration::parameter("FUEL_MX")},
+                                                 {&form.ecu_pgm[1], &calibration::parameter("FUEL_B")},
+                                                 {&form.base_offset_deg, &calibration::parameter("BASE_DEG")}}} {
     wire();
 }
 
@@ -216,7 +216,7 @@ void Dashboard::update() {
     if (opening_) {
         return;
     }
-    const Raised paused(state_.polling_paused);
+    const editing::PollingPause pause(state_);
     ports_.wait_seconds(0.1F);
     for (const Trim& trim : trims_) {
         // An empty box that nobody has written shows that the controller did not answer. It would go out as 0, and
@@ -228,19 +228,10 @@ void Dashboard::update() {
 }
 
 void Dashboard::send_trim(const Trim& trim) {
-    platform::TextBox& box = *trim.box;
-    const calibration::Parameter& row = *trim.row;
-    const calibration::EncodedEntry entry = calibration::raw_from_entry(row, box.text(), scales_);
-    if (!entry.replaced.empty()) {
-        box.set_text(entry.replaced);
-    }
-    if (!entry.refusal.empty()) {
-        ports_.dialogs.say(entry.refusal);
-        return;
-    }
-    comm_.poll(calibration::write_message(row, 0, entry.raw), row.write.reply);
-    if (&box != &form_.base_offset_deg) { // that one waits for the echo
-        box.set_back_colour(platform::confirmed);
+    const editing::Fate fate = link_.send_entry(*trim.row, 0, *trim.box);
+    const bool went = fate != editing::Fate::refused && fate != editing::Fate::skipped;
+    if (went && trim.box != &form_.base_offset_deg) { // that one waits for the echo
+        trim.box->set_back_colour(platform::confirmed);
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include "calibration/parameter_types.h"
 #include "calibration/scales.h"
+#include "editing/editor_link.h"
 #include "link/ecu_comm.h"
 #include "messages/live_data.h"
 #include "shell/navigation.h"
@@ -57,6 +58,7 @@ private:
     calibration::Scales& scales_;
     messages::EcuLiveData& live_;
     FrmDashboard& form_;
+    editing::EditorLink link_;
     std::array<Trim, 3> trims_; // in the order in which they are sent
     std::size_t lit_lamp_ = 0;
     bool opening_ = false; // the trims are being read: none may be sent
