@@ -26,6 +26,7 @@ Console::Console(const platform::Ports& machine)
       block_modifier(ports, state, forms.registry, forms.frm_cellblock_modifier, block_selection),
       basic_mapping(ports, state, comm, scales, live, forms.frm_3d, forms.frm_tool.TPS_mapped, navigation,
                     block_selection, surface_window, map_cell_colours),
+      configuration_page(ports, state, comm, scales, image, reply_decoders.controls(), navigation, forms.frm_tool),
       plotter(ports, state, comm, navigation, polling.timer3(), scales, live,
               {forms.frm_mon.inj_duty[0], forms.frm_mon.ign_duty[0], forms.frm_mon.wheel_idx_num}, forms.frm_plotter),
       autotune(ports, state, forms.frm_autotune, forms.frm_3d),
@@ -41,6 +42,7 @@ shell::Navigation Console::with_views(const platform::Ports& ports, link::Shared
     shell::Navigation navigation(ports, state, comm, link_selection, forms.frm_ecu.form);
     navigation.add_view(View::monitor, forms.frm_mon.form);
     navigation.add_view(View::dashboard, forms.frm_dashboard.form);
+    navigation.add_view(View::configuration, forms.frm_tool.form);
     navigation.add_view(View::basic_mapping, forms.frm_3d.form);
     navigation.add_view(View::plotter, forms.frm_plotter.form);
     return navigation;

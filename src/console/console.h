@@ -6,6 +6,7 @@
 #include "autotune/autotune.h"
 #include "calibration/calibration_image.h"
 #include "calibration/transfer.h"
+#include "configuration/configuration_page.h"
 #include "console/forms.h"
 #include "link/ecu_comm.h"
 #include "link/link_selection.h"
@@ -67,6 +68,7 @@ public:
     maps::SurfaceWindow surface_window;
     maps::BlockModifier block_modifier;
     maps::BasicMapping basic_mapping;
+    configuration::ConfigurationPage configuration_page;
     logging::Plotter plotter;
     autotune::Autotune autotune;
     calibration::Transfer transfer;

@@ -146,7 +146,8 @@ void SideTabs::step(int by) {
 void SideTabs::show_pending() {
     for (int i = 0; i < count(); ++i) {
         const int pending = control_.pending_on(i);
-        const QString tell = pending == 1 ? QStringLiteral("1 value pending") : QString("%1 values pending").arg(pending);
+        const QString tell =
+            pending == 1 ? QStringLiteral("1 value pending") : QString("%1 values pending").arg(pending);
         tabBar()->setTabToolTip(i, pending == 0 ? tabText(i) : tabText(i) + ": " + tell);
     }
     tabBar()->update();

@@ -33,6 +33,9 @@ struct FrmCellblockModifier;
 namespace ecu::autotune {
 struct FrmAutotune;
 }
+namespace ecu::configuration {
+struct FrmTool;
+}
 
 namespace ecu::desktop {
 
@@ -44,6 +47,7 @@ std::unique_ptr<FormWindow> make_frm_wait_window(calibration::FrmWait& form, QtH
 std::unique_ptr<FormWindow> make_frm_mon_window(views::FrmMon& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_dashboard_window(views::FrmDashboard& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_plotter_window(logging::FrmPlotter& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_tool_window(configuration::FrmTool& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_3d_window(maps::Frm3d& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_3d_graph_window(maps::Frm3dGraph& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_cellblock_modifier_window(maps::FrmCellblockModifier& form, QtHost& host);
