@@ -22,7 +22,7 @@ public:
     void refresh_monitor_strings();
 
 private:
-    static constexpr std::size_t rows = 20;
+    static constexpr std::size_t rows = FrmMon::Row::count;
 
     void activate();
     void mark_shown(std::size_t count, std::string_view mark);

@@ -145,7 +145,7 @@ struct PlotterWindow {
             form.Strip1.set_channel(i, {.colour = channel.colour,
                                         .enabled = true,
                                         .caption = std::string(channel.caption),
-                                        .unit = std::string(channel.unit),
+                                        .unit = std::string(channel.field->unit),
                                         .offset = channel.offset,
                                         .span = channel.span != 0 ? channel.span : 8000,
                                         .decimals = channel.decimals});
