@@ -6,6 +6,8 @@
 #include <QLabel>
 #include <QLineEdit>
 
+#include <algorithm>
+
 namespace ecu::desktop {
 
 ControlMatrix::ControlMatrix(FormWindow& window, Panel panel) : window_(&window) {
@@ -26,7 +28,10 @@ QWidget* ControlMatrix::muted(std::string_view text) {
 }
 
 void ControlMatrix::head(int first, std::string_view text, int span) {
-    grid_->addWidget(muted(text), span > 1 ? 0 : 1, first + 1, 1, span, Qt::AlignHCenter | Qt::AlignBottom);
+    QWidget* label = muted(text);
+    static_cast<QLabel*>(label)->setAlignment(first < 0 ? Qt::AlignLeft : Qt::AlignHCenter);
+    grid_->addWidget(label, span > 1 ? 0 : 1, place_of(first), 1, span,
+                     (first < 0 ? Qt::AlignLeft : Qt::AlignHCenter) | Qt::AlignBottom);
 }
 
 void ControlMatrix::heads(int first, std::initializer_list<std::string_view> texts) {
@@ -38,14 +43,12 @@ void ControlMatrix::heads(int first, std::initializer_list<std::string_view> tex
 void ControlMatrix::row(std::string_view name) {
     ++row_;
     row_name_ = qt(name);
-    row_label_ = new QLabel(row_name_);
-    grid_->addWidget(row_label_, row_, 0);
+    grid_->addWidget(new QLabel(row_name_), row_, 0);
 }
 
 void ControlMatrix::row(platform::CheckBox& name) {
     ++row_;
     row_name_ = qt(name.text());
-    row_label_ = nullptr;
     grid_->addWidget(window_->make(name), row_, 0);
 }
 
@@ -55,9 +58,17 @@ void ControlMatrix::cell(int column, platform::Control& control, std::string_vie
     if (auto* edit = qobject_cast<QLineEdit*>(widget)) {
         edit->setFixedWidth(edit->fontMetrics().horizontalAdvance(QStringLiteral("-0000.000")) + 12);
     }
-    grid_->addWidget(widget, row_, column + 1, Qt::AlignHCenter | Qt::AlignVCenter);
+    grid_->addWidget(widget, row_, place_of(column), Qt::AlignHCenter | Qt::AlignVCenter);
 }
 
-void ControlMatrix::gap_before(int column) { grid_->setColumnMinimumWidth(column, 2 * theme::margin); }
+int ControlMatrix::place_of(int column) const {
+    const auto before = std::ranges::count_if(gaps_, [column](int gap) { return gap <= column; });
+    return column + 1 + static_cast<int>(before);
+}
+
+void ControlMatrix::gap_before(int column) {
+    grid_->setColumnMinimumWidth(place_of(column), theme::margin);
+    gaps_.push_back(column);
+}
 
 } // namespace ecu::desktop

@@ -19,16 +19,17 @@ public:
     void row(std::string_view name); // the next row; its cells follow
     void row(platform::CheckBox& name);
     void cell(int column, platform::Control& control, std::string_view column_name);
-    void gap_before(int column); // room between groups of columns
+    void gap_before(int column); // room between groups of columns; before any head or cell, lowest column first
 
 private:
+    int place_of(int column) const; // in the grid
     QWidget* muted(std::string_view text);
 
     FormWindow* window_;
     QGridLayout* grid_;
     int row_ = 1; // below two rows of heads
     QString row_name_;
-    QWidget* row_label_ = nullptr;
+    std::vector<int> gaps_;
 };
 
 } // namespace ecu::desktop

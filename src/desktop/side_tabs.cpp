@@ -53,6 +53,7 @@ protected:
             }
             if (chosen && hasFocus()) {
                 painter.setPen(QPen(theme::accent(palette()), 1));
+                painter.setBrush(Qt::NoBrush);
                 painter.drawRect(QRectF(field).adjusted(0.5, 0.5, -0.5, -0.5));
             }
             painter.setPen(palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::WindowText));

@@ -18,7 +18,7 @@ using configuration::FrmTool;
 
 namespace {
 
-constexpr int widest_panel = 400;
+constexpr int narrowest_panel = 320;
 
 // What a row shows that is no text; the phases have a page of their own.
 void add_switches(Panel& panel, FrmTool& f, const Parameter& row) {
@@ -64,7 +64,7 @@ void add_vectors(ControlMatrix& matrix, FrmTool& f, std::initializer_list<const 
     int column = 0;
     for (const Parameter* row : vectors) {
         const std::string unit(row->screen.unit);
-        matrix.head(column++, std::string(row->screen.label) + (unit.empty() ? "" : " [" + unit + "]"));
+        matrix.head(column++, std::string(row->screen.label) + (unit.empty() ? "" : "\n[" + unit + "]"));
     }
     for (int i = 0; i < (*vectors.begin())->count; ++i) {
         matrix.row(std::string(element) + " " + std::to_string(i + 1));
@@ -85,12 +85,14 @@ template <typename Options> Panel options_panel(FormWindow& window, Options& opt
 
 Panel row_panel(FormWindow& window, FrmTool& f, Tab tab, std::string_view group) {
     Panel panel = window.panel(std::string(group).c_str());
+    static_cast<QWidget*>(panel)->setMinimumWidth(narrowest_panel);
     for (const Parameter& row : calibration::scalars) {
         if (row.screen.tab != tab || row.screen.group != group) {
             continue;
         }
         if (row.shows_text()) {
-            panel.row(row.screen.label, f.boxes(row), row.screen.unit);
+            // A blank unit keeps its room, so that the boxes stand in line.
+            panel.row(row.screen.label, f.boxes(row), row.screen.unit.empty() ? " " : row.screen.unit);
         } else {
             add_switches(panel, f, row);
         }
@@ -109,9 +111,9 @@ QWidget* in_columns(const std::vector<std::vector<QWidget*>>& columns) {
             down->addWidget(panel);
         }
         down->addStretch(1);
-        across->addLayout(down, 1);
+        across->addLayout(down);
     }
-    across->addStretch(0);
+    across->addStretch(1);
     return page;
 }
 
@@ -119,9 +121,7 @@ QWidget* plain_page(FormWindow& window, FrmTool& f, Tab tab) {
     std::vector<std::vector<QWidget*>> columns(2);
     std::size_t next = 0;
     for (const std::string_view group : groups_of(tab)) {
-        QWidget* panel = row_panel(window, f, tab, group);
-        panel->setMaximumWidth(widest_panel);
-        columns[next++ % columns.size()].push_back(panel);
+        columns[next++ % columns.size()].push_back(row_panel(window, f, tab, group));
     }
     return in_columns(columns);
 }
@@ -143,7 +143,7 @@ QWidget* injection_page(FormWindow& window, FrmTool& f) {
                 {&calibration::parameter("INJK"), &calibration::parameter("INJO"), &calibration::parameter("INJL"),
                  &calibration::parameter("INJM")},
                 "Channel");
-    return in_columns({{row_panel(window, f, Tab::injection, "Battery Voltage"), channels}, {}});
+    return in_columns({{row_panel(window, f, Tab::injection, "Battery Voltage"), channels}});
 }
 
 QWidget* sensors_page(FormWindow& window, FrmTool& f) {
@@ -154,7 +154,7 @@ QWidget* sensors_page(FormWindow& window, FrmTool& f) {
     const calibration::Table& coolant = calibration::table("CLTF");
     const calibration::Table& air = calibration::table("MATF");
     matrix.head(-1, "Ohms");
-    matrix.heads(0, {"Coolant [deg C]", "Air [deg C]"});
+    matrix.heads(0, {"Coolant\n[deg C]", "Air\n[deg C]"});
     for (int i = 0; i < coolant.cells(); ++i) {
         matrix.row(FrmTool::calibration_ohms.at(static_cast<std::size_t>(i)));
         matrix.cell(0, f.boxes(coolant, i), coolant.screen.label);
@@ -175,8 +175,8 @@ QWidget* speed_page(FormWindow& window, FrmTool& f) {
     Panel wizard = window.panel("Speed Wizard");
     wizard.row("Rolling Circumference", f.rolling_circum_inches, "inches");
     wizard.add(f.speed_wizard_calc[0]);
-    wizard.row("Revs per Mile", f.revs_mile);
-    wizard.row("Triggers per Rev", f.trigs_rev);
+    wizard.row("Revs per Mile", f.revs_mile, " ");
+    wizard.row("Triggers per Rev", f.trigs_rev, " ");
     wizard.add(f.speed_wizard_calc[1]);
     Panel gears = window.panel("Gears");
     ControlMatrix matrix(window, gears);

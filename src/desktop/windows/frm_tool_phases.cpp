@@ -13,12 +13,13 @@ QWidget* phases_page(FormWindow& window, configuration::FrmTool& f) {
     Panel panel = window.panel("Phases");
     ControlMatrix matrix(window, panel);
     const calibration::Parameter& angles = calibration::parameter("PHBT");
+    matrix.gap_before(tach);
+    matrix.gap_before(injectors);
+    matrix.gap_before(ignition);
     matrix.head(-1, "Used");
     matrix.head(angle, "Base Angle [deg]");
     matrix.head(tach, "Tach");
-    matrix.gap_before(injectors);
     matrix.head(injectors, "Injector Drivers", 8);
-    matrix.gap_before(ignition);
     matrix.head(ignition, "Ignition Drivers", 8);
     for (int b = 0; b < 8; ++b) {
         matrix.head(injectors + b, std::to_string(b + 1));
@@ -34,7 +35,7 @@ QWidget* phases_page(FormWindow& window, configuration::FrmTool& f) {
             matrix.cell(ignition + static_cast<int>(b), f.ign_ph[n][b], "ignition " + driver);
         }
     }
-    return in_columns({{panel}, {}});
+    return in_columns({{panel}});
 }
 
 } // namespace ecu::desktop
