@@ -29,35 +29,27 @@ ConfigurationPage::ConfigurationPage(const platform::Ports& ports, link::SharedS
                                      messages::ParameterControls& controls, shell::Navigation& navigation,
                                      FrmTool& frm_tool)
     : state_(state), image_(image), controls_(controls), form_(frm_tool),
-      editor_(
-          ports, state, comm, scales, navigation,
-          {.form = frm_tool.form,
-           .title = "Configuration",
-           .update_button = frm_tool.update_button,
-           .exit_button = frm_tool.exit_button,
-           .status = frm_tool.tool_status,
-           .opening_waits = {0, 0},
-           .update_waits = {0, 0.1F},
-           .blanks = false,
-           .reads_each_time = true,
-           .locks = false, // what the controller does not offer must stay disabled
-           .prepare =
-               [this] {
-                   form_.box("IGN_TDWL")
-                       .set_tool_tip(
-                           "Faster coils need less dwell time, Slow coils need more dwell time.\n"
-                           "If not enough time is given, the spark may be weak or missing.\n"
-                           "If the dwell time is too high, the coil current will be too high, and damage may result.");
-               },
-           .read = [this] { return read_page(); },
-           .allow = [this](bool allowed) { form_.tool_tab.set_enabled(allowed); },
-           .walking = [this](bool now) { walking(now); },
-           .redraw = [this] { show_marks(); },
-           .ready =
-               [this] {
-                   form_.tool_tab.set_focus();
-                   show_marks();
-               }}) {
+      editor_(ports, state, comm, scales, navigation,
+              {.form = frm_tool.form,
+               .title = "Configuration",
+               .update_button = frm_tool.update_button,
+               .exit_button = frm_tool.exit_button,
+               .status = frm_tool.tool_status,
+               .opening_waits = {0, 0},
+               .update_waits = {0, 0.1F},
+               .blanks = false,
+               .reads_each_time = true,
+               .locks = false, // what the controller does not offer must stay disabled
+               .prepare = [this] { prepare(); },
+               .read = [this] { return read_page(); },
+               .allow = [this](bool allowed) { form_.tool_tab.set_enabled(allowed); },
+               .walking = [this](bool now) { walking(now); },
+               .redraw = [this] { show_marks(); },
+               .ready =
+                   [this] {
+                       form_.tool_tab.set_focus();
+                       show_marks();
+                   }}) {
     add_items();
     wire_boxes();
     wire_switches();
@@ -66,6 +58,21 @@ ConfigurationPage::ConfigurationPage(const platform::Ports& ports, link::SharedS
     form_.menuupdate.clicked = [this] { form_.update_button.press(); };
     form_.menufileexit.clicked = [this] { form_.exit_button.press(); };
     form_.form.on_close = [this] { walking_ ? static_cast<void>(close_wanted_ = true) : editor_.close(); };
+}
+
+void ConfigurationPage::prepare() {
+    form_.box("IGN_TDWL")
+        .set_tool_tip("Faster coils need less dwell time, Slow coils need more dwell time.\n"
+                      "If not enough time is given, the spark may be weak or missing.\n"
+                      "If the dwell time is too high, the coil current will be too high, and damage may result.");
+    if (state_.master_mode) {
+        for (platform::OptionButton& option : form_.map_type) {
+            option.set_enabled(true);
+        }
+        for (platform::CheckBox& box : form_.special_cfg) {
+            box.set_enabled(true);
+        }
+    }
 }
 
 // -- What Update walks

@@ -27,6 +27,7 @@ public:
     void work_out_wheel_scaler(std::size_t from);
 
 private:
+    void prepare();
     void add_items();
     void add_switches(const calibration::Parameter& row);
     void add_full_scale(const calibration::Parameter& row);
