@@ -3,6 +3,7 @@
 #include "desktop/figure_label.h"
 #include "desktop/qt_host.h"
 #include "desktop/qt_text.h"
+#include "desktop/status_line.h"
 #include "desktop/theme.h"
 
 #include <QApplication>
@@ -209,6 +210,17 @@ QWidget* FormWindow::status(platform::Label& label) {
     QWidget* widget = make(label);
     statusBar()->addWidget(widget);
     return widget;
+}
+
+QWidget* FormWindow::status_line(platform::Label& label) {
+    auto* line = new StatusLine;
+    binding_.bind_custom(label, line, [&label, line](Property property) {
+        if (property == Property::text) {
+            line->show_text(qt(label.text()));
+        }
+    });
+    statusBar()->addWidget(line, 1);
+    return line;
 }
 
 void FormWindow::scale_figures(double smallest_points, double largest_points) {

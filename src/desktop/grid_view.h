@@ -12,9 +12,6 @@ namespace ecu::desktop {
 
 class GridDelegate;
 
-// The corner that tells a pending cell apart for eyes that cannot tell its yellow from a shade.
-void paint_pending_mark(QPainter& painter, const QRect& cell);
-
 class GridView final : public QTableView {
 public:
     explicit GridView(platform::Grid& grid);
@@ -24,7 +21,7 @@ public:
     QSize minimumSizeHint() const override;
 
     void copy_block() const;
-    // From the selection's top left, a single copied cell into all of it; writes cell texts and nothing else.
+    // From the selection's top left, a single copied cell into all of it, by the grid's own rules of pasting.
     void paste_block();
     void clear_block();
     // A key in a cell's editor: true when it ends the edit and acts on the grid instead.

@@ -74,6 +74,8 @@ QColor text_on(const QColor& background) {
     return contrast(Qt::black, background) >= contrast(Qt::white, background) ? Qt::black : Qt::white;
 }
 
+QBrush hatching() { return QBrush(QColor(0x60, 0x60, 0x60), Qt::BDiagPattern); }
+
 QColor readable_on(QColor colour, const QColor& background) {
     const QColor towards = text_on(background);
     for (int step = 0; step < 10 && contrast(colour, background) < 3.0; ++step) {

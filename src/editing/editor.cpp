@@ -22,6 +22,18 @@ Editor::Editor(const platform::Ports& ports, link::SharedState& state, link::Ecu
     window_.form.on_unload = [this] { unloading(); };
     window_.exit_button.clicked = [this] { close(); };
     window_.update_button.clicked = [this] { update(); };
+    if (window_.read_again != nullptr) {
+        window_.read_again->set_enabled(false);
+        window_.read_again->clicked = [this] { read_again(); };
+    }
+    link_.show_place = [this](platform::Control& control, int row, int column) {
+        return show_place(control, row, column);
+    };
+    link_.on_held = [this](const std::string& typed, const std::string& shown) {
+        if (tally_.held++ == 0) {
+            tally_.first_held = typed + " is " + shown;
+        }
+    };
     paint_timer_->on_tick = [this] {
         if (filling_ != nullptr) {
             filling_->end_batch();
@@ -33,33 +45,33 @@ Editor::Editor(const platform::Ports& ports, link::SharedState& state, link::Ecu
 
 // -- Items
 
-void Editor::wire(TextBox& box) {
-    box.changed = [this, &box] {
-        box.set_back_colour(platform::pending);
-        changed();
+void Editor::add_box(std::unique_ptr<BoxItem> item, ItemTexts texts) {
+    item->box().changed = [this, box_item = item.get()] {
+        box_item->box().set_back_colour(platform::pending);
+        box_item->note_changed();
+        entered();
     };
+    items_.push_back({std::move(item), std::move(texts)});
 }
 
 void Editor::add(const calibration::Parameter& row, int element, TextBox& box, ItemTexts texts) {
-    wire(box);
-    items_.push_back({std::make_unique<BoxItem>(row, element, box, texts.demo), std::move(texts)});
+    add_box(std::make_unique<BoxItem>(row, element, box, texts.demo), std::move(texts));
 }
 
 void Editor::add(const calibration::Table& row, int index, TextBox& box, ItemTexts texts) {
-    wire(box);
-    items_.push_back({std::make_unique<BoxItem>(row, index, box, texts.demo), std::move(texts)});
+    add_box(std::make_unique<BoxItem>(row, index, box, texts.demo), std::move(texts));
 }
 
 void Editor::add(const calibration::Table& row, platform::Grid& grid, ItemTexts texts) {
     auto item = std::make_unique<GridItem>(row, grid, texts.demo);
+    grid.place = texts.place;
     grid.cell_changed = [this, grid_item = item.get()](int cell_row, int column) {
         platform::Grid& written = grid_item->grid();
         written.set_cell_back(cell_row, column, platform::pending);
-        if (updating_) {
-            grid_item->note_changed(index_of(written, cell_row, column));
-        }
-        changed();
+        grid_item->note_changed(index_of(written, cell_row, column));
+        entered();
     };
+    grid.pasted = [this, grid_item = item.get()](const platform::Grid::Paste& paste) { note_paste(*grid_item, paste); };
     grids_.push_back(item.get());
     items_.push_back({std::move(item), std::move(texts)});
 }
@@ -83,7 +95,22 @@ void Editor::open() {
     activated_ = true;
     exit_requested_ = false;
     update_again_ = false;
-    not_taken_ = 0;
+    tally_ = {};
+    note_.clear();
+    run_opening(false);
+}
+
+void Editor::read_again() {
+    if (loading_ || updating_ || !activated_ || unread() == 0) {
+        return;
+    }
+    for (const Entry& entry : items_) {
+        entry.item->keep_entries();
+    }
+    run_opening(true);
+}
+
+void Editor::run_opening(bool again) {
     const int opening = ++opening_;
     loading_ = true;
     allow_editing(false);
@@ -91,19 +118,26 @@ void Editor::open() {
     {
         const PollingPause pause(state_);
         ports_.wait_seconds(window_.opening_waits.before);
-        if (window_.blanks || state_.demo_mode) {
+        if (!again && (window_.blanks || state_.demo_mode)) {
             blank_all();
         }
-        if (window_.prepare) {
+        if (!again && window_.prepare) {
             window_.prepare();
         }
         ports_.waiting.process_events();
         const int below = std::exchange(reading_, opening);
+        const bool again_below = std::exchange(reading_again_, again);
         complete = !stopped() && window_.read() && !stopped();
         reading_ = below;
+        reading_again_ = again_below;
         if (complete) {
             if (window_.opened) {
                 window_.opened();
+            }
+            for (const Entry& entry : items_) {
+                if (again) {
+                    entry.item->restore_entries();
+                }
             }
             window_.exit_button.set_enabled(true);
             window_.form.set_enabled(true);
@@ -130,6 +164,9 @@ void Editor::blank_all() {
 // What is typed into a map that is being read would be overwritten, or lose its yellow to the shading behind the read.
 void Editor::allow_editing(bool allowed) {
     window_.update_button.set_enabled(allowed);
+    if (window_.read_again != nullptr && !allowed) {
+        window_.read_again->set_enabled(false);
+    }
     if (window_.locks) {
         for (const Entry& entry : items_) {
             entry.item->lock(!allowed);
@@ -173,6 +210,8 @@ void Editor::update() {
         return;
     }
     updating_ = true;
+    tally_ = {};
+    note_.clear();
     if (window_.walking) {
         window_.walking(true);
     }
@@ -197,7 +236,6 @@ void Editor::update() {
 }
 
 void Editor::walk(int opening) {
-    not_taken_ = 0;
     Walk context{.link = link_,
                  .go_on = [this, opening] { return !replaced(opening); },
                  .note_fate = [this](Fate fate) { note_fate(fate); }};
@@ -225,64 +263,8 @@ void Editor::end_walk() {
 }
 
 void Editor::note_fate(Fate fate) {
-    const bool taken = fate == Fate::accepted || fate == Fate::skipped || (fate == Fate::not_sent && state_.demo_mode);
-    not_taken_ += taken ? 0 : 1;
+    tally_.sent += fate == Fate::accepted ? 1 : 0;
     changed();
-}
-
-// -- Counting and telling
-
-void Editor::changed() {
-    if (change_posted_) {
-        return;
-    }
-    change_posted_ = true;
-    ports_.timers.post([this] {
-        change_posted_ = false;
-        show_status();
-        if (window_.redraw && !loading_) {
-            window_.redraw();
-        }
-    });
-}
-
-int Editor::pending() const {
-    int count = 0;
-    for (const Entry& entry : items_) {
-        count += entry.item->pending();
-    }
-    return count;
-}
-
-std::vector<GroupCount> Editor::pending_by_group() const {
-    std::vector<GroupCount> groups;
-    for (const Entry& entry : items_) {
-        auto group = std::ranges::find(groups, entry.texts.group, &GroupCount::group);
-        if (group == groups.end()) {
-            group = groups.insert(group, {.group = entry.texts.group});
-        }
-        group->pending += entry.item->pending();
-    }
-    return groups;
-}
-
-void Editor::show_status() {
-    if (loading_) {
-        return; // the label tells how far the read is
-    }
-    const int count = pending();
-    const auto values = [](int n) { return n == 1 ? "1 value" : std::to_string(n) + " values"; };
-    std::string text;
-    if (state_.comm_aborted) {
-        text = "Aborted: nothing is sent until a view is opened";
-    } else if (not_taken_ == 0) {
-        text = (count == 0 ? "No values" : values(count)) + " pending";
-    } else if (count == 0) { // the shading took their yellow
-        text = values(not_taken_) + (not_taken_ == 1 ? " was" : " were") + " not taken by the controller";
-    } else {
-        text = values(count) + " pending, " + std::to_string(not_taken_) + " not taken";
-    }
-    window_.status.set_text(text);
 }
 
 } // namespace ecu::editing

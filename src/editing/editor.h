@@ -18,8 +18,9 @@
 //     vector editor_.add(CustomItem{.pending = [...], .send = [...](Walk& walk) {
 //                     walk.note_fate(walk.link.write(write_message(row, n, raw), row.write.reply)); }});
 //
-// The editor owns the form's on_activate and on_unload, the clicks of both buttons, and `changed` and `cell_changed` of
-// what is added; keys are the window's (editing_rules.h), with update() behind Enter.
+// The editor owns the form's on_activate and on_unload, the clicks of its buttons, and `changed`, `cell_changed` and
+// `pasted` of what is added. A value that neither a reply nor an entry has filled since the opening is never sent; keys
+// are the window's (editing_rules.h), with update() behind Enter.
 #pragma once
 
 #include "editing/editor_items.h"
@@ -57,11 +58,8 @@ struct EditorWindow {
     std::function<void()> redraw = {};  // once for any number of changes, with the next events; not in the opening read
     std::function<void()> ready = {};   // the user may edit: where the keyboard goes
     std::function<void()> leaving = {}; // windows that hang on this one
-};
-
-struct GroupCount {
-    std::string_view group;
-    int pending = 0;
+    platform::Button* read_again = nullptr; // enabled while there are values that no reply has filled
+    std::function<void(const platform::Control&)> reveal = {}; // brings a box or grid in front: its tab, its map
 };
 
 class Editor {
@@ -101,6 +99,9 @@ public:
     void open();   // the form's activation
     void update(); // sends exactly what is pending; asked for while it runs it walks once more
     void close();  // as the exit button
+    // Reads what is still unread, and nothing else; what is typed stays pending. A custom item with unread values has
+    // every single message sent again.
+    void read_again();
 
     // -- What the window may ask for
 
@@ -111,6 +112,8 @@ public:
     void show_progress(std::string_view text); // while the opening read runs
     bool opening() const { return loading_; }
     int pending() const;
+    int unread() const { return counts().unread; }
+    Counts counts() const;
     std::vector<GroupCount> pending_by_group() const; // groups in the order of their first item, the empty ones too
     EditorLink& link() { return link_; }
 
@@ -120,7 +123,12 @@ private:
         ItemTexts texts;
     };
 
-    void wire(platform::TextBox& box);
+    void add_box(std::unique_ptr<BoxItem> item, ItemTexts texts);
+    void entered(); // by the user or a tool, not by a reply to this editor
+    void run_opening(bool again);
+    std::string show_place(platform::Control& control, int row, int column);
+    void note_paste(const GridItem& item, const platform::Grid::Paste& paste);
+    template <typename... What> bool wanted(const What&... what) const;
     bool replaced(int opening) const { return opening != opening_; }
     void allow_editing(bool allowed);
     void unloading();
@@ -143,8 +151,10 @@ private:
     bool updating_ = false;
     bool update_again_ = false; // asked for during an Update
     bool change_posted_ = false;
-    int not_taken_ = 0; // values of the last Update that were refused or had no accepted reply
-    int reading_ = 0;   // the opening that `read` runs for
+    bool reading_again_ = false; // the read that runs is for unread values only
+    Tally tally_;                // of the last Update
+    std::string note_;           // of the last paste, until something is entered
+    int reading_ = 0;            // the opening that `read` runs for
     int opening_ = 0; // tells a read or an Update that its values are gone: opened again, or closed with the link lost
     platform::Grid* filling_ = nullptr; // the grid that a read fills; it and the progress are shown at each tick
     std::string progress_;

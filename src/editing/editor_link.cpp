@@ -7,51 +7,70 @@ namespace ecu::editing {
 using calibration::EncodedEntry;
 using platform::Answer;
 
-template <typename Replace, typename Send>
-Fate EditorLink::settle(const EncodedEntry& entry, const GoOn& go_on, Replace replace, Send send) {
-    const auto dropped = [&] { return go_on && !go_on(); };
-    if (!entry.question.empty()) {
-        const Answer answer = ports_.dialogs.message_box(
-            {.text = std::string(entry.question), .buttons = platform::Buttons::yes_no_cancel});
-        if (answer != Answer::yes || dropped()) {
-            return Fate::skipped;
-        }
+std::string EditorLink::Place::text() const {
+    return row == 0 ? control.text() : static_cast<platform::Grid&>(control).cell_text(row, column);
+}
+
+void EditorLink::Place::replace(std::string_view text) const {
+    row == 0 ? control.set_text(text) : static_cast<platform::Grid&>(control).set_cell_text(row, column, text);
+}
+
+Answer EditorLink::say(const Place& place, std::string_view text, platform::Buttons buttons) {
+    platform::MessageBox box{.text = std::string(text), .buttons = buttons};
+    if (show_place) {
+        box.details = show_place(place.control, place.row, place.column);
     }
+    return ports_.dialogs.message_box(box);
+}
+
+Fate EditorLink::settle(const EncodedEntry& entry, const Place& place, const GoOn& go_on, const link::Message& message,
+                        int expected_length) {
+    const auto dropped = [&] { return go_on && !go_on(); };
+    if (!entry.question.empty() &&
+        (say(place, entry.question, platform::Buttons::yes_no_cancel) != Answer::yes || dropped())) {
+        return Fate::skipped;
+    }
+    const std::string entered = place.text();
     if (!entry.replaced.empty()) {
-        replace(entry.replaced);
+        place.replace(entry.replaced);
     }
     if (!entry.notice.empty()) {
-        ports_.dialogs.say(entry.notice);
+        say(place, entry.notice);
         if (dropped()) {
             return Fate::skipped;
         }
     }
     if (!entry.refusal.empty()) {
-        ports_.dialogs.say(entry.refusal);
+        say(place, entry.refusal);
         return Fate::refused;
     }
-    return send();
+    const Fate fate = write(message, expected_length);
+    if (fate == Fate::accepted && entry.held && on_held) {
+        on_held(entered, place.text());
+    }
+    return fate;
 }
 
 Fate EditorLink::send_entry(const calibration::Parameter& row, int element, platform::TextBox& box, const GoOn& go_on) {
     const EncodedEntry entry = calibration::raw_from_entry(row, box.text(), scales_);
-    return settle(
-        entry, go_on, [&](std::string_view text) { box.set_text(text); },
-        [&] { return write(calibration::write_message(row, element, entry.raw), row.write.reply); });
+    return settle(entry, {.control = box}, go_on, calibration::write_message(row, element, entry.raw), row.write.reply);
 }
 
 Fate EditorLink::send_entry(const calibration::Table& row, int index, platform::TextBox& box, const GoOn& go_on) {
     const EncodedEntry entry = calibration::raw_from_entry(row, box.text(), scales_);
-    return settle(
-        entry, go_on, [&](std::string_view text) { box.set_text(text); },
-        [&] { return write(calibration::cell_write_message(row.base + index, entry.raw), calibration::cell_reply); });
+    return settle(entry, {.control = box}, go_on, calibration::cell_write_message(row.base + index, entry.raw),
+                  calibration::cell_reply);
 }
 
 Fate EditorLink::send_entry(const calibration::Table& row, int index, platform::Grid& grid, const GoOn& go_on) {
     const EncodedEntry entry = calibration::raw_from_entry(row, text_at(grid, index), scales_);
-    return settle(
-        entry, go_on, [&](std::string_view text) { write_at(grid, index, text); },
-        [&] { return write(calibration::cell_write_message(row.base + index, entry.raw), calibration::cell_reply); });
+    return settle(entry, {.control = grid, .row = row_of(grid, index), .column = column_of(grid, index)}, go_on,
+                  calibration::cell_write_message(row.base + index, entry.raw), calibration::cell_reply);
+}
+
+bool EditorLink::out_of_range(const calibration::Table& row, std::string_view text) const {
+    const EncodedEntry entry = calibration::raw_from_entry(row, text, scales_);
+    return entry.held || !entry.refusal.empty();
 }
 
 Fate EditorLink::write(const link::Message& message, int expected_length) {
@@ -67,8 +86,12 @@ Fate EditorLink::write(const link::Message& message, int expected_length) {
 }
 
 bool EditorLink::read_blocks(const calibration::BlockRead& block, int address, int count,
-                             const std::function<void(int)>& progress, const std::function<bool()>& stop) {
+                             const std::function<void(int)>& progress, const std::function<bool()>& stop,
+                             const std::function<bool(int)>& skip) {
     for (int k = 0; k < count; ++k) {
+        if (skip && skip(k)) {
+            continue;
+        }
         progress(k);
         read(calibration::block_read_message(block, address + k * block.cells), block.reply());
         if (state_.comm_aborted || stop()) {

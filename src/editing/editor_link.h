@@ -53,18 +53,36 @@ public:
     // A value that is no text: switches, options, a word made of several controls.
     Fate write(const link::Message& message, int expected_length);
 
+    // Whether an entry would be refused or held.
+    bool out_of_range(const calibration::Table& row, std::string_view text) const;
+
     void read(const link::Message& message, int expected_length) { comm_.poll(message, expected_length); }
     // Reads `count` blocks from `address` upward. Before block k it calls progress(k); after each it looks at the
     // link and at stop(), and gives up with false.
     bool read_blocks(const calibration::BlockRead& block, int address, int count,
-                     const std::function<void(int)>& progress, const std::function<bool()>& stop);
+                     const std::function<void(int)>& progress, const std::function<bool()>& stop,
+                     const std::function<bool(int)>& skip = {});
+
+    // Before a value's box is said: shows where the value is, and returns it for the box's details. `row` 0: a box.
+    std::function<std::string(platform::Control& control, int row, int column)> show_place;
+    // An accepted entry stands at a limit, which nothing said: what was entered, and what the echo shows.
+    std::function<void(const std::string& entered, const std::string& shown)> on_held;
 
     link::SharedState& state() const { return state_; }
     const platform::Ports& ports() const { return ports_; }
 
 private:
-    template <typename Replace, typename Send>
-    Fate settle(const calibration::EncodedEntry& entry, const GoOn& go_on, Replace replace, Send send);
+    // Where an entry stands: a box (row 0) or a cell.
+    struct Place {
+        platform::Control& control;
+        int row = 0;
+        int column = 0;
+        std::string text() const;
+        void replace(std::string_view text) const;
+    };
+    Fate settle(const calibration::EncodedEntry& entry, const Place& place, const GoOn& go_on,
+                const link::Message& message, int expected_length);
+    platform::Answer say(const Place& place, std::string_view text, platform::Buttons buttons = platform::Buttons::ok);
 
     const platform::Ports& ports_;
     link::SharedState& state_;

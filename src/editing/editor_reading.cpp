@@ -1,13 +1,23 @@
 #include "editing/editing_rules.h"
 #include "editing/editor.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace ecu::editing {
 
 bool Editor::stopped() const { return exit_requested_ || state_.comm_aborted || replaced(reading_); }
 
+// A second read asks only for what would fill a value that is still unread.
+template <typename... What> bool Editor::wanted(const What&... what) const {
+    return !reading_again_ ||
+           std::ranges::any_of(items_, [&](const Entry& entry) { return entry.item->wants(what...); });
+}
+
 bool Editor::ask(const calibration::ReadRequest& request) {
+    if (!wanted(request)) {
+        return !stopped();
+    }
     link_.read(calibration::read_message(request), request.reply);
     return !stopped();
 }
@@ -49,7 +59,7 @@ bool Editor::read_table(const calibration::Table& row, const calibration::BlockR
                 }
             }
         },
-        [this] { return stopped(); });
+        [this] { return stopped(); }, [&](int k) { return !wanted(row, k * block.cells, block.cells); });
     filling_ = below;
     paint_timer_->set_running(below != nullptr);
     return complete;

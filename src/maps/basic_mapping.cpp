@@ -2,6 +2,7 @@
 
 #include "platform/display_mask.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -86,7 +87,9 @@ BasicMapping::BasicMapping(const platform::Ports& ports, link::SharedState& stat
                        if (selection_.close_modifier) {
                            selection_.close_modifier();
                        }
-                   }}) {
+                   },
+               .read_again = &frm_3d.read_again,
+               .reveal = [this](const platform::Control& control) { reveal(control); }}) {
     form_.menufileexit.clicked = [this] { editor_.close(); };
     form_.menuupdate.clicked = [this] { form_.Command3d2.press(); };
     form_.show_this_graph.clicked = [this] {
@@ -128,7 +131,10 @@ void BasicMapping::wire_boxes() {
 void BasicMapping::wire_grids() {
     for (std::size_t n = 0; n < map_rows.size(); ++n) {
         const MapRow& map = map_rows[n];
-        editor_.add(*map.table, *form_.grids[n], {.group = map.group, .demo = map.default_text});
+        editor_.add(*map.table, *form_.grids[n],
+                    {.group = map.group, .demo = map.default_text, .place = [this, n](int row, int column) {
+                         return place(n, row, column);
+                     }});
         wire_grid(*form_.grids[n], {.block_table_id = map.id, .step = map.step}, selection_,
                   [this] { form_.Command3d2.press(); });
         form_.show_map_type[n].clicked = [this, n] { show_map(static_cast<int>(n)); };
@@ -216,6 +222,23 @@ void BasicMapping::label_map_axis(int index) {
         form_.Label5[static_cast<std::size_t>(i)].set_text(std::to_string(load));
     }
     form_.Map_dims[0].set_text(pressure ? "kPa" : "% TPS");
+}
+
+// By the captions of the axes: a cell stands at the mark before it.
+std::string BasicMapping::place(std::size_t map, int row, int column) const {
+    const bool pressure = map < 2;
+    const double load = (16 - row) / 16.0;
+    const auto rpm = static_cast<long>((column - 1) / 16.0 * static_cast<double>(scales_.full_scale_rpm));
+    return std::to_string(pressure ? static_cast<long>(load * double{scales_.map_span} + double{scales_.map_base})
+                                   : static_cast<long>(load * 100)) +
+           (pressure ? " kPa, " : " % TPS, ") + std::to_string(rpm) + " rpm";
+}
+
+void BasicMapping::reveal(const platform::Control& control) {
+    const auto* const grid = std::ranges::find(form_.grids, &control);
+    if (grid != form_.grids.end() && !(*grid)->visible()) {
+        form_.show_map_type[static_cast<std::size_t>(grid - form_.grids.begin())].set_checked(true);
+    }
 }
 
 void BasicMapping::show_graph(std::size_t map) {

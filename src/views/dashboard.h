@@ -4,7 +4,7 @@
 
 #include "calibration/parameter_types.h"
 #include "calibration/scales.h"
-#include "editing/editor_link.h"
+#include "editing/editor_items.h"
 #include "link/ecu_comm.h"
 #include "messages/live_data.h"
 #include "shell/navigation.h"
@@ -41,14 +41,14 @@ private:
     void scale_gauges();
     void scale_lamps();
     void show_mixture(float lambda);
-    struct Trim {
-        platform::TextBox* box;
-        const calibration::Parameter* row;
-        bool written = false; // by a reply or by the tuner, since the last opening
-    };
-    void send_trim(const Trim& trim);
+    void open();
+    void send_trims();
     void trim_key(platform::TextBox& box, bool steps, platform::KeyPress& key);
     void ask_controller();
+    void read_again();
+    void note_changed();
+    void show_status();
+    std::string show_place(platform::Control& control) const;
     void leave();
 
     const platform::Ports& ports_;
@@ -59,9 +59,13 @@ private:
     messages::EcuLiveData& live_;
     FrmDashboard& form_;
     editing::EditorLink link_;
-    std::array<Trim, 3> trims_; // in the order in which they are sent
+    std::array<editing::BoxItem, 3> trims_; // in the order in which they are sent
+    editing::Tally tally_;                  // of the last Update
     std::size_t lit_lamp_ = 0;
     bool opening_ = false; // the trims are being read: none may be sent
+    bool change_posted_ = false;
+    bool updating_ = false;     // one Update at a time;
+    bool update_again_ = false; // asked for meanwhile, another follows it
 };
 
 } // namespace ecu::views

@@ -53,8 +53,10 @@ struct FrmDashboard {
     platform::ControlArray<platform::Label, 9> lambda_label{form, "lambda_label", "---"};
     platform::Label lambda_val{form, "lambda_val"};
     platform::ControlArray<platform::Shape, lamp_count> afr_led{form, "afr_led"};
+    platform::Button read_again{form, "read_again", "Read again"};
     platform::Button Command2{form, "Command2", "Update"};
     platform::Button Command1{form, "Command1", "Exit"};
+    platform::Label trim_status{form, "trim_status"}; // what is pending, unread, or was not taken
     platform::Label show_demo_mode{form, "show_demo_mode", "DEMO MODE!"};
     platform::Picture Picture1{form, "Picture1", 320, 160}; // the installer's
 
@@ -79,6 +81,8 @@ struct FrmDashboard {
             box.set_tool_tip("The higher this number, the more fuel that will be injected under given conditions");
         }
         base_offset_deg.set_tool_tip("This adjusts phases to have a fixed offset relative to the Base timing");
+        read_again.set_tool_tip("Click to read the trims that the controller has not given yet");
+        read_again.set_enabled(false);
         Command2.set_tool_tip("Click to update modified entries");
         Command1.set_tool_tip("Click to exit back to the console");
         show_demo_mode.set_visible(false);

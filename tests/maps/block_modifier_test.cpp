@@ -43,7 +43,7 @@ TEST_F(BlockModifier, WholeMapTimesAFactorIsOneOperationAnd256Writes) {
     EXPECT_FALSE(dialog.form.visible());
     EXPECT_EQ(controller.sent().size(), 0U);
     desktop.run_for(0.01);
-    EXPECT_EQ(frm_3d.map_status.text(), "256 values pending");
+    EXPECT_EQ(frm_3d.map_status.text(), "256 values pending: Fuel 256");
     const auto messages = update();
     ASSERT_EQ(messages.size(), 256U);
     EXPECT_EQ(messages.front(), (Bytes{'e', 0, 1, 134})); // 1.050 * 128 = 134.4

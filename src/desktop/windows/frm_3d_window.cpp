@@ -1,5 +1,6 @@
 // The basic mapping window: the map fills it and grows with it, each axis caption standing at its row or column, with
 // the single values, the engine's figures and the legend beside it.
+#include "desktop/grid_delegate.h"
 #include "desktop/grid_view.h"
 #include "desktop/theme.h"
 #include "desktop/windows/windows.h"
@@ -320,12 +321,9 @@ std::unique_ptr<FormWindow> make_frm_3d_window(maps::Frm3d& f, QtHost& host) {
     QWidget* side = window->stack({map_panel(*window, f), values_panel(*window, f), engine_panel(*window, f)});
     side->setMaximumWidth(300);
     window->set_body(window->across({window->down({plot, legend(*window, f)}, {1, 0}), side}, {1, 0}));
-    window->set_footer(window->buttons({&f.show_this_graph, &f.Command3d2, &f.Command3d1}));
+    window->set_footer(window->buttons({&f.show_this_graph, &f.read_again, &f.Command3d2, &f.Command3d1}));
     window->demo_badge(f.show_demo_mode);
-    // Of fixed size, so that the progress of a read does not lay the window out again with each block.
-    QWidget* status = window->status(f.map_status);
-    status->setFixedSize(status->fontMetrics().horizontalAdvance("Aborted: nothing is sent until a view is opened  "),
-                         status->fontMetrics().height() + 4);
+    window->status_line(f.map_status);
     window->statusBar()->addPermanentWidget(
         muted("Ctrl+1\u20134 map   F6 to and from it   Shift+\u2191\u2193 step   Ctrl+S, Ctrl+F block"));
     window->keep_hidden(f.Picture1); // nothing is drawn in it
