@@ -1,5 +1,7 @@
 #include "desktop/theme.h"
 
+#include "desktop/figure_label.h"
+
 #include <QApplication>
 #include <QFontDatabase>
 #include <QFontMetricsF>
@@ -48,6 +50,7 @@ bool digits_line_up(const QFont& font) {
 void apply(QApplication& application) {
     QApplication::setStyle(QStyleFactory::create("Fusion"));
     application.setAttribute(Qt::AA_DontShowIconsInMenus);
+    make_figures_accessible();
 }
 
 QPalette dark_palette() {

@@ -5,6 +5,7 @@
 #include "platform/display_mask.h"
 #include "platform/leading_number.h"
 #include "platform/rounding.h"
+#include "views/mixture_text.h"
 
 #include <algorithm>
 #include <utility>
@@ -200,6 +201,8 @@ void Dashboard::refresh() {
     form_.manifold_pressure.set_value(live_.manifold_kpa);
     form_.control_ego_gain.set_text(masked(live_.ego_correction, "0.000"));
     show_mixture(live_.lambda);
+    const MixtureText mixture = mixture_text(live_, scales_);
+    form_.lambda_live.set_text(mixture.figure + " " + std::string(mixture.unit));
     form_.bat_volts.set_value(live_.battery_volts);
     form_.tachometer.set_value(live_.engine_rpm / 1000.0F);
     form_.water_temp.set_value(live_.coolant_temp);

@@ -51,7 +51,8 @@ struct FrmDashboard {
     platform::CheckBox kill_ego{form, "kill_ego", "Disable EGO Feedback"};
     platform::Label control_ego_gain{form, "control_ego_gain"};
     platform::ControlArray<platform::Label, 9> lambda_label{form, "lambda_label", "---"};
-    platform::Label lambda_val{form, "lambda_val"};
+    platform::Label lambda_val{form, "lambda_val"};   // what the bar's centre stands for
+    platform::Label lambda_live{form, "lambda_live"}; // the mixture as it is, with its unit
     platform::ControlArray<platform::Shape, lamp_count> afr_led{form, "afr_led"};
     platform::Button read_again{form, "read_again", "Read again"};
     platform::Button Command2{form, "Command2", "Update"};
@@ -75,6 +76,18 @@ struct FrmDashboard {
         for (platform::Gauge& gauge : GPO_duty) { // any duty is as good as another: no zones
             gauge.set_scale({.full_scale = 100, .tick_step = 20, .zone_a_start = 100, .zone_b_start = 100});
             gauge.set_visible(gauge.index() == 0);
+        }
+        for (const auto& [gauge, unit] : {std::pair<platform::Gauge*, std::string_view>{&tachometer, "rpm"},
+                                          {&manifold_pressure, "kPa"},
+                                          {&water_temp, "°C"},
+                                          {&air_temp, "°C"},
+                                          {&Timing, "° BTDC"}}) {
+            gauge->unit = unit;
+        }
+        tachometer.spoken_unit = "thousand rpm";
+        bat_volts.spoken_unit = "volts";
+        for (platform::Gauge& gauge : GPO_duty) {
+            gauge.unit = "%";
         }
         menu_view_gpo[0].set_checked(true);
         for (platform::TextBox& box : ecu_pgm) {

@@ -1,6 +1,7 @@
 #include "views/monitor.h"
 
 #include "platform/display_mask.h"
+#include "views/mixture_text.h"
 
 #include <algorithm>
 
@@ -89,20 +90,10 @@ void Monitor::form_strings() {
 }
 
 void Monitor::form_mixture_strings() {
-    const auto mixture_text = [this](float lambda) {
-        return scales_.shows_lambda ? masked(lambda, "#.000") : masked(scales_.lambda_to_display(lambda), "##.00");
-    };
-    wanted_[Row::mixture] = mixture_text(data_.lambda);
-    form_.ego_lambda_setpoint.set_text(mixture_text(data_.ego_lambda_setpoint));
-    if (data_.sensor_reads_lambda()) {
-        form_.unit_of_lambda.set_text(unit_text_);
-    } else {
-        wanted_[Row::mixture] = masked(data_.oxygen_percent, "##.0");
-        form_.unit_of_lambda.set_text("%O2");
-    }
-    if (data_.sensor_fault()) {
-        wanted_[Row::mixture] = "ERR";
-    }
+    const MixtureText mixture = mixture_text(data_, scales_);
+    wanted_[Row::mixture] = mixture.figure;
+    form_.unit_of_lambda.set_text(data_.sensor_reads_lambda() ? unit_text_ : mixture.unit);
+    form_.ego_lambda_setpoint.set_text(mixture_figure(data_.ego_lambda_setpoint, scales_));
 }
 
 } // namespace ecu::views

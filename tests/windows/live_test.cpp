@@ -99,7 +99,7 @@ TEST(Dashboard, NeedlesSettleWithinAFifthOfASecondAndOnlyWhenSeen) {
         in_time = QTest::qWaitFor(shows(7.5), 250);
     }
     EXPECT_TRUE(in_time);
-    EXPECT_EQ(tachometer.accessibleDescription(), "7.50");
+    EXPECT_EQ(tachometer.accessibleDescription(), "7.50 thousand rpm");
 
     form.GPO_duty[0].set_visible(false);
     form.GPO_duty[3].set_visible(true);
