@@ -4,6 +4,7 @@
 #include "editing/editing_rules.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace ecu::configuration {
 
@@ -29,27 +30,30 @@ ConfigurationPage::ConfigurationPage(const platform::Ports& ports, link::SharedS
                                      messages::ParameterControls& controls, shell::Navigation& navigation,
                                      FrmTool& frm_tool)
     : state_(state), image_(image), controls_(controls), form_(frm_tool),
-      editor_(ports, state, comm, scales, navigation,
-              {.form = frm_tool.form,
-               .title = "Configuration",
-               .update_button = frm_tool.update_button,
-               .exit_button = frm_tool.exit_button,
-               .status = frm_tool.tool_status,
-               .opening_waits = {0, 0},
-               .update_waits = {0, 0.1F},
-               .blanks = false,
-               .reads_each_time = true,
-               .locks = false, // what the controller does not offer must stay disabled
-               .prepare = [this] { prepare(); },
-               .read = [this] { return read_page(); },
-               .allow = [this](bool allowed) { form_.tool_tab.set_enabled(allowed); },
-               .walking = [this](bool now) { walking(now); },
-               .redraw = [this] { show_marks(); },
-               .ready =
-                   [this] {
-                       form_.tool_tab.set_focus();
-                       show_marks();
-                   }}) {
+      editor_(
+          ports, state, comm, scales, navigation,
+          {.form = frm_tool.form,
+           .title = "Configuration",
+           .update_button = frm_tool.update_button,
+           .exit_button = frm_tool.exit_button,
+           .status = frm_tool.tool_status,
+           .opening_waits = {0, 0},
+           .update_waits = {0, 0.1F},
+           .blanks = false,
+           .reads_each_time = true,
+           .locks = false, // what the controller does not offer must stay disabled
+           .prepare = [this] { prepare(); },
+           .read = [this] { return read_page(); },
+           .allow = [this](bool allowed) { form_.tool_tab.set_enabled(allowed); },
+           .walking = [this](bool now) { walking(now); },
+           .redraw = [this] { show_marks(); },
+           .ready =
+               [this] {
+                   form_.tool_tab.set_focus();
+                   show_marks();
+               },
+           .read_again = &frm_tool.read_again,
+           .reveal = [this](const platform::Control& control) { form_.tool_tab.set_current(tabs_.at(&control)); }}) {
     add_items();
     wire_boxes();
     wire_switches();
@@ -81,7 +85,9 @@ void ConfigurationPage::add_items() {
     for (const calibration::PageItem& item : calibration::page_update_order) {
         if (item.table != nullptr) {
             for (int i = 0; i < item.table->cells(); ++i) {
-                editor_.add(*item.table, i, form_.boxes(*item.table, i), {.group = caption_of(item.table->screen.tab)});
+                platform::TextBox& box = form_.boxes(*item.table, i);
+                tabs_[&box] = page_of(item.table->screen.tab);
+                editor_.add(*item.table, i, box, {.group = caption_of(item.table->screen.tab)});
             }
         } else if (!item.parameter->shows_text()) {
             add_switches(*item.parameter);
@@ -89,8 +95,10 @@ void ConfigurationPage::add_items() {
             add_full_scale(*item.parameter);
         } else {
             for (int i = 0; i < item.parameter->count; ++i) {
+                platform::TextBox& box = form_.boxes(*item.parameter, i);
+                tabs_[&box] = page_of(item.parameter->screen.tab);
                 editor_.add(
-                    *item.parameter, i, form_.boxes(*item.parameter, i),
+                    *item.parameter, i, box,
                     {.group = caption_of(item.parameter->screen.tab), .demo = demo_text(item.parameter->key, i)});
             }
         }
@@ -100,13 +108,17 @@ void ConfigurationPage::add_items() {
 // Check boxes and options go out as the one number that they stand for, whichever of them was clicked.
 void ConfigurationPage::add_switches(const Parameter& row) {
     for (int i = 0; i < row.count; ++i) {
-        editor_.add(editing::CustomItem{.pending = [this, &row, i] { return controls_.pending(row, i) ? 1 : 0; },
-                                        .send =
-                                            [this, &row, i](editing::Walk& walk) {
-                                                const std::int32_t raw = controls_.switches(row, i, image_.raw(row, i));
-                                                walk.note_fate(walk.link.write(calibration::write_message(row, i, raw),
-                                                                               row.write.reply));
-                                            }},
+        const auto unread = [this, &row, i] { return !state_.demo_mode && !image_.known(row, i); };
+        const auto send = [this, &row, i](editing::Walk& walk) {
+            const std::int32_t raw = controls_.switches(row, i, image_.raw(row, i));
+            walk.note_fate(walk.link.write(calibration::write_message(row, i, raw), row.write.reply));
+        };
+        // A click says nothing of the other boxes of a number that was never read.
+        editor_.add(editing::CustomItem{
+                        .pending = [this, &row, i, unread] { return controls_.pending(row, i) && !unread() ? 1 : 0; },
+                        .send = send,
+                        .unread = [unread] { return unread() ? 1 : 0; },
+                        .row = &row},
                     {.group = caption_of(row.screen.tab)});
     }
 }

@@ -9,6 +9,8 @@
 #include "messages/parameter_controls.h"
 #include "shell/navigation.h"
 
+#include <map>
+
 namespace ecu::configuration {
 
 class ConfigurationPage {
@@ -43,6 +45,7 @@ private:
     messages::ParameterControls& controls_;
     FrmTool& form_;
     editing::Editor editor_;
+    std::map<const platform::Control*, int> tabs_; // of the boxes
     bool walking_ = false;
     bool close_wanted_ = false;                      // the window's own button during an Update
     std::vector<platform::MenuItem*> waiting_items_; // of the menu, for the end of an Update

@@ -38,6 +38,7 @@ platform::TextBox& FrmTool::box(std::string_view key, int i) {
 void FrmTool::set_tool_tips() {
     update_button.set_tool_tip("Click to update modified entries");
     exit_button.set_tool_tip("Click to exit back to the console");
+    read_again.set_tool_tip("Click to read the values that the controller has not given yet");
     tip_all(map_type, tool_tip(parameter("MAP_TYPE")));
     tip_all(special_cfg, "Special configuration of the controller. Only Master Mode can change it.");
     tip_all(EGO_type, tool_tip(parameter("EGO_FLGS")));

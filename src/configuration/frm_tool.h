@@ -42,6 +42,7 @@ struct FrmTool {
     platform::Tabs tool_tab{form, "tool_tab"};
     platform::Button update_button{form, "Command3d1", "Update"};
     platform::Button exit_button{form, "Command3d2", "Exit"};
+    platform::Button read_again{form, "read_again", "Read again"};
     platform::Label show_demo_mode{form, "show_demo_mode", "DEMO MODE!"};
     platform::Label tool_status{form, "tool_status"}; // what is read, pending, not taken
 

@@ -32,14 +32,15 @@ void ConfigurationPage::wire_tools() {
     }
 }
 
-// The box is cleared first, so that what stands in it afterwards is what the controller measured.
+// The box is cleared first, so that what stands in it afterwards is what the controller measured; without its answer it
+// stays a value that was not read, which Update does not send.
 void ConfigurationPage::calibrate_throttle(std::size_t which) {
     if (walking_ || editor_.opening()) {
         return;
     }
     const editing::PollingPause pause(state_);
     const messages::Command& measure = throttle_messages.at(which);
-    form_.box(throttle_keys.at(which)).set_text("");
+    form_.box(throttle_keys.at(which)).blank();
     editor_.link().read({measure.code, 0, 0, 0}, measure.reply);
 }
 

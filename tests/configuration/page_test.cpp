@@ -143,7 +143,7 @@ TEST_F(ConfigurationPage, UpdateOfEverythingSendsEachValueOnceInItsOrderAndTheMe
         }
     }
     EXPECT_EQ(memory.cell(1488 + 8), 48 + 64);
-    EXPECT_EQ(page.tool_status.text(), "No values pending");
+    EXPECT_THAT(page.tool_status.text(), StartsWith("No values pending; 201 sent"));
     EXPECT_EQ(page.tool_tab.pending_on(4), 0);
     EXPECT_THAT(update(), IsEmpty());
 }
@@ -225,9 +225,11 @@ TEST_F(ConfigurationPage, ARefusalOrAnAnswerSkipsOnlyItsOwnControl) {
     EXPECT_THAT(update(),
                 ElementsAre(Bytes{'?', 64, 0, 0}, Bytes{'v', 3, 0, 0}, Bytes{156, 3, 0x3F, 0x0B}, Bytes{54, 20, 0, 0}));
     EXPECT_EQ(desktop.boxes()[0].buttons, platform::Buttons::yes_no_cancel);
+    EXPECT_EQ(desktop.boxes()[3].details, "Phase Setup, number 5");
+    EXPECT_EQ(page.tool_tab.current(), 4) << "the value that the box speaks of is in front";
     EXPECT_TRUE(page.box("HOT_#P").is_pending() && page.box("PHBT", 2).is_pending() &&
                 page.box("PHBT", 4).is_pending());
-    EXPECT_EQ(page.tool_status.text(), "3 values pending, 2 not taken");
+    EXPECT_EQ(page.tool_status.text(), "3 values pending: Powerup/Options 1, Phase Setup 2; 2 not taken");
     EXPECT_EQ(page.tool_tab.pending_on(5), 1);
 
     page.box("HOT_#P").set_text("1");
@@ -250,7 +252,7 @@ TEST_F(ConfigurationPage, ALostReplyLeavesItsControlPendingAndTheOthersGo) {
     EXPECT_TRUE(page.box("RLI_SFT1").is_pending());
     EXPECT_FALSE(page.box("RLI_SFT2").is_pending());
     EXPECT_EQ(page.inj_ph[3][0].tag(), "");
-    EXPECT_EQ(page.tool_status.text(), "1 value pending, 1 not taken");
+    EXPECT_EQ(page.tool_status.text(), "1 value pending: Engine Setup 1; 1 not taken");
 }
 
 TEST_F(ConfigurationPage, TheEchoOfTheSensorChangesTheSpanOfThePressuresBehindIt) {
@@ -374,6 +376,45 @@ TEST_F(ConfigurationPage, TheThrottleIsMeasuredIntoAClearedBox) {
               calibration::shown(parameter("TPS_BASE"), console.image.raw(parameter("TPS_BASE")), console.scales));
     EXPECT_EQ(page.box("TPS_FS").text(), std::to_string(console.image.raw(parameter("TPS_FS"))) + ".0");
     EXPECT_FALSE(page.box("TPS_FS").is_pending() || console.state.polling_paused);
+}
+
+TEST_F(ConfigurationPage, WhatWasNeverReadIsNotSentUntilItIsReadAgain) {
+    bool struck = false;
+    on_request = [&](std::uint8_t code) {
+        if (code == 127 && !std::exchange(struck, true)) {
+            wired.controller.faults().strike_next(controller::Fault::lost, 10);
+        }
+    };
+    press_in_dialog(0); // Try Again
+    console.navigation.open(link::View::configuration);
+    desktop.run_for(6);
+    EXPECT_EQ(page.tool_status.text(), "16 values not read: read again");
+    page.inj_ph[2][1].click();
+    page.ign_ph[2][1].click();
+    EXPECT_EQ(codes(update()), (std::vector<int>{166})) << "the other boxes of the injectors' phase say nothing";
+    page.box("RLI_HRD1").set_text("7001");
+    page.MAP_accel.click();
+    sent.clear();
+    EXPECT_TRUE(page.read_again.enabled());
+    page.read_again.press();
+    desktop.run_for(1);
+    EXPECT_EQ(codes(sent), (std::vector<int>{127}));
+    EXPECT_FALSE(page.read_again.enabled());
+    page.inj_ph[2][1].click();
+    EXPECT_EQ(codes(update()), (std::vector<int>{25, '|', 128}));
+}
+
+TEST_F(ConfigurationPage, AThrottleThatWasNotMeasuredIsNotSentAsNothing) {
+    open();
+    press_in_dialog(0); // Try Again
+    wired.controller.faults().strike_next(controller::Fault::lost, 10);
+    page.calibrate_tps_val[1].press();
+    EXPECT_TRUE(page.box("TPS_FS").is_pending() && page.box("TPS_FS").text().empty());
+    EXPECT_THAT(update(), IsEmpty());
+    page.read_again.press();
+    desktop.run_for(1);
+    EXPECT_THAT(codes(sent), ElementsAre(212));
+    EXPECT_FALSE(page.box("TPS_FS").is_pending() || page.box("TPS_FS").text().empty());
 }
 
 TEST_F(ConfigurationPage, DemoShowsItsSamplesAndUpdateDoesNothingAtAll) {

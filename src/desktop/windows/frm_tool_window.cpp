@@ -52,11 +52,9 @@ std::unique_ptr<FormWindow> make_frm_tool_window(configuration::FrmTool& f, QtHo
                            page(*window, f, static_cast<Tab>(n + 1)));
     }
     window->set_body(SideTabs::make(*window, f.tool_tab, pages));
-    window->set_footer(window->buttons({&f.update_button, &f.exit_button}));
+    window->set_footer(window->buttons({&f.read_again, &f.update_button, &f.exit_button}));
     window->demo_badge(f.show_demo_mode);
-    QWidget* status = window->status(f.tool_status);
-    status->setMinimumWidth(
-        status->fontMetrics().horizontalAdvance("Aborted: nothing is sent until a view is opened  "));
+    window->status_line(f.tool_status);
     auto* keys = new QLabel(QString::fromUtf8("Enter: send all that is pending   Ctrl+Tab, Ctrl+PgDn/PgUp: tabs"));
     QPalette muted;
     muted.setColor(QPalette::WindowText, theme::muted_text(QPalette()));
