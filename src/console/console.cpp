@@ -30,6 +30,7 @@ Console::Console(const platform::Ports& machine)
       additional_mapping(ports, state, comm, scales, live, forms.frm_2d,
                          maps::Legend(forms.frm_3d.bk_color.begin(), forms.frm_3d.bk_color.end()), navigation,
                          block_selection, graphing, map_cell_colours),
+      configuration_page(ports, state, comm, scales, image, reply_decoders.controls(), navigation, forms.frm_tool),
       plotter(ports, state, comm, navigation, polling.timer3(), scales, live,
               {forms.frm_mon.inj_duty[0], forms.frm_mon.ign_duty[0], forms.frm_mon.wheel_idx_num}, forms.frm_plotter),
       autotune(ports, state, forms.frm_autotune, forms.frm_3d),
@@ -45,6 +46,7 @@ shell::Navigation Console::with_views(const platform::Ports& ports, link::Shared
     shell::Navigation navigation(ports, state, comm, link_selection, forms.frm_ecu.form);
     navigation.add_view(View::monitor, forms.frm_mon.form);
     navigation.add_view(View::dashboard, forms.frm_dashboard.form);
+    navigation.add_view(View::configuration, forms.frm_tool.form);
     navigation.add_view(View::basic_mapping, forms.frm_3d.form);
     navigation.add_view(View::gpo_mapping, forms.frm_sup.form);
     navigation.add_view(View::additional_mapping, forms.frm_2d.form);

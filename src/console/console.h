@@ -6,6 +6,7 @@
 #include "autotune/autotune.h"
 #include "calibration/calibration_image.h"
 #include "calibration/transfer.h"
+#include "configuration/configuration_page.h"
 #include "console/forms.h"
 #include "link/ecu_comm.h"
 #include "link/link_selection.h"
@@ -71,6 +72,7 @@ public:
     maps::BasicMapping basic_mapping;
     maps::GpoMapping gpo_mapping;
     maps::AdditionalMapping additional_mapping;
+    configuration::ConfigurationPage configuration_page;
     logging::Plotter plotter;
     autotune::Autotune autotune;
     calibration::Transfer transfer;

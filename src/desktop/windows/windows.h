@@ -35,6 +35,9 @@ struct FrmSup;
 namespace ecu::autotune {
 struct FrmAutotune;
 }
+namespace ecu::configuration {
+struct FrmTool;
+}
 
 namespace ecu::desktop {
 
@@ -46,6 +49,7 @@ std::unique_ptr<FormWindow> make_frm_wait_window(calibration::FrmWait& form, QtH
 std::unique_ptr<FormWindow> make_frm_mon_window(views::FrmMon& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_dashboard_window(views::FrmDashboard& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_plotter_window(logging::FrmPlotter& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_tool_window(configuration::FrmTool& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_3d_window(maps::Frm3d& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_2d_window(maps::Frm2d& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_3d_graph_window(maps::Frm3dGraph& form, QtHost& host);
