@@ -9,6 +9,8 @@
 #include "console/forms.h"
 #include "link/ecu_comm.h"
 #include "link/link_selection.h"
+#include "link/remote_client.h"
+#include "link/remote_server.h"
 #include "logging/plotter.h"
 #include "maps/basic_mapping.h"
 #include "maps/block_modifier.h"
@@ -50,8 +52,11 @@ public:
 
     std::unique_ptr<platform::SerialPort> comm1;
     std::unique_ptr<platform::DatagramSocket> outgoing_sock;
+    std::unique_ptr<platform::DatagramSocket> incomming_sock;
     link::EcuComm comm;
     link::LinkSelection link_selection;
+    link::RemoteClient remote_client;
+    link::RemoteServer remote_server;
     messages::LiveDecoder live_decoder;
     messages::ReplyDecoders reply_decoders;
     shell::Navigation navigation;

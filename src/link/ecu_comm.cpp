@@ -68,6 +68,7 @@ Outcome EcuComm::send_ecu_message(const Message& message, int expected_length) {
     drain_input();
     const Request frame = build_request(message);
     const int wanted_count = expected_length + static_cast<int>(checksum_size);
+    const std::string server = state_.remote_server_ip;
     std::size_t last_count = 0;
     for (int tries = 0; tries < tries_before_dialog;) {
         ports_.waiting.process_events();
@@ -80,6 +81,9 @@ Outcome EcuComm::send_ecu_message(const Message& message, int expected_length) {
         state_.reply_accepted = receive_ecu_reply();
         if (state_.reply_accepted) {
             return Outcome::accepted;
+        }
+        if (state_.remote_server_ip != server) {
+            return Outcome::unanswered; // the user has turned to another link meanwhile; this message was not for it
         }
         if (++tries >= first_try_shown) {
             retries_.write_retries(std::to_string(tries));
@@ -99,10 +103,7 @@ void EcuComm::drain_input() {
         comm1_.discard_input();
         return;
     }
-    while (outgoing_sock_.available() > 0) {
-        ports_.waiting.process_events();
-        outgoing_sock_.read(1);
-    }
+    outgoing_sock_.discard_input();
 }
 
 void EcuComm::write_and_wait(const Request& frame, int wanted_count) {
