@@ -40,26 +40,25 @@ BindFault fault_of(QAbstractSocket::SocketError error) {
 
 class QtDatagramSocket final : public platform::DatagramSocket {
 public:
-    QtDatagramSocket() {
-        // QUdpSocket is silent inside this slot and stays so until it has been read: the slot reads at least once, and
-        // nothing in it lets events through.
-        QObject::connect(&socket_, &QUdpSocket::readyRead, &socket_, [this] { take_arrived(); });
-    }
-
     // All addresses are those of IPv4: a socket of both families would give senders as "::ffff:10.0.0.7".
     BindResult bind(std::optional<Ipv4> local_address, std::uint16_t local_port) override {
         close();
-        const QHostAddress address =
-            local_address ? QHostAddress(*local_address) : QHostAddress(QHostAddress::AnyIPv4);
-        if (!socket_.bind(address, local_port, QAbstractSocket::DontShareAddress)) {
-            return {fault_of(socket_.error()), socket_.errorString().toStdString()};
+        socket_.reset(std::make_unique<QUdpSocket>().release()); // a used one keeps the error of its first refusal
+        // QUdpSocket is silent inside this slot and stays so until it has been read: the slot reads at least once, and
+        // nothing in it lets events through.
+        QObject::connect(socket_.get(), &QUdpSocket::readyRead, socket_.get(), [this] { take_arrived(); });
+        const QHostAddress address = local_address ? QHostAddress(*local_address) : QHostAddress(QHostAddress::AnyIPv4);
+        if (!socket_->bind(address, local_port, QAbstractSocket::DontShareAddress)) {
+            return {fault_of(socket_->error()), socket_->errorString().toStdString()};
         }
-        socket_.setSocketOption(QAbstractSocket::ReceiveBufferSizeSocketOption, system_buffer);
+        socket_->setSocketOption(QAbstractSocket::ReceiveBufferSizeSocketOption, system_buffer);
         return {};
     }
 
     void close() override {
-        socket_.close();
+        if (socket_) {
+            socket_->close();
+        }
         waiting_.clear();
         bytes_waiting_ = 0;
     }
@@ -76,8 +75,10 @@ public:
     }
 
     void send_to(const Peer& peer, std::span<const std::uint8_t> datagram) override {
-        socket_.writeDatagram(reinterpret_cast<const char*>(datagram.data()), static_cast<qint64>(datagram.size()),
-                              QHostAddress(peer.address), peer.port);
+        if (bound()) {
+            socket_->writeDatagram(reinterpret_cast<const char*>(datagram.data()), static_cast<qint64>(datagram.size()),
+                                   QHostAddress(peer.address), peer.port);
+        }
     }
 
     std::size_t available() const override { return bytes_waiting_; }
@@ -125,6 +126,17 @@ public:
     }
 
 private:
+    // It may be replaced inside its own signal.
+    struct Later {
+        void operator()(QUdpSocket* socket) const {
+            socket->disconnect();
+            socket->close();
+            socket->deleteLater();
+        }
+    };
+
+    bool bound() const { return socket_ && socket_->state() == QAbstractSocket::BoundState; }
+
     void take_arrived() {
         take_from_system(taken_at_once);
         if (!waiting_.empty() && on_datagrams) {
@@ -135,13 +147,13 @@ private:
     // A read that fails, as one does on some systems after a sending to a port that nobody holds, ends the taking; the
     // next arrival brings it back.
     void take_from_system(int at_most) {
-        if (socket_.state() != QAbstractSocket::BoundState) {
+        if (!bound()) {
             return;
         }
         QHostAddress sender;
         quint16 port = 0;
         for (int taken = 0; taken < at_most; ++taken) {
-            const qint64 size = socket_.readDatagram(buffer_.data(), buffer_.size(), &sender, &port);
+            const qint64 size = socket_->readDatagram(buffer_.data(), buffer_.size(), &sender, &port);
             if (size < 0) {
                 return;
             }
@@ -158,7 +170,7 @@ private:
         bytes_waiting_ += size;
     }
 
-    QUdpSocket socket_;
+    std::unique_ptr<QUdpSocket, Later> socket_; // none before the first bind
     std::optional<Peer> remote_;
     bool hear_remote_alone_ = false;
     std::deque<Datagram> waiting_;

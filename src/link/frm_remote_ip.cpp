@@ -21,7 +21,8 @@ std::string FrmRemoteIp::address() const {
     std::string joined;
     for (const platform::TextBox& box : client_ip_address) {
         std::array<char, 32> text{};
-        const auto end = std::to_chars(text.data(), text.data() + text.size(), platform::leading_number(box.text())).ptr;
+        const auto end =
+            std::to_chars(text.data(), text.data() + text.size(), platform::leading_number(box.text())).ptr;
         joined += (joined.empty() ? "" : ".") + std::string(text.data(), end);
     }
     return joined;

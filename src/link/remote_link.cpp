@@ -58,14 +58,16 @@ std::string remedy(const platform::BindResult& result, const RemoteSettings& set
         }
         return "An ordinary user may not open ports below 1024. Give this program the right:\n\n"
                "sudo setcap cap_net_bind_service=+ep " +
-               own_file() + "\n\nor give it to every program of this machine:\n\nsudo sysctl -w "
-                            "net.ipv4.ip_unprivileged_port_start=" +
+               own_file() +
+               "\n\nor give it to every program of this machine:\n\nsudo sysctl -w "
+               "net.ipv4.ip_unprivileged_port_start=" +
                std::to_string(std::min(settings.client_port, settings.server_port)) +
                "\n\nand start the console again. Or " + other_ports;
     case platform::BindFault::in_use:
         return "Another program holds it, perhaps a second console. End that one, or " + other_ports;
     case platform::BindFault::no_such_address:
-        return std::string(bind_variable) + " asks for the address " + platform::dotted(settings.bind_address.value_or(0)) +
+        return std::string(bind_variable) + " asks for the address " +
+               platform::dotted(settings.bind_address.value_or(0)) +
                ", which is none of this machine's. Correct it or remove it, and start the console again.";
     case platform::BindFault::none:
     case platform::BindFault::other:

@@ -1,6 +1,6 @@
 // What both ends of the remote link share. Two consoles use one controller over UDP: the server passes frames between
-// its socket and its serial port, the client sends each frame there instead of to a port of its own. Ports, local address
-// and who may ask come from the program's surroundings. See docs/remote-link.md.
+// its socket and its serial port, the client sends each frame there instead of to a port of its own. Ports, local
+// address and who may ask come from the program's surroundings. See docs/remote-link.md.
 #pragma once
 
 #include "platform/ports.h"

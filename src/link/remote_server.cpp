@@ -210,17 +210,16 @@ void RemoteServer::pass_on(const Asked& asked) {
         use_.comm1.discard_input();                   // an earlier request's late reply is not this one's
         use_.comm1.write(std::span(asked.packet.bytes).subspan(1));
         // So few bytes are never a reply: the controller is then given the time that it may take.
-        platform::wait_until(use_.ports.waiting, use_.ports.clock, reply_timeout, [&] {
-            return wanted >= shortest_passed && use_.comm1.available() == wanted;
-        });
+        platform::wait_until(use_.ports.waiting, use_.ports.clock, reply_timeout,
+                             [&] { return wanted >= shortest_passed && use_.comm1.available() == wanted; });
         reply = use_.comm1.read_all();
     }
     if (session != session_) {
         return; // cancelled meanwhile
     }
     count(use_.form.comm_byte_count, reply.size());
-    use_.incomming_sock.send_to(asked.packet.from, reply.size() < shortest_passed ? bytes_of(no_reply)
-                                                                                 : std::span<const std::uint8_t>(reply));
+    use_.incomming_sock.send_to(
+        asked.packet.from, reply.size() < shortest_passed ? bytes_of(no_reply) : std::span<const std::uint8_t>(reply));
     show(use_.form.Client_IP, platform::dotted(asked.packet.from.address));
     show_counts();
 }

@@ -63,7 +63,7 @@ private:
     std::optional<platform::Peer> served_;
     std::deque<Asked> waiting_;
     std::unique_ptr<platform::Timer> again_; // looks again while the console's own message holds the line
-    int session_ = 0;                        // counts starts and ends, so that an old exchange is not answered in a new one
+    int session_ = 0; // counts starts and ends, so that an old exchange is not answered in a new one
     bool open_ = false;
     bool serving_ = false;
     bool called_ = false; // serve_waiting is on its way

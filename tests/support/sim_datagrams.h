@@ -1,6 +1,6 @@
-// The network of the tests. One machine, 127.0.0.1: sockets on it reach one another, and what goes elsewhere reaches the
-// test. A socket made without a network is a line between the console and the test. A socket that is given datagrams
-// while it delivers others says so: the real one would be deaf from there on.
+// The network of the tests. One machine, 127.0.0.1: sockets on it reach one another, and what goes elsewhere reaches
+// the test. A socket made without a network is a line between the console and the test. A socket that is given
+// datagrams while it delivers others says so: the real one would be deaf from there on.
 #pragma once
 
 #include "platform/datagram_socket.h"
@@ -114,7 +114,8 @@ public:
         Bytes result;
         while (result.size() < at_most && !waiting_.empty()) {
             Bytes& front = waiting_.front().bytes;
-            const auto end = front.begin() + static_cast<std::ptrdiff_t>(std::min(at_most - result.size(), front.size()));
+            const auto end =
+                front.begin() + static_cast<std::ptrdiff_t>(std::min(at_most - result.size(), front.size()));
             result.insert(result.end(), front.begin(), end);
             front.erase(front.begin(), end);
             if (front.empty()) {
