@@ -1,0 +1,199 @@
+// Two whole consoles over the simulated network: the server's one has the controller's cable, the client's one none.
+#include "console/console.h"
+#include "support/sim_desktop.h"
+#include "support/tiny_jpeg.h"
+#include "support/wired_controller.h"
+
+#include <gmock/gmock.h>
+
+namespace ecu {
+namespace {
+
+using platform::Form;
+using test::Bytes;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+// The client's machine: a serial line with nothing at its end, everything else as the server's.
+struct OtherMachine : platform::SerialPorts {
+    explicit OtherMachine(test::SimEvents& events) : line(events) { line.fail_open(3, "no such device"); }
+    std::unique_ptr<platform::SerialPort> make_serial_port() override {
+        return std::make_unique<test::SimSerialPort>(line);
+    }
+    test::SimSerialLine line;
+};
+
+class TwoConsoles : public testing::Test {
+protected:
+    TwoConsoles() {
+        desktop.write_file("port.cfg", "3\r\n");
+        desktop.write_file("OEM.JPG", test::tiny_jpeg);
+        desktop.write_file("OEM.TXT", "text");
+        for (console::Console* console : {&server, &client}) {
+            console->forms.registry.set_host(&desktop);
+        }
+        wired.controller.on_request = [this](const link::Request& request) {
+            requests.emplace_back(request.begin(), request.end());
+        };
+    }
+    platform::Ports client_ports() {
+        platform::Ports ports = desktop.ports();
+        return {ports.clock, ports.waiting,          ports.timers, ports.dialogs,    ports.program,
+                other,       ports.datagram_sockets, ports.folder, ports.environment};
+    }
+    void start_server() {
+        server.start("");
+        desktop.run_for(0.2);
+        server.forms.frm_ecu.menu_remote_setup_start_server.click();
+        desktop.run_for(0.2);
+    }
+    void start_client() {
+        client.start("");
+        desktop.run_for(0.1);
+        enter_address();
+        desktop.expect_box("Succesful connection to remote IP address 127.0.0.1");
+        client.forms.frm_ecu.menu_remote_setup_start_client.click();
+        desktop.run_for(0.1);
+    }
+    void enter_address() {
+        desktop.on_modal("frm_remote_ip", [this](Form&) {
+            for (std::size_t i = 0; i < 4; ++i) {
+                client.forms.frm_remote_ip.client_ip_address[i].set_text(std::to_string(i == 0 ? 127 : i == 3 ? 1 : 0));
+            }
+            client.forms.frm_remote_ip.remote_ip_done.press();
+        });
+    }
+    void open_monitor() {
+        client.forms.frm_ecu.Command3d4.press();
+        desktop.run_for(1);
+    }
+
+    test::SimDesktop desktop;
+    test::WiredController wired{desktop, desktop.line(), {.firmware = {}, .faults = {}, .pace_baud = 38400}};
+    OtherMachine other{desktop};
+    console::Console server{desktop.ports()};
+    console::Console client{client_ports()};
+    std::vector<Bytes> requests;
+};
+
+TEST_F(TwoConsoles, TheServersOwnFirstQuestionAndThenOnlyTheClientsGoDownTheLine) {
+    start_server();
+    EXPECT_THAT(requests, ElementsAre(Bytes{2, 8, 'C', '0', '0', '0', 0xDD, 0}));
+    desktop.run_for(10);
+    EXPECT_EQ(requests.size(), 1U) << "a server asks nothing by itself";
+    EXPECT_FALSE(server.forms.frm_ecu.form.visible());
+    start_client();
+    EXPECT_EQ(client.forms.frm_ecu.form.caption(), "127.0.0.1 -> ECU System Console");
+    open_monitor();
+    EXPECT_EQ(client.forms.frm_mon.form.caption(), "Real Time Monitor127.0.0.1 -> ");
+    const std::string rpm = client.forms.frm_mon.ECU_Data[0].text();
+    EXPECT_NEAR(std::stod(rpm), client.live.engine_rpm, 1);
+    EXPECT_GT(client.live.engine_rpm, 300);
+    EXPECT_FALSE(other.line.is_open());
+    EXPECT_THAT(other.line.tried(), IsEmpty());
+    const std::size_t before = requests.size();
+    desktop.run_for(5);
+    EXPECT_GT(requests.size() - before, 3 * 5 * 20 * 0.95) << "each tick of 50 ms has its three messages";
+    EXPECT_EQ(server.forms.frm_server.Client_IP.text(), "127.0.0.1");
+    EXPECT_EQ(server.forms.frm_server.num_refused.text(), "0");
+}
+
+TEST_F(TwoConsoles, ADownloadOverTheLinkIsByteForByteThatOfTheCable) {
+    start_server();
+    start_client();
+    const std::string far_file = desktop.path("far.set"), near_file = desktop.path("near.set");
+    desktop.choose_file(far_file);
+    client.forms.frm_ecu.menufilesave.click();
+    desktop.run_for(1);
+    server.forms.frm_server.server_cancel.press();
+    desktop.run_for(0.2);
+    const std::vector<Bytes> far_requests = std::exchange(requests, {});
+    desktop.choose_file(near_file);
+    server.forms.frm_ecu.menufilesave.click();
+    EXPECT_EQ(desktop.read_file("far.set"), desktop.read_file("near.set"));
+    ASSERT_GT(requests.size(), 1000U);
+    EXPECT_FALSE(std::ranges::search(far_requests, requests).empty()) << "the same frames in the same order";
+}
+
+TEST_F(TwoConsoles, AServerThatIsKilledAndComesBackIsFoundAgainInMidDownload) {
+    start_server();
+    start_client();
+    desktop.choose_file(desktop.path("far.set"));
+    desktop.schedule(desktop.now() + 3'000'000, [this] { server.forms.frm_server.server_cancel.press(); });
+    desktop.schedule(desktop.now() + 7'000'000,
+                     [this] { server.forms.frm_ecu.menu_remote_setup_start_server.click(); });
+    client.forms.frm_ecu.menufilesave.click();
+    desktop.run_for(1);
+    const std::string far = desktop.read_file("far.set");
+    EXPECT_EQ(std::ranges::count(far, '\n'), 2126);
+    EXPECT_FALSE(client.forms.frm_dialog.form.visible());
+}
+
+TEST_F(TwoConsoles, AViewAndAToolClickedWhileTheServerIsGreetedOpenOverTheLinkAndTheLastCounts) {
+    start_server();
+    client.start("");
+    desktop.run_for(0.1);
+    server.forms.frm_server.server_cancel.press();
+    requests.clear();
+    enter_address();
+    shell::FrmEcu& main = client.forms.frm_ecu;
+    desktop.schedule(desktop.now() + 100'000, [&] {
+        EXPECT_THAT(main.link_state.text(), HasSubstr("Asking the console at 127.0.0.1"));
+        main.menu_tool_reset.click();
+        main.Command3d4.press();
+        EXPECT_FALSE(client.forms.frm_mon.form.visible());
+    });
+    desktop.schedule(desktop.now() + 1'000'000, [&] {
+        EXPECT_THAT(requests, IsEmpty());
+        EXPECT_FALSE(client.forms.frm_mon.form.visible());
+        main.menu_remote_setup_halt_client.click(); // drops the view: the user has turned to something else
+        main.menu_tool_reset.click();
+    });
+    desktop.on_modal("frm_Dialog", [&](Form&) { client.forms.frm_dialog.dialog_button[1].press(); });
+    main.menu_remote_setup_start_client.click();
+    desktop.run_for(1);
+    EXPECT_FALSE(client.forms.frm_mon.form.visible());
+    EXPECT_TRUE(client.state.demo_mode) << "the reset went for this machine's own port, which is not there";
+    EXPECT_THAT(requests, IsEmpty());
+}
+
+TEST_F(TwoConsoles, AViewClickedWhileTheServerIsGreetedOpensWhenItHasAnswered) {
+    client.start("");
+    desktop.run_for(0.1);
+    server.start("");
+    enter_address();
+    desktop.expect_box("Succesful connection to remote IP address 127.0.0.1");
+    shell::FrmEcu& main = client.forms.frm_ecu;
+    desktop.network().outside = [&](const test::SimNetwork::Sent& greeting) {
+        main.Command3d4.press();
+        server.forms.frm_ecu.menu_remote_setup_start_server.click();
+        desktop.schedule(desktop.now() + 500'000, [this, greeting] {
+            EXPECT_FALSE(client.forms.frm_mon.form.visible());
+            desktop.network().arrive(greeting.from, 999, greeting.bytes);
+        });
+    };
+    main.menu_remote_setup_start_client.click();
+    desktop.run_for(1);
+    EXPECT_TRUE(client.forms.frm_mon.form.visible());
+    EXPECT_GT(client.live.engine_rpm, 300);
+}
+
+TEST_F(TwoConsoles, PreparingToReflashSaysFirstThatTheCableIsElsewhere) {
+    start_server();
+    start_client();
+    requests.clear();
+    desktop.answer_box("needs the controller's cable at this machine", platform::Answer::cancel);
+    client.forms.frm_ecu.menu_tool_reflash.click();
+    desktop.run_for(0.1);
+    EXPECT_THAT(requests, IsEmpty());
+    EXPECT_EQ(client.state.link_title_suffix, "127.0.0.1 -> ") << "nothing has changed";
+    desktop.answer_box("needs the controller's cable at this machine", platform::Answer::ok);
+    desktop.answer_box("Do you really want to stop the controller", platform::Answer::ok);
+    desktop.expect_box("The controller is now ready to re-flash.");
+    client.forms.frm_ecu.menu_tool_reflash.click();
+    EXPECT_EQ(requests.back()[2], 174);
+}
+
+} // namespace
+} // namespace ecu
