@@ -175,6 +175,39 @@ TEST_F(Editor, ARefusedValueIsShownAndItsBoxSaysWhereItStands) {
     EXPECT_EQ(frm_3d.inj_map.active_row() * 100 + frm_3d.inj_map.active_column(), 402);
 }
 
+// The one order of all entries: question, replaced text, notice, message; and nothing of it for values that are gone.
+TEST_F(Editor, AnEntryIsAskedForReplacedNoticedAndSentInThisOrder) {
+    open();
+    editing::EditorLink link(console.ports, console.state, console.comm, console.scales);
+    auto& pulses = console.forms.frm_tool.num_pulses_hot;
+    auto& gain = console.forms.frm_tool.min_ego_gain;
+    const auto send = [&](const calibration::Parameter& row, platform::TextBox& box, const char* text,
+                          const editing::GoOn& go_on = {}) {
+        box.set_text(text);
+        controller.clear_sent();
+        return link.send_entry(row, 0, box, go_on);
+    };
+    const auto& hot = calibration::parameter("HOT_#P");
+    const auto& low = calibration::parameter("EGO_A_LO");
+    lost = [](const Request& request) { return request[2] == 't' || request[2] == '<'; };
+    for (const platform::Answer answer : {platform::Answer::no, platform::Answer::cancel}) {
+        desktop.answer_box("more than 1 hot priming pulse", answer);
+        EXPECT_EQ(send(hot, pulses, "2"), editing::Fate::skipped);
+        EXPECT_THAT(controller.messages(), IsEmpty());
+    }
+    desktop.answer_box("more than 1 hot priming pulse", platform::Answer::yes);
+    EXPECT_EQ(send(hot, pulses, "2", [] { return false; }), editing::Fate::skipped); // closed behind the question
+    EXPECT_EQ(desktop.boxes().back().preset, platform::Answer::no);
+    desktop.answer_box("more than 1 hot priming pulse", platform::Answer::yes);
+    press_in_failure_dialog(0);
+    EXPECT_EQ(send(hot, pulses, "2"), editing::Fate::unanswered);
+    EXPECT_EQ(controller.messages().front(), (Bytes{'t', 2, 0, 0}));
+    desktop.expect_box("The Minimum EGO Gain has been altered to within limits");
+    EXPECT_EQ(send(low, gain, ".5", [] { return false; }), editing::Fate::skipped);
+    EXPECT_EQ(gain.text(), ".614"); // before the notice
+    EXPECT_THAT(controller.messages(), IsEmpty());
+}
+
 TEST_F(Editor, SilentHoldsAreToldAfterTheUpdateUntilTheNextEntry) {
     open();
     frm_3d.ign_map.set_cell_text(16, 1, "99");
