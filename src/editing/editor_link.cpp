@@ -17,6 +17,10 @@ void EditorLink::Place::replace(std::string_view text) const {
 
 Answer EditorLink::say(const Place& place, std::string_view text, platform::Buttons buttons) {
     platform::MessageBox box{.text = std::string(text), .buttons = buttons};
+    if (buttons != platform::Buttons::ok) { // a second Enter behind that of the Update is no consent
+        box.icon = platform::Icon::warning;
+        box.preset = Answer::no;
+    }
     if (show_place) {
         box.details = show_place(place.control, place.row, place.column);
     }
