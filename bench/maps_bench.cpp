@@ -1,5 +1,5 @@
-// The map window's budgets: shading and repainting all four maps (10 ms), drawing the surface anew (5 ms), and the
-// opening read's 32 blocks against their time on a wire paced at 38400 baud (1.05).
+// The map windows' budgets: shading and repainting all four maps (10 ms), drawing the surface anew (5 ms), and the
+// opening reads of the basic map and of the outputs' window against their time on a wire paced at 38400 baud (1.05).
 #include "bench/controller_process.h"
 #include "desktop/theme.h"
 #include "desktop/windows/desktop_console.h"
@@ -28,7 +28,9 @@ using ecu::console::Console;
 
 constexpr int paced_baud = 38400;
 constexpr double read_budget = 1.05;
-constexpr int wire_bytes = 32 * (8 + 39);
+constexpr int map_bytes = 32 * (8 + 39);
+// Spans, modes, temperatures, switches, eight maps in three blocks each, and the servos' parameters.
+constexpr int output_bytes = (8 + 23) + (8 + 9) + (8 + 9) + (8 + 13) + 8 * 3 * (8 + 34) + (8 + 45);
 constexpr std::size_t openings = 9;
 
 void wait(int milliseconds) {
@@ -46,12 +48,21 @@ QWidget* shown(const char* window, const char* widget) {
     std::exit(2);
 }
 
-// From the first block's announcement to the end of the read, by the label that tells of it.
-double opening_read_seconds(Console& console) {
+// A window that reads at its opening, and the label that tells of it.
+struct Editor {
+    const char* name;
+    ecu::platform::MenuItem& opens;
+    ecu::platform::Button& closes;
+    const ecu::platform::Label& status;
+    int wire_bytes;
+};
+
+// From the first read's announcement to the end of the last.
+double opening_read_seconds(const Editor& editor) {
     QElapsedTimer clock;
     std::optional<qint64> begin;
     std::optional<qint64> end;
-    const ecu::platform::Label& status = console.forms.frm_3d.map_status;
+    const ecu::platform::Label& status = editor.status;
     QTimer watch;
     watch.setTimerType(Qt::PreciseTimer);
     QObject::connect(&watch, &QTimer::timeout, [&] {
@@ -64,7 +75,7 @@ double opening_read_seconds(Console& console) {
     });
     clock.start();
     watch.start(1);
-    console.forms.frm_ecu.menu_View_Mapping.click();
+    editor.opens.click();
     while (!end) {
         wait(50);
     }
@@ -72,15 +83,20 @@ double opening_read_seconds(Console& console) {
     return static_cast<double>(*end - *begin) * 1e-9;
 }
 
-double median_opening_read(Console& console) {
+// The median of its openings over the wire's time.
+double opening_read_ratio(const Editor& editor) {
     std::array<double, openings> seconds{};
     for (double& one : seconds) {
-        one = opening_read_seconds(console);
-        console.forms.frm_3d.Command3d1.press();
+        one = opening_read_seconds(editor);
+        editor.closes.press();
         wait(100);
     }
     std::ranges::sort(seconds);
-    return seconds[openings / 2];
+    const double wire = editor.wire_bytes * 10.0 / paced_baud;
+    const double ratio = seconds[openings / 2] / wire;
+    std::printf("opening read of the %s, median: %.1f ms, wire time %.1f ms, ratio %.3f (at most %.2f)\n", editor.name,
+                seconds[openings / 2] * 1e3, wire * 1e3, ratio, read_budget);
+    return ratio;
 }
 
 // Every cell's shade changes from one pass to the next.
@@ -146,12 +162,19 @@ int main(int argc, char** argv) {
     Console& console = desktop.console();
     console.start("");
     wait(500);
-    const double seconds = median_opening_read(console);
-    console.forms.frm_ecu.menu_View_Mapping.click();
+    ecu::console::Forms& forms = console.forms;
+    const double outputs = opening_read_ratio({.name = "outputs' window",
+                                               .opens = forms.frm_ecu.menu_View_supp,
+                                               .closes = forms.frm_sup.Command3d1,
+                                               .status = forms.frm_sup.map_status,
+                                               .wire_bytes = output_bytes});
+    const double maps = opening_read_ratio({.name = "map window",
+                                            .opens = forms.frm_ecu.menu_View_Mapping,
+                                            .closes = forms.frm_3d.Command3d1,
+                                            .status = forms.frm_3d.map_status,
+                                            .wire_bytes = map_bytes});
+    forms.frm_ecu.menu_View_Mapping.click();
     wait(1000);
-    const double wire = wire_bytes * 10.0 / paced_baud;
-    std::printf("opening read, median: %.1f ms, wire time %.1f ms, ratio %.3f (at most %.2f)\n", seconds * 1e3,
-                wire * 1e3, seconds / wire, read_budget);
 
     console.state.polling_paused = true;
     auto& form = console.forms.frm_3d;
@@ -169,5 +192,5 @@ int main(int argc, char** argv) {
         redraw_surface(state, console);
     })->Unit(benchmark::kMillisecond);
     benchmark::RunSpecifiedBenchmarks();
-    return seconds / wire <= read_budget ? 0 : 1;
+    return std::max(outputs, maps) <= read_budget ? 0 : 1;
 }

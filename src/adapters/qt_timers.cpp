@@ -1,6 +1,6 @@
 #include "adapters/qt_timers.h"
 
-#include <QCoreApplication>
+#include <QMetaObject>
 #include <QTimer>
 
 #include <utility>
@@ -42,7 +42,7 @@ std::unique_ptr<platform::Timer> QtTimers::make_timer(int interval_ms) {
 }
 
 void QtTimers::post(std::function<void()> action) {
-    QMetaObject::invokeMethod(QCoreApplication::instance(), std::move(action), Qt::QueuedConnection);
+    QMetaObject::invokeMethod(&posted_, std::move(action), Qt::QueuedConnection);
 }
 
 } // namespace ecu::adapters

@@ -25,6 +25,9 @@ float number_of(std::string_view text) { return static_cast<float>(platform::lea
 bool is_skipped(std::string_view factor) { return factor.empty() || factor == "X" || factor == "x"; }
 
 void apply_factor(const platform::Grid& factors, platform::Grid& map, int n) {
+    if (map.cell_unread(editing::row_of(map, n), editing::column_of(map, n))) {
+        return; // there is no value to multiply
+    }
     const std::string& factor = editing::text_at(factors, n);
     const float product = number_of(factor) * number_of(editing::text_at(map, n));
     // A product beyond all numbers would read back as 0: no fuel.

@@ -88,9 +88,9 @@ EncodedEntry encode(const Entry& entry, const Conversion& scale, Width width, st
         out.refusal = entry.refusal.below_text;
     }
     out.raw = std::clamp(raw, entry.raw_low, entry.raw_high);
-    if (entry.low_byte) {
-        out.raw = byte_low(out.raw);
-    }
+    const std::int32_t kept = entry.low_byte ? byte_low(out.raw) : out.raw;
+    const bool held_by_row = out.raw != raw;
+    out.raw = kept;
     switch (width) {
     case Width::byte:
         out.raw = std::clamp(out.raw, 0, 255);
@@ -102,6 +102,7 @@ EncodedEntry encode(const Entry& entry, const Conversion& scale, Width width, st
         out.raw = std::clamp(out.raw, -32768, 32767);
         break;
     }
+    out.held = out.refusal.empty() && out.notice.empty() && (held_by_row || out.raw != kept || !out.replaced.empty());
     return out;
 }
 

@@ -30,6 +30,7 @@ struct EncodedEntry {
     std::string_view replaced;
     std::string_view notice;
     std::string_view refusal;
+    bool held = false; // the raw number is that of a limit, which nothing says
 };
 EncodedEntry raw_from_entry(const Parameter& row, std::string_view text, const Scales& scales);
 EncodedEntry raw_from_entry(const Table& row, std::string_view text, const Scales& scales);

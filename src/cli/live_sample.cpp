@@ -1,12 +1,11 @@
 #include "cli/live_sample.h"
 
 #include "cli/json.h"
-#include "platform/display_mask.h"
+#include "messages/live_fields.h"
 
 #include <QJsonArray>
 
 #include <array>
-#include <functional>
 #include <string_view>
 
 namespace ecu::cli {
@@ -14,36 +13,42 @@ namespace ecu::cli {
 namespace {
 
 using messages::EcuLiveData;
-using platform::masked;
 
+namespace live_of = messages::live;
+
+// A field under a short heading; the mixture has a text of its own, which tells what the sensor reads.
 struct Column {
     std::string_view heading;
     int width;
-    std::string (*text)(const EcuLiveData&);
+    const messages::LiveField& field;
 };
+
+constexpr std::array<Column, 13> columns{{
+    {"RPM", 6, live_of::engine_rpm},
+    {"LAMBDA", 8, live_of::lambda},
+    {"CLT", 5, live_of::coolant_temp},
+    {"TPS%", 7, live_of::throttle_percent},
+    {"MAP", 7, live_of::manifold_kpa},
+    {"MAT", 5, live_of::air_temp},
+    {"PW", 8, live_of::injector_pw},
+    {"CORR", 7, live_of::ego_correction},
+    {"IGN", 8, live_of::ignition_timing},
+    {"VOLTS", 7, live_of::battery_volts},
+    {"SPEED", 8, live_of::speed_MPH},
+    {"GEAR", 5, live_of::gear_number},
+    {"ERRS", 5, live_of::err_flgs},
+}};
 
 std::string mixture(const EcuLiveData& live) {
     if (live.sensor_fault()) {
         return "ERR";
     }
-    return live.sensor_reads_lambda() ? masked(live.lambda, "0.000") : masked(live.oxygen_percent, "#0.0") + "%O2";
+    return live.sensor_reads_lambda() ? live_of::lambda.text(live) : live_of::oxygen_percent.text(live) + "%O2";
 }
 
-constexpr std::array<Column, 13> columns{{
-    {"RPM", 6, [](const EcuLiveData& live) { return masked(live.engine_rpm_raw, "####0"); }},
-    {"LAMBDA", 8, mixture},
-    {"CLT", 5, [](const EcuLiveData& live) { return masked(live.coolant_temp, "##0"); }},
-    {"TPS%", 7, [](const EcuLiveData& live) { return masked(live.throttle_raw_percent, "##0.0"); }},
-    {"MAP", 7, [](const EcuLiveData& live) { return masked(live.manifold_kpa, "##0.0"); }},
-    {"MAT", 5, [](const EcuLiveData& live) { return masked(live.air_temp, "##0"); }},
-    {"PW", 8, [](const EcuLiveData& live) { return masked(live.injector_pw * 1000, "#0.000"); }},
-    {"CORR", 7, [](const EcuLiveData& live) { return masked(live.ego_correction, "0.000"); }},
-    {"IGN", 8, [](const EcuLiveData& live) { return masked(live.ignition_timing, "##0.00"); }},
-    {"VOLTS", 7, [](const EcuLiveData& live) { return masked(live.battery_volts, "#0.00"); }},
-    {"SPEED", 8, [](const EcuLiveData& live) { return masked(live.speed_MPH, "##0.00"); }},
-    {"GEAR", 5, [](const EcuLiveData& live) { return masked(live.gear_number, "#0"); }},
-    {"ERRS", 5, [](const EcuLiveData& live) { return masked(live.err_flgs, "##0"); }},
-}};
+std::string text_of(const Column& column, const EcuLiveData& live) {
+    return &column.field == &live_of::lambda ? mixture(live) : column.field.text(live);
+}
 constexpr std::size_t time_width = 8;
 
 std::string right(std::string_view text, int width) {
@@ -108,66 +113,24 @@ std::string monitor_heading() {
 std::string monitor_as_text(const EcuLiveData& live, const std::string& time) {
     std::string text = time;
     for (const Column& column : columns) {
-        text += right(column.text(live), column.width);
+        text += right(text_of(column, live), column.width);
     }
     return text + "\n";
 }
 
 std::string monitor_as_json(const EcuLiveData& live, const std::string& time) {
-    return json_line({
-        {"time", json_text(time)},
-        {"engine_rpm", live.engine_rpm_raw},
-        {"status_flags", live.status_flags},
-        {"sensor_fault", live.sensor_fault()},
-        {"ego_lambda_setpoint", json_number(live.ego_lambda_setpoint)},
-        {"lambda", live.sensor_reads_lambda() ? QJsonValue(json_number(live.lambda)) : QJsonValue()},
-        {"oxygen_percent", live.sensor_reads_lambda() ? QJsonValue() : QJsonValue(json_number(live.oxygen_percent))},
-        {"injector_pw_ms", json_number(live.injector_pw * 1000)},
-        {"coolant_temp", json_number(live.coolant_temp)},
-        {"air_temp", json_number(live.air_temp)},
-        {"battery_volts", json_number(live.battery_volts)},
-        {"ego_correction", json_number(live.ego_correction)},
-        {"map_enrichment", json_number(live.map_enrichment)},
-        {"accel_enrichment_ms", json_number(live.accel_enrichment)},
-        {"clt_enrichment", json_number(live.clt_enrichment)},
-        {"baro_kpa", json_number(live.baro_kpa)},
-        {"manifold_kpa", json_number(live.manifold_kpa)},
-        {"ignition_timing", json_number(live.ignition_timing)},
-        {"input_flags", live.input_flags},
-        {"tps_pcnt", json_number(live.tps_pcnt)},
-        {"throttle_percent", json_number(live.throttle_raw_percent)},
-        {"map_position", json_number(live.map_position)},
-        {"rpm_position", json_number(live.rpm_position)},
-        {"tps_position", json_number(live.tps_position)},
-        {"wb_feedback", live.wb_feedback},
-        {"wb_pump_current", live.wb_pump_current},
-        {"wb_pump_dac", live.wb_pump_dac},
-        {"wb_heater_pw", live.wb_heater_pw},
-        {"wb_heater_temp", live.wb_heater_temp},
-        {"egt", json_number(live.egt)},
-        {"map_num", live.map_num},
-        {"num_trigs", live.num_trigs},
-        {"num_cams", live.num_cams},
-        {"wheel_idx_num", live.wheel_idx_num},
-        {"cam_idx_num", live.cam_idx_num},
-        {"cpu_secs", live.cpu_secs},
-        {"err_flgs", live.err_flgs},
-        {"speed_MPH", json_number(live.speed_MPH)},
-        {"rpm_mph_ratio", json_number(live.rpm_mph_ratio)},
-        {"gear_number", live.gear_number},
-        {"gpo_duty", array_of(live.gpo_duty, live.gpo_duty.size())},
-        {"aux_volts", json_number(live.aux_volts)},
-        {"aux_egt", json_number(live.aux_egt)},
-        {"iac_state", live.iac_state},
-        {"iac_error", live.iac_error},
-        {"iac_position", live.iac_position},
-        {"iac_rpm_setpoint", live.iac_rpm_setpoint},
-        {"can_rx_frames", live.can_rx_frames},
-        {"inj_pw_ms", array_of(live.inj_pw, channels)},
-        {"ign_dwell_ms", array_of(live.ign_dwell, channels)},
-        {"inj_duty", array_of(live.inj_duty, channels)},
-        {"ign_duty", array_of(live.ign_duty, channels)},
-    });
+    QJsonObject object{{"time", json_text(time)}, {"sensor_fault", live.sensor_fault()}};
+    for (const messages::LiveField& field : messages::live_fields) {
+        object.insert(json_text(field.key), json_number(field.value(live)));
+    }
+    // What the sensor does not read is told as nothing, not as the stand-in that the record holds.
+    object.insert(live.sensor_reads_lambda() ? "oxygen_percent" : "lambda", QJsonValue());
+    object.insert("gpo_duty", array_of(live.gpo_duty, live.gpo_duty.size()));
+    object.insert("inj_pw_ms", array_of(live.inj_pw, channels));
+    object.insert("ign_dwell_ms", array_of(live.ign_dwell, channels));
+    object.insert("inj_duty", array_of(live.inj_duty, channels));
+    object.insert("ign_duty", array_of(live.ign_duty, channels));
+    return json_line(object);
 }
 
 } // namespace ecu::cli

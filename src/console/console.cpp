@@ -26,6 +26,7 @@ Console::Console(const platform::Ports& machine)
       block_modifier(ports, state, forms.registry, forms.frm_cellblock_modifier, block_selection),
       basic_mapping(ports, state, comm, scales, live, forms.frm_3d, forms.frm_tool.TPS_mapped, navigation,
                     block_selection, surface_window, map_cell_colours),
+      gpo_mapping(ports, state, comm, scales, live, image, forms.frm_sup, navigation, block_selection),
       plotter(ports, state, comm, navigation, polling.timer3(), scales, live,
               {forms.frm_mon.inj_duty[0], forms.frm_mon.ign_duty[0], forms.frm_mon.wheel_idx_num}, forms.frm_plotter),
       autotune(ports, state, forms.frm_autotune, forms.frm_3d),
@@ -42,6 +43,7 @@ shell::Navigation Console::with_views(const platform::Ports& ports, link::Shared
     navigation.add_view(View::monitor, forms.frm_mon.form);
     navigation.add_view(View::dashboard, forms.frm_dashboard.form);
     navigation.add_view(View::basic_mapping, forms.frm_3d.form);
+    navigation.add_view(View::gpo_mapping, forms.frm_sup.form);
     navigation.add_view(View::plotter, forms.frm_plotter.form);
     return navigation;
 }
@@ -50,10 +52,14 @@ void Console::wire() {
     comm.set_decoders(reply_decoders.in_order());
     polling.on_refresh(View::dashboard, [this] { dashboard.refresh(); });
     polling.on_refresh(View::basic_mapping, [this] { basic_mapping.refresh_live(); });
+    polling.on_refresh(View::gpo_mapping, [this] { gpo_mapping.refresh_live(); });
+    reply_decoders.parameter_shown = [this](const calibration::Parameter& row, int i) {
+        gpo_mapping.follow_reply(row, i);
+    };
     polling.on_refresh(View::none, [this] { main_console.show_link_state(); });
     polling.plot_and_log_sample = [this] { plotter.plot_and_log_sample(); };
-    monitor.wire_menu();
-    basic_mapping.wire_menus();
+    navigation.wire_menus();
+    dashboard.held_changed = [this] { forms.held_note.refresh(); };
     transfer.close_files = [this] {
         if (plotter.logging_active()) {
             plotter.stop_logging();

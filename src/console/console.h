@@ -12,6 +12,7 @@
 #include "logging/plotter.h"
 #include "maps/basic_mapping.h"
 #include "maps/block_modifier.h"
+#include "maps/gpo_mapping.h"
 #include "maps/graphing.h"
 #include "maps/surface_window.h"
 #include "messages/live_decoder.h"
@@ -67,6 +68,7 @@ public:
     maps::SurfaceWindow surface_window;
     maps::BlockModifier block_modifier;
     maps::BasicMapping basic_mapping;
+    maps::GpoMapping gpo_mapping;
     logging::Plotter plotter;
     autotune::Autotune autotune;
     calibration::Transfer transfer;

@@ -4,6 +4,7 @@
 
 #include "autotune/frm_autotune.h"
 #include "calibration/frm_wait.h"
+#include "configuration/frm_tool.h"
 #include "diagnostics/frm_diagnostics.h"
 #include "link/frm_dialog.h"
 #include "link/frm_retries.h"
@@ -13,11 +14,11 @@
 #include "maps/frm_3d_graph.h"
 #include "maps/frm_cellblock_modifier.h"
 #include "maps/frm_sup.h"
-#include "configuration/frm_tool.h"
 #include "shell/frm_about.h"
 #include "shell/frm_ecu.h"
 #include "views/frm_dashboard.h"
 #include "views/frm_mon.h"
+#include "views/held_note.h"
 
 namespace ecu::console {
 
@@ -47,6 +48,9 @@ struct Forms {
     logging::FrmPlotter frm_plotter;
     diagnostics::FrmDiagnostics frm_diagnostics;
     autotune::FrmAutotune frm_autotune;
+    views::HeldNote held_note{frm_dashboard,
+                              {&frm_mon.form, &frm_dashboard.form, &frm_tool.form, &frm_3d.form, &frm_2d.form,
+                               &frm_sup.form, &frm_plotter.form, &frm_diagnostics.form}};
     platform::FormRegistry registry;
 };
 

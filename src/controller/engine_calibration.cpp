@@ -168,4 +168,22 @@ std::array<double, 4> EngineCalibration::gpo_duties(const OperatingPoint& at) co
     return {gpo_duty(0, at), gpo_duty(1, at), gpo_duty(2, at), gpo_duty(3, at)};
 }
 
+// Its map stands over pressure as an open loop, else over air temperature.
+BoostControl EngineCalibration::boost_control(const OperatingPoint& at) const {
+    const unsigned flags = memory_.value(slot("BOFG"));
+    const bool open_loop = (flags & 2U) != 0;
+    const double cell = square(table_base("BMP0"), 9, rpm_position(at.rpm),
+                               open_loop ? map_position(at.manifold_kpa) : temperature_position(at.air));
+    return {.open_loop = open_loop,
+            .inverted = (flags & 1U) != 0,
+            .map_duty = cell / 256,
+            .target_kpa = cell * map_span() / 255 + map_base(),
+            .enable_kpa = raw(slot("BOEN")) * map_span() / 255 + map_base(),
+            .preset = raw(slot("BOIS")) / 255,
+            .p = raw(slot("BO_P")) / 4096,
+            .i = raw(slot("BO_I")) / 4096,
+            .d = raw(slot("BO_D")) / 4096,
+            .seconds = 0.01 * std::max(raw(slot("BORT")), 1.0)};
+}
+
 } // namespace ecu::controller

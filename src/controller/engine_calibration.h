@@ -30,6 +30,18 @@ struct Fuelling {
     double pulse_ms = 0; // injector opening, oxygen feedback not counted
 };
 
+// How the first channel drives the wastegate at one operating point; the other channels drive nothing here.
+struct BoostControl {
+    bool open_loop = false;
+    bool inverted = false;
+    double map_duty = 0;   // of the map, 0 to 1; open loop
+    double target_kpa = 0; // of the map; closed loop
+    double enable_kpa = 0; // the loop is closed above it
+    double preset = 0;     // duty with which closing the loop begins
+    double p = 0, i = 0, d = 0;
+    double seconds = 0.01; // between two runs of the servo
+};
+
 class EngineCalibration {
 public:
     explicit EngineCalibration(const ControllerMemory& memory) : memory_(memory) {}
@@ -50,6 +62,7 @@ public:
     // What the throttle sensor's share of its full scale stands for, by the closed and opened values.
     double throttle_percent(double sensor) const;
     std::array<double, 4> gpo_duties(const OperatingPoint& at) const; // 0 to 1
+    BoostControl boost_control(const OperatingPoint& at) const;
     // The gear whose range holds the ratio, 0 for none.
     int gear_of(double rpm_per_mph) const;
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <utility>
 
 namespace ecu::controller {
 
@@ -20,6 +21,10 @@ constexpr double lean_out = 1.98;    // lambda of an engine without fuel
 // What the throttle sensor reads when closed, and how much more when opened.
 constexpr double sensor_closed = 0.12;
 constexpr double sensor_travel = 0.70;
+// Boost with the wastegate's valve off, and what full duty adds.
+constexpr double gate_open_kpa = 45;
+constexpr double gate_range_kpa = 120;
+constexpr double servo_share = 0.5; // of the integral's gain in each run
 // Engine speed for each mile per hour.
 constexpr double fourth_gear = 42;
 constexpr double third_gear = 55;
@@ -50,6 +55,7 @@ void EngineModel::step() {
     choose_phase();
     move_throttle();
     move_crank();
+    control_boost();
     fill_manifold();
     warm_up();
     control_idle_air();
@@ -140,13 +146,36 @@ void EngineModel::move_crank() {
     state_.at.gear = in_gear ? calibration_.gear_of(state_.rpm_per_mph) : 0;
 }
 
+void EngineModel::control_boost() {
+    const BoostControl control = calibration_.boost_control(state_.at);
+    const bool was_active =
+        std::exchange(boost_active_, control.open_loop || state_.at.manifold_kpa > control.enable_kpa);
+    if (control.open_loop) {
+        boost_duty_ = control.map_duty;
+    } else if (!boost_active_) {
+        boost_duty_ = 0;
+    } else if (servo_waits_ -= engine_step; !was_active || servo_waits_ <= 0) {
+        servo_waits_ = control.seconds;
+        const double error = (control.target_kpa - state_.at.manifold_kpa) / calibration_.map_span();
+        const double turn = was_active ? error - boost_error_ : 0;
+        boost_error_ = error;
+        const bool at_its_end = error > 0 ? boost_duty_ >= 1 : boost_duty_ <= 0; // more would only wind it up
+        const double sum = at_its_end ? boost_sum_ : boost_sum_ + servo_share * control.i * error;
+        boost_sum_ = was_active ? std::clamp(sum, 0.0, 1.0) : control.preset;
+        boost_duty_ = boost_sum_ + control.p * error + control.d * turn;
+    }
+    boost_duty_ = std::clamp(boost_duty_, 0.0, 1.0);
+    wastegate_ = control.inverted ? 1 - boost_duty_ : boost_duty_;
+}
+
 void EngineModel::fill_manifold() {
     OperatingPoint& at = state_.at;
     const double opening = 0.014 + 0.00013 * at.iac_position + std::pow(throttle_, 1.4);
     const double supply = 2.6 * opening / (at.rpm / 6500);
     const double natural = std::max(0.2, supply / std::sqrt(1 + supply * supply));
     const double spool = std::clamp((at.rpm - 2200) / 2300, 0.0, 1.0);
-    follow(boost_, throttle_ > 0.5 ? 170 * (throttle_ - 0.5) * spool : 0, 0.5);
+    const double full_boost = gate_open_kpa + wastegate_ * gate_range_kpa;
+    follow(boost_, throttle_ > 0.5 ? full_boost * (throttle_ - 0.5) * 2 * spool : 0, 0.5);
     follow(at.manifold_kpa, at.baro_kpa * natural + boost_ + flicker(0.8), 0.08);
 }
 

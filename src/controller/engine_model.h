@@ -63,6 +63,7 @@ private:
     void choose_phase();
     void move_throttle();
     void move_crank();
+    void control_boost();
     void fill_manifold();
     void warm_up();
     void control_idle_air();
@@ -82,7 +83,13 @@ private:
     double phase_time_ = 0;
     double throttle_ = 0; // 0 to 1, the pedal itself
     double throttle_rate_ = 0;
-    double boost_ = 0; // kPa
+    double boost_ = 0;       // kPa
+    double boost_duty_ = 0;  // as map or servo ask for it, 0 to 1
+    double wastegate_ = 0;   // what its valve gets of it: more holds more boost
+    double boost_sum_ = 0;   // what the servo has added up
+    double boost_error_ = 0; // at its last run, share of the pressure span
+    double servo_waits_ = 0; // seconds to its next run
+    bool boost_active_ = false;
     double hunting_ = 0;
     bool timing_held_ = false;
     bool oxygen_feedback_ = true;

@@ -6,16 +6,19 @@
 #include "desktop/picture_view.h"
 #include "desktop/qt_text.h"
 #include "desktop/theme.h"
+#include "platform/leading_number.h"
 
 #include <QAction>
 #include <QButtonGroup>
 #include <QCheckBox>
+#include <QCoreApplication>
 #include <QFocusEvent>
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -31,6 +34,16 @@ namespace ecu::desktop {
 using platform::Control;
 using platform::Kind;
 using platform::Property;
+
+namespace {
+
+// In a box that holds a value of the controller; other boxes hold any text.
+bool is_decimal_comma(const Control& control, const QKeyEvent& key) {
+    const auto& box = static_cast<const platform::TextBox&>(control);
+    return key.text() == QLatin1String(",") && box.origin() != platform::Origin::none && !box.multi_line;
+}
+
+} // namespace
 
 Binding::Bound& Binding::add(Control& control) {
     if (&control.form() != &form_) {
@@ -179,6 +192,9 @@ void Binding::refresh_common(Control& control, Bound& bound, Property property) 
         break;
     case Property::tool_tip:
         widget.setToolTip(qt(control.tool_tip()));
+        if (control.kind() == Kind::text_box) {
+            paint_colours(control, widget); // which adds what its marks say
+        }
         break;
     case Property::focus:
         if (control.kind() != Kind::grid) { // a grid tells its active cell by the same announcement
@@ -187,9 +203,13 @@ void Binding::refresh_common(Control& control, Bound& bound, Property property) 
         break;
     case Property::back_colour:
     case Property::fore_colour:
+    case Property::origin:
         paint_colours(control, widget);
         break;
     case Property::text:
+        if (control.kind() == Kind::text_box) {
+            paint_colours(control, widget); // what is no number shows it
+        }
         if (!bound.own_name.isEmpty() && widget.accessibleName() == bound.own_name) {
             name_by_text(control, bound);
         }
@@ -214,7 +234,7 @@ void Binding::paint_colours(Control& control, QWidget& widget) {
         if (static_cast<platform::TextBox&>(control).multi_line) {
             return; // read-only: no edit state to be told
         }
-        widget.setPalette(theme::edit_palette(palette, back, fore));
+        paint_box(static_cast<platform::TextBox&>(control), widget);
         return;
     case Kind::label:
     case Kind::check_box:
@@ -228,6 +248,7 @@ void Binding::paint_colours(Control& control, QWidget& widget) {
             palette.setColor(
                 QPalette::WindowText,
                 theme::readable_on(theme::to_qt(*fore), back ? theme::to_qt(*back) : theme::panel_fill(QPalette())));
+            palette.setColor(QPalette::Text, palette.color(QPalette::WindowText)); // of the mark in a box or circle
         }
         widget.setAutoFillBackground(back.has_value());
         break;
@@ -255,6 +276,44 @@ void Binding::paint_colours(Control& control, QWidget& widget) {
         palette = QPalette();
     }
     widget.setPalette(palette);
+}
+
+// A box's marks beside its state colour: hatched when it was never read, red when it would be sent and is no number,
+// underlined when it is white and yet not what the controller last confirmed. Its tip and its description say so.
+void Binding::paint_box(const platform::TextBox& box, QWidget& widget) {
+    QPalette palette = theme::edit_palette(QPalette(), box.back_colour(), box.fore_colour());
+    QString state;
+    const bool unconfirmed = box.unconfirmed() && !box.is_pending();
+    if (box.unread()) {
+        QPixmap hatched(8, 8);
+        hatched.fill(palette.color(QPalette::Base));
+        QPainter(&hatched).fillRect(hatched.rect(), theme::hatching());
+        QBrush brush(palette.color(QPalette::Base));
+        brush.setTexture(hatched);
+        palette.setBrush(QPalette::Base, brush);
+        state = QStringLiteral("not read");
+    } else if (box.unconfirmed() && box.is_pending() && !platform::is_number(box.text())) {
+        palette.setColor(QPalette::Active, QPalette::Text, theme::wrong_text);
+        palette.setColor(QPalette::Inactive, QPalette::Text, theme::wrong_text);
+        state = QStringLiteral("pending, no number");
+    } else if (unconfirmed) {
+        state = QStringLiteral("not confirmed by the controller");
+    } else if (box.unconfirmed()) {
+        state = QStringLiteral("pending");
+    }
+    widget.setPalette(palette);
+    if (QFont font = widget.font(); font.underline() != unconfirmed) {
+        font.setUnderline(unconfirmed);
+        widget.setFont(font);
+    }
+    if (widget.accessibleDescription() != state) {
+        widget.setAccessibleDescription(state);
+    }
+    const QString tip = qt(box.tool_tip());
+    const QString whole = state.isEmpty() || tip.isEmpty() ? tip + state : tip + '\n' + state;
+    if (widget.toolTip() != whole) {
+        widget.setToolTip(whole);
+    }
 }
 
 // Focus as the forms know it: it stays with a control while another window or a menu is in front.
@@ -301,6 +360,11 @@ bool Binding::eventFilter(QObject* watched, QEvent* event) {
         return false;
     }
     case QEvent::KeyPress: {
+        if (control.kind() == Kind::text_box && is_decimal_comma(control, *static_cast<QKeyEvent*>(event))) {
+            QKeyEvent point(QEvent::KeyPress, Qt::Key_Period, Qt::NoModifier, QStringLiteral("."));
+            QCoreApplication::sendEvent(watched, &point);
+            return true;
+        }
         if (control.kind() == Kind::grid || !control.key_down) {
             return false; // a grid's view reports its keys itself
         }

@@ -3,6 +3,7 @@
 #include "desktop/figure_label.h"
 #include "desktop/qt_host.h"
 #include "desktop/qt_text.h"
+#include "desktop/status_line.h"
 #include "desktop/theme.h"
 
 #include <QApplication>
@@ -63,6 +64,12 @@ FormWindow::FormWindow(platform::Form& form, QtHost& host, WindowKind kind)
     const auto controls = form.controls();
     if (std::ranges::any_of(controls, [](const auto* c) { return c->kind() == platform::Kind::menu_item; })) {
         binding_.build_menus(*menuBar());
+    }
+    if (auto* held = dynamic_cast<platform::Label*>(form.find("held_note"))) {
+        auto* note = static_cast<QLabel*>(make(*held, "Held back"));
+        note->setAutoFillBackground(true);
+        note->setMargin(theme::gap);
+        outer_->addWidget(note); // above the body
     }
     setEnabled(form.enabled());
     host.attach(form, *this);
@@ -209,6 +216,17 @@ QWidget* FormWindow::status(platform::Label& label) {
     QWidget* widget = make(label);
     statusBar()->addWidget(widget);
     return widget;
+}
+
+QWidget* FormWindow::status_line(platform::Label& label) {
+    auto* line = new StatusLine;
+    binding_.bind_custom(label, line, [&label, line](Property property) {
+        if (property == Property::text) {
+            line->show_text(qt(label.text()));
+        }
+    });
+    statusBar()->addWidget(line, 1);
+    return line;
 }
 
 void FormWindow::scale_figures(double smallest_points, double largest_points) {

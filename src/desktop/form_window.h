@@ -78,7 +78,10 @@ public:
     void set_body(QWidget* body);
     void set_footer(QWidget* footer);        // below the body, never scrolled away
     void demo_badge(platform::Label& label); // at the right of the menu bar
-    QWidget* status(platform::Label& label); // in the status bar
+    QWidget* status(platform::Label& label);
+    // The same for a text of any length: it takes the room there is, in two lines where one is too short, and its tip
+    // has it whole. It never lays the window out again.
+    QWidget* status_line(platform::Label& label); // in the status bar
     // Figures take the largest size between these at which everything fits the window.
     void scale_figures(double smallest_points, double largest_points);
     // Escape closes the window as its close button does. For windows whose closing loses nothing; a widget that uses

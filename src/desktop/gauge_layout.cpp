@@ -208,7 +208,8 @@ double needle_angle(const Scale& scale, double value) {
 
 std::vector<QPointF> needle_shape(const GaugeLayout& layout, double angle) {
     const double root = layout.radius * 0.055;
-    const QPointF behind = on_circle(layout.centre, layout.radius * 0.16, angle + 180);
+    // No longer behind the hub than the hub itself reaches: the caption stands right below it.
+    const QPointF behind = on_circle(layout.centre, layout.radius * 0.07, angle + 180);
     return {on_circle(layout.centre, layout.radius * 0.84, angle), on_circle(layout.centre, root, angle + 90),
             on_circle(behind, root * 0.8, angle + 90), on_circle(behind, root * 0.8, angle - 90),
             on_circle(layout.centre, root, angle - 90)};

@@ -62,7 +62,8 @@ void GaugeWidget::refresh(Property property) {
     const QString text = gauge_text(gauge_.scale(), static_cast<double>(gauge_.value()));
     if (text_ != text) {
         text_ = text;
-        setAccessibleDescription(text);
+        setAccessibleDescription(
+            (text + ' ' + qt(gauge_.spoken_unit.empty() ? gauge_.unit : gauge_.spoken_unit)).trimmed());
         const int beside = static_cast<int>(layout_.value_height * 0.1) + 2; // some digits reach over the line
         update(layout_.value.toAlignedRect().adjusted(-beside, -beside, beside, beside));
     }
@@ -171,7 +172,7 @@ QPixmap GaugeWidget::draw_face() const {
         painter.drawText(number.area, Qt::AlignCenter | Qt::TextDontClip, number.text);
     }
     painter.setPen(ink.lighter(190));
-    const QString caption = qt(gauge_.text());
+    const QString caption = gauge_.unit.empty() ? qt(gauge_.text()) : qt(gauge_.text()) + '\n' + qt(gauge_.unit);
     painter.setFont(fitted(sized(font(), layout_.caption_height, QFont::Medium), caption, layout_.caption));
     painter.drawText(layout_.caption, Qt::AlignCenter | Qt::TextDontClip, caption);
     return face;

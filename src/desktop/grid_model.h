@@ -22,6 +22,9 @@ public:
     void announce_change();
 
 private:
+    QString state_of(int row, int column) const;
+    QString described(int row, int column) const;
+
     platform::Grid& grid_;
 };
 

@@ -1,160 +1,19 @@
 #include "desktop/grid_view.h"
 
+#include "desktop/grid_delegate.h"
 #include "desktop/keys.h"
 #include "desktop/qt_text.h"
-#include "desktop/theme.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QLineEdit>
-#include <QPainter>
-#include <QPointer>
-#include <QStyledItemDelegate>
 
 #include <algorithm>
 
 namespace ecu::desktop {
 
 using platform::Property;
-
-void paint_pending_mark(QPainter& painter, const QRect& cell) {
-    const int size = std::clamp(cell.height() / 3, 4, 8);
-    const QPoint corner = cell.topLeft();
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(Qt::black);
-    painter.drawPolygon(QPolygon({corner, corner + QPoint(size, 0), corner + QPoint(0, size)}));
-    painter.restore();
-}
-
-// Paints a cell so that its state colour stays to be seen when it is selected, and edits it live.
-class GridDelegate final : public QStyledItemDelegate {
-public:
-    explicit GridDelegate(GridView& view) : QStyledItemDelegate(&view), view_(view) {}
-
-    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
-        const QVariant back = index.data(Qt::BackgroundRole);
-        const QColor fill = back.isValid() ? back.value<QBrush>().color() : option.palette.color(QPalette::Base);
-        painter->fillRect(option.rect, fill);
-        const bool enabled = option.state.testFlag(QStyle::State_Enabled);
-        const bool selected = option.state.testFlag(QStyle::State_Selected);
-        if (selected) {
-            QColor veil = option.palette.color(QPalette::Highlight);
-            veil.setAlpha(70);
-            painter->fillRect(option.rect, veil);
-        }
-        if (enabled && !view_.grid().locked() && fill == theme::to_qt(platform::pending)) {
-            paint_pending_mark(*painter, option.rect);
-        }
-        QColor text = theme::text_on(fill);
-        text.setAlpha(enabled ? 255 : 110);
-        painter->setPen(text);
-        const int inset = std::max(3, option.rect.width() / 7);
-        painter->drawText(option.rect.adjusted(0, 0, -inset, 0), Qt::AlignRight | Qt::AlignVCenter,
-                          index.data().toString());
-        if (index == view_.currentIndex()) {
-            painter->setPen(QPen(option.palette.color(QPalette::Highlight), 2));
-            painter->drawRect(option.rect.adjusted(1, 1, -1, -1));
-        }
-    }
-
-    QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem&, const QModelIndex& index) const override {
-        auto* editor = new QLineEdit(parent);
-        editor->setFrame(false);
-        editor->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-        editor->setAccessibleName(view_.accessibleName());
-        editor->setPalette(theme::edit_palette(QPalette(), platform::pending, platform::black));
-        editor->setText(index.data().toString());
-        editor->selectAll();
-        edit_ = {.editor = editor, .row = index.row() + 1, .column = index.column() + 1};
-        edit_.typed_over = view_.typed_over_;
-        keep_for_escape();
-        connect(editor, &QLineEdit::textEdited, &view_, [this](const QString& text) { write(text); });
-        return editor;
-    }
-    // The editor has its text from the start, and each key wrote it: a reply that comes meanwhile changes the cell
-    // and not what is being typed.
-    void setEditorData(QWidget*, const QModelIndex&) const override {}
-    void setModelData(QWidget*, QAbstractItemModel*, const QModelIndex&) const override { settle(); }
-
-    // A cell that turned white under its editor was confirmed: that is what Escape goes back to from now on.
-    void cell_may_have_changed() {
-        if (edit_.editor != nullptr && !edit_.writing &&
-            view_.grid().cell_back(edit_.row, edit_.column) == platform::confirmed) {
-            keep_for_escape();
-        }
-    }
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override {
-        auto* editor = qobject_cast<QLineEdit*>(watched);
-        if (editor != nullptr && event->type() == QEvent::KeyPress) {
-            auto& key = static_cast<QKeyEvent&>(*event);
-            if (key.key() == Qt::Key_Escape) {
-                restore();
-                emit closeEditor(editor, RevertModelCache);
-                return true;
-            }
-            if (view_.editor_key(key, edit_.typed_over)) {
-                QKeyEvent again(key.type(), key.key(), key.modifiers(), key.text(), key.isAutoRepeat());
-                settle();
-                emit closeEditor(editor, NoHint);
-                QCoreApplication::sendEvent(&view_, &again);
-                return true;
-            }
-            return false; // the line edit's own; Qt's delegate would take Tab and Enter away
-        }
-        return QStyledItemDelegate::eventFilter(watched, event);
-    }
-
-private:
-    struct Edit {
-        QPointer<QLineEdit> editor = {};
-        int row = 1;
-        int column = 1;
-        bool typed_over = false;
-        bool typed = false;
-        bool restorable = false; // written since the text below was the cell's
-        bool writing = false;
-        std::string text = {};
-        std::optional<platform::Colour> back = {};
-    };
-
-    void keep_for_escape() const {
-        edit_.text = view_.grid().cell_text(edit_.row, edit_.column);
-        edit_.back = view_.grid().cell_back(edit_.row, edit_.column);
-        edit_.restorable = false;
-    }
-    void write(const QString& text) const {
-        if (!view_.grid().locked()) {
-            edit_.typed = edit_.restorable = edit_.writing = true;
-            view_.grid().set_cell_text(edit_.row, edit_.column, text.toStdString());
-            edit_.writing = false;
-        }
-    }
-    // The echo of an earlier text may have come over what was typed since.
-    void settle() const {
-        if (edit_.editor != nullptr && edit_.typed &&
-            edit_.editor->text() != qt(view_.grid().cell_text(edit_.row, edit_.column))) {
-            write(edit_.editor->text());
-        }
-    }
-    // Nothing was entered, so what the writing made pending is not.
-    void restore() const {
-        platform::Grid& grid = view_.grid();
-        if (edit_.restorable) {
-            grid.set_cell_text(edit_.row, edit_.column, edit_.text);
-            grid.set_cell_back(edit_.row, edit_.column, edit_.back);
-        }
-        edit_.editor.clear();
-    }
-
-    GridView& view_;
-    mutable Edit edit_; // a view has one editor at most
-};
 
 GridView::GridView(platform::Grid& grid) : grid_(grid), model_(grid), delegate_(new GridDelegate(*this)) {
     setModel(&model_);
@@ -201,12 +60,21 @@ void GridView::select_shown_block() {
     }
 }
 
+platform::Grid::Area GridView::selected_block() const {
+    const auto ranges = selectionModel()->selection();
+    const QItemSelectionRange block = ranges.isEmpty() ? QItemSelectionRange(currentIndex()) : ranges.first();
+    int right = block.right();
+    while (right >= block.left() && isColumnHidden(right)) { // columns are shed from the right
+        --right;
+    }
+    return {block.top() + 1, block.left() + 1, block.bottom() + 1, right + 1};
+}
+
 // Selecting with Shift or by Ctrl+A chooses a block as dragging the mouse does.
 void GridView::report_keyed_block() const {
-    const auto ranges = selectionModel()->selection();
-    if (grid_.block_chosen && ranges.size() == 1 && ranges.first().width() * ranges.first().height() > 1) {
-        const QItemSelectionRange& block = ranges.first();
-        grid_.block_chosen({block.top() + 1, block.left() + 1, block.bottom() + 1, block.right() + 1});
+    const platform::Grid::Area block = selected_block();
+    if (grid_.block_chosen && selectionModel()->selection().size() == 1 && block.rows() * block.columns() > 1) {
+        grid_.block_chosen(block);
     }
 }
 
@@ -360,15 +228,14 @@ void GridView::currentChanged(const QModelIndex& current, const QModelIndex& pre
 }
 
 void GridView::copy_block() const {
-    const auto ranges = selectionModel()->selection();
-    if (ranges.isEmpty()) {
+    if (selectionModel()->selection().isEmpty()) {
         return;
     }
-    const QItemSelectionRange& block = ranges.first();
+    const platform::Grid::Area block = selected_block();
     QString text;
-    for (int row = block.top(); row <= block.bottom(); ++row) {
-        for (int column = block.left(); column <= block.right(); ++column) {
-            text += model_.index(row, column).data().toString() + (column < block.right() ? '\t' : '\n');
+    for (int row = block.first_row; row <= block.last_row; ++row) {
+        for (int column = block.first_column; column <= block.last_column; ++column) {
+            text += qt(grid_.cell_text(row, column)) + (column < block.last_column ? '\t' : '\n');
         }
     }
     QApplication::clipboard()->setText(text);
@@ -377,41 +244,27 @@ void GridView::copy_block() const {
 void GridView::paste_block() {
     QString text = QApplication::clipboard()->text();
     text.remove('\r');
-    if (text.endsWith('\n')) {
-        text.chop(1);
-    }
     if (text.isEmpty() || !isEnabled() || grid_.locked()) {
         return;
     }
-    const auto ranges = selectionModel()->selection();
-    const QItemSelectionRange block = ranges.isEmpty() ? QItemSelectionRange(currentIndex()) : ranges.first();
-    grid_.begin_batch();
-    if (!text.contains('\n') && !text.contains('\t')) {
-        for (const QModelIndex& index : block.indexes()) {
-            grid_.set_cell_text(index.row() + 1, index.column() + 1, text.trimmed().toStdString());
-        }
-    } else {
-        const QStringList lines = text.split('\n');
-        for (int line = 0; line < lines.size() && block.top() + line < grid_.rows(); ++line) {
-            const QStringList cells = lines[line].split('\t');
-            for (int cell = 0; cell < cells.size() && block.left() + cell < grid_.columns(); ++cell) {
-                grid_.set_cell_text(block.top() + line + 1, block.left() + cell + 1,
-                                    cells[cell].trimmed().toStdString());
-            }
-        }
-    }
-    grid_.end_batch();
+    grid_.paste(selected_block(), text.toStdString());
 }
 
 void GridView::clear_block() {
-    if (grid_.locked()) {
+    if (grid_.locked() || selectionModel()->selection().isEmpty()) {
         return;
     }
     grid_.begin_batch();
-    for (const QModelIndex& index : selectionModel()->selectedIndexes()) {
-        grid_.set_cell_text(index.row() + 1, index.column() + 1, "");
-    }
+    fill(selected_block(), "");
     grid_.end_batch();
+}
+
+void GridView::fill(const platform::Grid::Area& block, const std::string& text) {
+    for (int row = block.first_row; row <= block.last_row; ++row) {
+        for (int column = block.first_column; column <= block.last_column; ++column) {
+            grid_.set_cell_text(row, column, text);
+        }
+    }
 }
 
 } // namespace ecu::desktop

@@ -12,9 +12,6 @@ namespace ecu::desktop {
 
 class GridDelegate;
 
-// The corner that tells a pending cell apart for eyes that cannot tell its yellow from a shade.
-void paint_pending_mark(QPainter& painter, const QRect& cell);
-
 class GridView final : public QTableView {
 public:
     explicit GridView(platform::Grid& grid);
@@ -24,7 +21,7 @@ public:
     QSize minimumSizeHint() const override;
 
     void copy_block() const;
-    // From the selection's top left, a single copied cell into all of it; writes cell texts and nothing else.
+    // From the selection's top left, a single copied cell into all of it, by the grid's own rules of pasting.
     void paste_block();
     void clear_block();
     // A key in a cell's editor: true when it ends the edit and acts on the grid instead.
@@ -41,6 +38,9 @@ protected:
 private:
     void select_shown_block();
     void report_keyed_block() const;
+    // What is selected of the columns that show: nobody means to change a cell that he cannot see.
+    platform::Grid::Area selected_block() const;
+    void fill(const platform::Grid::Area& block, const std::string& text);
     void report_extension(const QModelIndex& to);
     void note_mouse(const QMouseEvent& event);
     void apply_sizes();

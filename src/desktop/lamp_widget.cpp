@@ -15,6 +15,11 @@ LampWidget::LampWidget(platform::Shape& shape, platform::Colour dark) : shape_(s
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
+void LampWidget::refresh() {
+    setAccessibleDescription(shape_.back_colour().value_or(dark_) == dark_ ? "dark" : "lit");
+    update();
+}
+
 void LampWidget::paintEvent(QPaintEvent*) {
     const platform::Colour colour = shape_.back_colour().value_or(dark_);
     const double radius = std::min(width(), height()) / 2.0 - 1.5;

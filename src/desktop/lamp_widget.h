@@ -10,6 +10,7 @@ namespace ecu::desktop {
 class LampWidget final : public QWidget {
 public:
     LampWidget(platform::Shape& shape, platform::Colour dark);
+    void refresh(); // the colour changed
     QSize sizeHint() const override { return {34, 34}; }
 
 protected:

@@ -1,4 +1,5 @@
 // The menu bar of a form, built from its menu items alone: order of declaration, access keys from the texts.
+#include "desktop/access_keys.h"
 #include "desktop/binding.h"
 #include "desktop/qt_text.h"
 
@@ -15,10 +16,24 @@ using platform::Property;
 
 namespace {
 
+// The item's text, with an access key that no item beside it has.
+QString text_of(const MenuItem& item) {
+    QStringList texts;
+    qsizetype own = 0;
+    for (const platform::Control* control : item.form().controls()) {
+        const auto* beside = dynamic_cast<const MenuItem*>(control);
+        if (beside != nullptr && beside->parent() == item.parent()) {
+            own = beside == &item ? texts.size() : own;
+            texts.append(qt(beside->text()));
+        }
+    }
+    return distinct_access_keys(texts).at(own);
+}
+
 void show_item(const MenuItem& item, QAction& action, Property property) {
     switch (property) {
     case Property::text:
-        action.setText(qt(item.text()));
+        action.setText(text_of(item));
         break;
     case Property::enabled:
         action.setEnabled(item.enabled());

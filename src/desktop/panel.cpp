@@ -120,19 +120,17 @@ QWidget* Panel::row(const Caption& name, Control& control, const Caption& unit) 
         edit->setMinimumWidth(edit->fontMetrics().horizontalAdvance(QStringLiteral("00000.000")) + 16);
         edit->setMaximumWidth(edit->minimumWidth() * 2);
     }
-    QWidget* left = caption_widget(name, false);
-    QWidget* right = caption_widget(unit, true);
-    for (QWidget* beside : {left, right}) {
-        if (beside != nullptr && window_->binding().is_fixed_text(*beside)) {
-            window_->binding().follow(control, beside);
-        }
-    }
-    place(left, field, right);
-    return field;
+    return between(name, control, field, unit);
 }
 
 QWidget* Panel::figure(const Caption& name, platform::Label& control, const Caption& unit, const char* widest) {
-    QWidget* field = window_->make_figure(control, name, widest);
+    FigureLabel* field = window_->make_figure(control, name, widest);
+    field->set_unit([unit] { return unit.text(); });
+    return between(name, control, field, unit);
+}
+
+// The field with its caption and unit, which are enabled and seen with it.
+QWidget* Panel::between(const Caption& name, Control& control, QWidget* field, const Caption& unit) {
     QWidget* left = caption_widget(name, false);
     QWidget* right = caption_widget(unit, true);
     for (QWidget* beside : {left, right}) {

@@ -91,6 +91,7 @@ public:
 private:
     QWidget* caption_widget(const Caption& caption, bool unit);
     QString spoken_column(std::size_t column) const;
+    QWidget* between(const Caption& name, platform::Control& control, QWidget* field, const Caption& unit);
     void place(QWidget* name, QWidget* field, QWidget* unit);
 
     FormWindow* window_;

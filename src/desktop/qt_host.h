@@ -26,6 +26,7 @@ public:
 
     // How to build the form's window. The form must outlive the host.
     void add(platform::Form& form, Factory factory);
+    bool has_window(const platform::Form& form) const { return factories_.contains(&form) || windows_.contains(&form); }
     // The window, built now if it was not. Throws std::logic_error for a form that was never added.
     FormWindow& window_of(platform::Form& form);
 

@@ -9,6 +9,7 @@
 #pragma once
 
 #include "logging/chart_history.h"
+#include "logging/chart_window.h"
 #include "platform/strip_chart.h"
 
 #include <qcustomplot.h>
@@ -28,16 +29,15 @@ public:
     ~StripChartWidget() override;
 
     void refresh(platform::Property property); // for Binding::bind_custom
-    // Shown in the middle while it is not empty.
-    void set_hint(const QString& text);
 
-    bool is_live() const { return live_; }
+    bool is_live() const { return window_.live(); }
     // Whether go_live() would change anything.
-    bool is_at_default() const;
+    bool is_at_default() const { return window_.at_default(); }
     // Scrolls again, with the window and the height that the model gives.
     void go_live();
     QCPRange shown_range() const { return xAxis->range(); }
     bool save_png(const QString& path); // what is shown, with a legend below, at twice the screen's resolution
+    static QString clock_text(double time, int decimals); // the time of day, decimals of the second
     int pictures_drawn() const { return pictures_; }
     QString reading() const; // time and values at the pointer's line, as plain text; empty without one
 
@@ -63,7 +63,7 @@ private:
     void take(const platform::StripChart::Sample& sample);
     void stamp(const platform::StripChart::Stamp& stamp);
     double newest() const; // time of the last sample or stamp
-    void show_range(double from, double to);
+    void view_moved();
     void zoom(double factor, double about);
     void zoom_height(double factor, double about);
     void pan(double seconds);
@@ -96,9 +96,7 @@ private:
     QTimer picture_timer_;
     QElapsedTimer since_picture_;
     int pictures_ = 0;
-    bool live_ = true;
-    double live_seconds_;  // width of the window while live
-    double model_seconds_; // what the model gave for it
+    logging::ChartWindow window_;
     bool dragging_ = false;
     std::optional<QPointF> pressed_at_;
     double drag_x_ = 0;

@@ -1,5 +1,7 @@
 #include "desktop/theme.h"
 
+#include "desktop/figure_label.h"
+
 #include <QApplication>
 #include <QFontDatabase>
 #include <QFontMetricsF>
@@ -48,6 +50,7 @@ bool digits_line_up(const QFont& font) {
 void apply(QApplication& application) {
     QApplication::setStyle(QStyleFactory::create("Fusion"));
     application.setAttribute(Qt::AA_DontShowIconsInMenus);
+    make_figures_accessible();
 }
 
 QPalette dark_palette() {
@@ -73,6 +76,8 @@ QColor to_qt(platform::Colour colour) { return {colour.red, colour.green, colour
 QColor text_on(const QColor& background) {
     return contrast(Qt::black, background) >= contrast(Qt::white, background) ? Qt::black : Qt::white;
 }
+
+QBrush hatching() { return QBrush(QColor(0x60, 0x60, 0x60), Qt::BDiagPattern); }
 
 QColor readable_on(QColor colour, const QColor& background) {
     const QColor towards = text_on(background);

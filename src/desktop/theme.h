@@ -25,6 +25,10 @@ QPalette dark_palette();
 QColor to_qt(platform::Colour colour);
 // Black or white, whichever stands out on `background`.
 QColor text_on(const QColor& background);
+// The text of what is no number, on the colour of what is pending.
+inline constexpr QColor wrong_text{0xB0, 0x00, 0x00};
+// Laid over the colour of what was never read.
+QBrush hatching();
 // `colour`, darkened or lightened until it can be read on `background`.
 QColor readable_on(QColor colour, const QColor& background);
 

@@ -34,7 +34,15 @@ void write_at(Grid& grid, int index, std::string_view text) {
 int pending_cells(const Grid& grid) {
     int count = 0;
     for (int i = 0; i < cells_of(grid); ++i) {
-        count += grid.cell_pending(row_of(grid, i), column_of(grid, i)) ? 1 : 0;
+        count += grid.cell_to_be_sent(row_of(grid, i), column_of(grid, i)) ? 1 : 0;
+    }
+    return count;
+}
+
+int unread_cells(const Grid& grid) {
+    int count = 0;
+    for (int i = 0; i < cells_of(grid); ++i) {
+        count += grid.cell_unread(row_of(grid, i), column_of(grid, i)) ? 1 : 0;
     }
     return count;
 }
@@ -49,8 +57,7 @@ void write_all(Grid& grid, std::string_view text) {
 void blank(Grid& grid) {
     const Repaint repaint(grid);
     for (int i = 0; i < cells_of(grid); ++i) {
-        write_at(grid, i, "");
-        grid.set_cell_back(row_of(grid, i), column_of(grid, i), platform::pending);
+        grid.blank_cell(row_of(grid, i), column_of(grid, i));
     }
 }
 
@@ -85,6 +92,16 @@ void BlockSelection::end_at(int row, int column) {
     block_end_col = static_cast<std::int16_t>(column);
 }
 
+void BlockSelection::draw_anchor(Grid* grid) {
+    if (anchor_grid != nullptr && anchor_grid != grid) {
+        anchor_grid->show_anchor(0, 0);
+    }
+    anchor_grid = grid;
+    if (grid != nullptr) {
+        grid->show_anchor(block_anchor_row, block_anchor_col);
+    }
+}
+
 void BlockSelection::take(int table_id, const Grid& grid) {
     std::tie(block_row_low, block_row_high) = std::minmax(block_anchor_row, block_end_row);
     std::tie(block_col_low, block_col_high) = std::minmax(block_anchor_col, block_end_col);
@@ -115,17 +132,25 @@ void wire_grid(Grid& grid, const GridKeys& keys, BlockSelection& selection, std:
     grid.key_down = [&grid, &selection, keys, open_block](KeyPress& press) {
         const int row = grid.active_row();
         const int column = grid.active_column();
+        if (selection.keyed_grid != &grid || selection.keyed_row != row || selection.keyed_column != column) {
+            selection.keyed_grid = nullptr;
+        }
         if (press.shift && !press.ctrl && (press.code == key::up || press.code == key::down)) {
             const bool up = press.code == key::up;
-            press.code = key::shift; // so that the grid does not move its cursor as well
-            if (!grid.locked()) {
+            press.code = key::shift;                                // so that the grid does not move its cursor as well
+            if (!grid.locked() && !grid.cell_unread(row, column)) { // what was never read is nothing to step from
                 grid.set_cell_text(row, column, stepped(grid.cell_text(row, column), keys.step, up));
             }
         } else if (press.ctrl && !press.shift && press.code == 'S') {
             selection.anchor_at(row, column);
+            selection.draw_anchor(&grid);
+            selection.keyed_grid = nullptr;
         } else if (press.ctrl && !press.shift && press.code == 'F') {
-            selection.end_at(row, column);
+            if (selection.keyed_grid == nullptr) {
+                selection.end_at(row, column);
+            }
             open_block(true);
+            selection.draw_anchor(nullptr);
         }
     };
     grid.key_press = [update = std::move(update)](KeyPress& press) {
@@ -134,15 +159,21 @@ void wire_grid(Grid& grid, const GridKeys& keys, BlockSelection& selection, std:
             update();
         }
     };
-    grid.block_chosen = [&selection](const Grid::Area& block) {
+    grid.block_chosen = [&grid, &selection](const Grid::Area& block) {
         selection.anchor_at(block.first_row, block.first_column);
         selection.end_at(block.last_row, block.last_column);
         selection.block_invalid = false;
+        selection.draw_anchor(nullptr);
+        selection.keyed_grid = &grid;
+        selection.keyed_row = grid.active_row();
+        selection.keyed_column = grid.active_column();
     };
     grid.mouse_down = [&grid, &selection, open_block](MouseButton button) {
         if (button == MouseButton::left) {
             selection.anchor_at(grid.mouse_row(), grid.mouse_column());
             selection.block_invalid = false;
+            selection.draw_anchor(nullptr);
+            selection.keyed_grid = nullptr;
         } else if (button == MouseButton::right) {
             open_block(!selection.block_invalid);
         }
@@ -166,7 +197,9 @@ bool step_box(TextBox& box, const KeyStep& step, KeyPress& press) {
     }
     const bool up = press.code == key::up;
     press.code = key::shift;
-    box.set_text(stepped(box.text(), step, up));
+    if (!box.unread()) { // what was never read is nothing to step from
+        box.set_text(stepped(box.text(), step, up));
+    }
     return true;
 }
 
@@ -178,32 +211,6 @@ bool move_along(std::span<TextBox> boxes, std::size_t index, KeyPress& press) {
     }
     press.code = 0;
     boxes[left ? index - 1 : index + 1].set_focus();
-    return true;
-}
-
-void EditorLink::pause_polling(float seconds) {
-    state_.polling_paused = true;
-    ports_.wait_seconds(seconds);
-}
-
-void EditorLink::resume_polling(float seconds) {
-    state_.polling_paused = false;
-    ports_.wait_seconds(seconds);
-}
-
-void EditorLink::write_cell(int address, int raw) {
-    send(calibration::cell_write_message(address, raw), calibration::cell_reply);
-}
-
-bool EditorLink::read_blocks(const calibration::BlockRead& block, int address, int count,
-                             const std::function<void(int)>& progress, const std::function<bool()>& stop) {
-    for (int k = 0; k < count; ++k) {
-        progress(k);
-        send(calibration::block_read_message(block, address + k * block.cells), block.reply());
-        if (state_.comm_aborted || stop()) {
-            return false;
-        }
-    }
     return true;
 }
 

@@ -4,7 +4,6 @@
 #pragma once
 
 #include "calibration/encoding.h"
-#include "link/ecu_comm.h"
 #include "platform/grid.h"
 #include "platform/leading_number.h"
 #include "platform/rounding.h"
@@ -36,17 +35,18 @@ private:
     platform::Grid& grid_;
 };
 
-int pending_cells(const platform::Grid& grid);
+int pending_cells(const platform::Grid& grid); // that Update would send
+int unread_cells(const platform::Grid& grid);
 // All cells yellow and empty: not yet read from the controller.
 void blank(platform::Grid& grid);
 void write_all(platform::Grid& grid, std::string_view text);   // as typing does: they go yellow
 void confirm_all(platform::Grid& grid, std::string_view text); // white
 
-// Every yellow cell in index order with its text. An event handled inside `write` may
+// Every yellow cell that holds a value, in index order with its text. An event handled inside `write` may
 // change cells that the walk has yet to reach; `go_on` is asked before each.
 template <typename Write, typename GoOn> void for_each_pending(const platform::Grid& grid, Write write, GoOn go_on) {
     for (int i = 0; i < cells_of(grid) && go_on(); ++i) {
-        if (grid.cell_pending(row_of(grid, i), column_of(grid, i))) {
+        if (grid.cell_to_be_sent(row_of(grid, i), column_of(grid, i))) {
             write(i, text_at(grid, i));
         }
     }
@@ -77,12 +77,17 @@ struct BlockSelection {
     bool block_invalid = false; // the mouse was released outside the grid
     std::int16_t block_table_id = 0;
     std::int16_t block_grid_rows = 0, block_grid_cols = 0;
+    platform::Grid* anchor_grid = nullptr; // where the anchor of Ctrl+S is drawn
+    // A block selected by keys, which Ctrl+F takes as it stands while its active cell stays where it was then.
+    const platform::Grid* keyed_grid = nullptr;
+    int keyed_row = 0, keyed_column = 0;
 
     std::function<void()> open_modifier;
     std::function<void()> close_modifier; // its window is about to go
 
     void anchor_at(int row, int column);
     void end_at(int row, int column);
+    void draw_anchor(platform::Grid* grid); // null: nowhere
     // Sorts the corners and names the table that they are taken to lie in.
     void take(int table_id, const platform::Grid& grid);
     bool contains(int row, int column) const;
@@ -102,26 +107,5 @@ void colour_by_focus(platform::TextBox& box); // light red while it has the focu
 bool step_box(platform::TextBox& box, const KeyStep& step, platform::KeyPress& key);
 // Left and Right move the focus along an array of boxes, stopping at its ends; true when the focus moved.
 bool move_along(std::span<platform::TextBox> boxes, std::size_t index, platform::KeyPress& key);
-
-// The messages that editing sends, and the short waits that keep the scheduler's polling out of a sequence.
-class EditorLink {
-public:
-    EditorLink(const platform::Ports& ports, link::SharedState& state, link::EcuComm& comm)
-        : ports_(ports), state_(state), comm_(comm) {}
-
-    void pause_polling(float seconds);
-    void resume_polling(float seconds);
-    void send(const link::Message& message, int expected_length) { comm_.poll(message, expected_length); }
-    void write_cell(int address, int raw);
-    // Reads `count` blocks from `address` upward. Before block k it calls progress(k); after each it looks at the
-    // link and at stop(), and gives up with false.
-    bool read_blocks(const calibration::BlockRead& block, int address, int count,
-                     const std::function<void(int)>& progress, const std::function<bool()>& stop);
-
-private:
-    const platform::Ports& ports_;
-    link::SharedState& state_;
-    link::EcuComm& comm_;
-};
 
 } // namespace ecu::editing

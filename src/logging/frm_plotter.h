@@ -30,6 +30,10 @@ struct FrmPlotter {
     platform::ControlArray<platform::CheckBox, channel_count> Check3d1{form, "Check3d1", channel_captions()};
     platform::CheckBox skip_graphics{form, "skip_graphics", "Log to file only (no graph)"};
     platform::TextBox plot_file{form, "plot_file", "PLOTTER.CSV"};
+    platform::Label file_note{form, "file_note"}; // what starting a log does to the file of that name
+    platform::Button new_name{form, "new_name", "&New name"};
+    platform::Button browse{form, "browse", "Bro&wse..."};
+    platform::Button save_picture{form, "save_picture", "Save &picture..."};
     platform::Label File_Samples{form, "File_Samples", "N/A"};
     platform::Button Command3d2{form, "Command3d2", "Start Log"};
     platform::Button Command3d3{form, "Command3d3", "Stop Log"};
@@ -43,6 +47,10 @@ struct FrmPlotter {
             box.set_tool_tip("Click the checkbox to enable or disable this channel on the chart recorder");
         }
         plot_file.set_tool_tip("Double click me to specify a filename and location.");
+        file_note.set_tool_tip("What starting a log does to the file of this name");
+        new_name.set_tool_tip("Take the next name that no file has, so that no earlier log is replaced");
+        browse.set_tool_tip("Choose the file's name and location");
+        save_picture.set_tool_tip("Save what the chart shows as a PNG file");
         Command3d2.set_tool_tip("Click to begin a data log file");
         Command3d3.set_tool_tip("Click to halt a data log file");
         Command3d3.set_enabled(false);

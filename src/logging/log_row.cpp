@@ -1,6 +1,6 @@
 #include "logging/log_row.h"
 
-#include "platform/display_mask.h"
+#include "messages/live_fields.h"
 
 #include <array>
 #include <cstdint>
@@ -13,17 +13,12 @@ namespace {
 using messages::EcuLiveData;
 using platform::masked;
 
-struct Moment {
-    std::string_view time;
-    float seconds;
-};
-
+// A live value by this file's mask; the three without one are formed by hand.
 struct Column {
     std::string_view title;
-    std::string (*text)(const EcuLiveData& live, const Moment& moment);
+    const messages::LiveField* field = nullptr;
+    std::string_view mask = {};
 };
-
-std::string remainder(std::uint8_t of_a_cell) { return masked(static_cast<float>(of_a_cell) / 128.0F, "0.00"); }
 
 std::string hexadecimal(std::int32_t value) {
     std::array<char, 9> text{};
@@ -31,48 +26,49 @@ std::string hexadecimal(std::int32_t value) {
     return text.data();
 }
 
-using Live = const EcuLiveData&;
-using Now = const Moment&;
+namespace live_of = messages::live;
 
 constexpr std::array<Column, 37> columns{{
-    {"Time", [](Live, Now now) { return std::string(now.time); }},
-    {"CPU_T", [](Live, Now now) { return masked(now.seconds, "####0.00"); }},
-    {"RPM", [](Live d, Now) { return masked(d.engine_rpm_raw, "####0"); }},
-    {"A/F", [](Live d, Now) { return masked(d.lambda, "0.00"); }},
-    {"CLT", [](Live d, Now) { return masked(d.coolant_temp, "##0"); }},
-    {"TPS", [](Live d, Now) { return masked(d.throttle_raw_percent, "##0.0"); }},
-    {"MAP", [](Live d, Now) { return masked(d.manifold_kpa, "##0.0"); }},
-    {"MAT", [](Live d, Now) { return masked(d.air_temp, "##0"); }},
-    {"PW", [](Live d, Now) { return masked(d.injector_pw * 1000.0F, "#0.000"); }},
-    {"CORR", [](Live d, Now) { return masked(d.ego_correction, "0.000"); }},
-    {"IGN\xB0", [](Live d, Now) { return masked(d.ignition_timing, "#0.00"); }},
-    {"INJ%", [](Live d, Now) { return masked(d.inj_duty[0], "##0.0"); }},
-    {"IGN%", [](Live d, Now) { return masked(d.ign_duty[0], "##0.0"); }},
-    {"WDBG", [](Live d, Now) { return masked(d.wheel_idx_num, "##0"); }},
-    {"GPO1%", [](Live d, Now) { return masked(d.gpo_duty[0], "##0.0"); }},
-    {"GPO2%", [](Live d, Now) { return masked(d.gpo_duty[1], "##0.0"); }},
-    {"GPO3%", [](Live d, Now) { return masked(d.gpo_duty[2], "##0.0"); }},
-    {"GPO4%", [](Live d, Now) { return masked(d.gpo_duty[3], "##0.0"); }},
-    {"MAP#", [](Live d, Now) { return masked(d.map_num, "0"); }},
-    {"WTRG", [](Live d, Now) { return masked(d.num_trigs, "####0"); }},
-    {"CTRG", [](Live d, Now) { return masked(d.num_cams, "####0"); }},
-    {"CDBG", [](Live d, Now) { return masked(d.cam_idx_num, "##0"); }},
-    {"SECS", [](Live d, Now) { return masked(d.cpu_secs, "####0"); }},
-    {"EFLGS", [](Live d, Now) { return masked(d.err_flgs, "##0"); }},
-    {"EGO_SP", [](Live d, Now) { return masked(d.ego_lambda_setpoint, "0.00"); }},
-    {"SPEED", [](Live d, Now) { return masked(d.speed_MPH, "##0.00"); }},
-    {"GEAR", [](Live d, Now) { return masked(d.gear_number, "0"); }},
-    {"MAP_C", [](Live d, Now) { return masked(d.map_cell, "#0"); }},
-    {"MAP_R", [](Live d, Now) { return remainder(d.map_rem); }},
-    {"RPM_C", [](Live d, Now) { return masked(d.rpm_cell, "#0"); }},
-    {"RPM_R", [](Live d, Now) { return remainder(d.rpm_rem); }},
-    {"TPS_C", [](Live d, Now) { return masked(d.tps_cell, "#0"); }},
-    {"TPS_R", [](Live d, Now) { return remainder(d.tps_rem); }},
-    {"TPS_PCNT", [](Live d, Now) { return masked(d.tps_pcnt, "0.00"); }},
-    {"O2_ERRS", [](Live d, Now) { return hexadecimal(d.status_flags); }},
-    {"WB_TEMP", [](Live d, Now) { return masked(d.wb_heater_temp, "0"); }},
-    {"EGT", [](Live d, Now) { return masked(d.egt, "###0.0"); }},
+    {"Time"},
+    {"CPU_T"},
+    {"RPM", &live_of::engine_rpm, "####0"},
+    {"A/F", &live_of::lambda, "0.00"},
+    {"CLT", &live_of::coolant_temp, "##0"},
+    {"TPS", &live_of::throttle_percent, "##0.0"},
+    {"MAP", &live_of::manifold_kpa, "##0.0"},
+    {"MAT", &live_of::air_temp, "##0"},
+    {"PW", &live_of::injector_pw, "#0.000"},
+    {"CORR", &live_of::ego_correction, "0.000"},
+    {"IGN\xB0", &live_of::ignition_timing, "#0.00"},
+    {"INJ%", &live_of::inj_duty, "##0.0"},
+    {"IGN%", &live_of::ign_duty, "##0.0"},
+    {"WDBG", &live_of::wheel_idx_num, "##0"},
+    {"GPO1%", &live_of::gpo_duty[0], "##0.0"},
+    {"GPO2%", &live_of::gpo_duty[1], "##0.0"},
+    {"GPO3%", &live_of::gpo_duty[2], "##0.0"},
+    {"GPO4%", &live_of::gpo_duty[3], "##0.0"},
+    {"MAP#", &live_of::map_num, "0"},
+    {"WTRG", &live_of::num_trigs, "####0"},
+    {"CTRG", &live_of::num_cams, "####0"},
+    {"CDBG", &live_of::cam_idx_num, "##0"},
+    {"SECS", &live_of::cpu_secs, "####0"},
+    {"EFLGS", &live_of::err_flgs, "##0"},
+    {"EGO_SP", &live_of::ego_lambda_setpoint, "0.00"},
+    {"SPEED", &live_of::speed_MPH, "##0.00"},
+    {"GEAR", &live_of::gear_number, "0"},
+    {"MAP_C", &live_of::map_cell, "#0"},
+    {"MAP_R", &live_of::map_rem, "0.00"},
+    {"RPM_C", &live_of::rpm_cell, "#0"},
+    {"RPM_R", &live_of::rpm_rem, "0.00"},
+    {"TPS_C", &live_of::tps_cell, "#0"},
+    {"TPS_R", &live_of::tps_rem, "0.00"},
+    {"TPS_PCNT", &live_of::tps_pcnt, "0.00"},
+    {"O2_ERRS"},
+    {"WB_TEMP", &live_of::wb_heater_temp, "0"},
+    {"EGT", &live_of::egt, "###0.0"},
 }};
+constexpr const Column& time_column = columns[0];
+constexpr const Column& seconds_column = columns[1];
 
 constexpr std::string_view line_end = "\r\n";
 
@@ -88,11 +84,19 @@ std::string log_header(std::string_view date, std::string_view time) {
 }
 
 std::string log_row(const EcuLiveData& live, std::string_view time, float seconds) {
-    const Moment now{time, seconds};
     std::string text;
     text.reserve(256);
     for (const Column& column : columns) {
-        text.append(&column == &columns.front() ? "" : ",").append(column.text(live, now));
+        text.append(&column == &columns.front() ? "" : ",");
+        if (column.field != nullptr) {
+            text.append(masked(column.field->value(live), column.mask));
+        } else if (&column == &time_column) {
+            text.append(time);
+        } else if (&column == &seconds_column) {
+            text.append(masked(seconds, "####0.00"));
+        } else {
+            text.append(hexadecimal(live.status_flags));
+        }
     }
     return text.append(line_end);
 }

@@ -2,6 +2,7 @@
 
 #include "calibration/encoding.h"
 #include "link/pause.h"
+#include "logging/log_name.h"
 #include "logging/log_row.h"
 #include "platform/display_mask.h"
 #include "platform/leading_number.h"
@@ -34,7 +35,7 @@ Plotter::Plotter(const platform::Ports& ports, link::SharedState& state, link::E
         const ChartChannel& channel = chart_channels[i];
         form_.Strip1.set_channel(i, {.colour = channel.colour,
                                      .caption = std::string(channel.caption),
-                                     .unit = std::string(channel.unit),
+                                     .unit = std::string(channel.field->unit),
                                      .offset = channel.offset,
                                      .span = channel.span,
                                      .decimals = channel.decimals});
@@ -53,21 +54,21 @@ void Plotter::wire() {
     form_.Command3d1.clicked = [this] { form_.form.unload(); };
     form_.menufileexit.clicked = [this] { form_.form.unload(); };
     form_.plot_file.double_clicked = [this] { choose_file(); };
+    form_.browse.clicked = [this] { choose_file(); };
+    form_.new_name.clicked = [this] { form_.plot_file.set_text(next_log_name(ports_.folder, form_.plot_file.text())); };
+    form_.plot_file.changed = [this] { show_file_note(); };
+    form_.save_picture.clicked = [this] { save_chart_picture(); };
     form_.Strip1.clicked = [this] { stamp(); };
     for (std::size_t i = 0; i < channel_count; ++i) {
-        form_.Check3d1[i].clicked = [this, i] { form_.Strip1.set_channel_enabled(i, form_.Check3d1[i].checked()); };
+        form_.Check3d1[i].clicked = [this, i] {
+            form_.Strip1.set_channel_enabled(i, form_.Check3d1[i].checked());
+            show_hint();
+        };
     }
+    show_hint();
     for (std::size_t i = 0; i < intervals_ms.size(); ++i) {
         form_.menu_log_int[i].clicked = [this, i] { set_interval(i); };
     }
-    using link::ViewRequest;
-    navigation_.wire_menu(form_.menu_mon, ViewRequest::monitor, form_.form);
-    navigation_.wire_menu(form_.menu_dash, ViewRequest::dashboard, form_.form);
-    navigation_.wire_menu(form_.menu_tools, ViewRequest::configuration, form_.form);
-    navigation_.wire_menu(form_.menu_3d, ViewRequest::basic_mapping, form_.form);
-    navigation_.wire_menu(form_.menu_2d, ViewRequest::additional_mapping, form_.form);
-    navigation_.wire_menu(form_.menu_sup, ViewRequest::gpo_mapping, form_.form);
-    navigation_.wire_menu(form_.menu_diag, ViewRequest::diagnostics, form_.form);
 }
 
 void Plotter::activate() {
@@ -83,6 +84,7 @@ void Plotter::take_over() {
     form_.Command3d3.set_enabled(logging_active_);
     form_.Command3d2.set_enabled(!logging_active_);
     show_interval();
+    show_file_note();
     ports_.wait_seconds(0.5F);
     comm_.poll(calibration::read_message(limits), limits.reply);
     for (std::size_t i = 0; i < channel_count; ++i) {
@@ -160,9 +162,38 @@ void Plotter::stop_logging() {
 
 void Plotter::set_logging(bool active) {
     logging_active_ = active;
-    form_.plot_file.set_enabled(!active);
+    for (platform::Control* control :
+         std::initializer_list<platform::Control*>{&form_.plot_file, &form_.browse, &form_.new_name}) {
+        control->set_enabled(!active);
+    }
     form_.Command3d2.set_enabled(!active);
     form_.Command3d3.set_enabled(active);
+    show_file_note();
+}
+
+void Plotter::show_file_note() {
+    form_.file_note.set_text(logging_active_ ? "is being written"
+                                             : log_name_note(ports_.folder, form_.plot_file.text()));
+}
+
+bool Plotter::chart_runs() const {
+    return std::ranges::any_of(std::span(form_.Check3d1.begin(), starting_channels), &platform::CheckBox::checked);
+}
+
+void Plotter::show_hint() {
+    form_.Strip1.set_hint(chart_runs() ? "" : "The chart runs while one of the first 16 channels is ticked.");
+}
+
+void Plotter::save_chart_picture() {
+    const std::string path = ports_.dialogs.save_file({.title = "Save the chart as a picture",
+                                                       .default_extension = "png",
+                                                       .filter = "Picture (*.png)|",
+                                                       .initial_name = "PLOTTER.PNG"});
+    if (!path.empty() && !(form_.Strip1.save_picture && form_.Strip1.save_picture(path))) {
+        ports_.dialogs.message_box(
+            {.text = "The picture " + path + " could not be written. Choose another name or folder.",
+             .icon = platform::Icon::warning});
+    }
 }
 
 void Plotter::log_failed(const std::string& reason) {
@@ -192,8 +223,7 @@ void Plotter::plot_and_log_sample() {
     if (channels[rpm_channel].span != scales_.full_scale_rpm || channels[manifold_channel].span != scales_.map_span) {
         note_scales(); // demo mode, chosen while the plotter was open, brings an engine of its own
     }
-    const auto starters = std::span(form_.Check3d1.begin(), starting_channels);
-    if (std::ranges::none_of(starters, &platform::CheckBox::checked) || form_.skip_graphics.checked()) {
+    if (!chart_runs() || form_.skip_graphics.checked()) {
         return;
     }
     const std::array<float, channel_count> sample = fractions();
@@ -204,29 +234,13 @@ std::array<float, channel_count> Plotter::fractions() const {
     const auto shown = [](const platform::Label& label) {
         return static_cast<float>(platform::leading_number(label.text()));
     };
-    std::array<float, channel_count> values{
-        static_cast<float>(live_.engine_rpm_raw),
-        live_.lambda,
-        live_.coolant_temp,
-        live_.throttle_percent,
-        live_.manifold_kpa,
-        live_.air_temp,
-        live_.injector_pw * 1000.0F,
-        live_.ego_correction,
-        live_.ignition_timing,
-        shown(monitor_.inj_duty),
-        shown(monitor_.ign_duty),
-        shown(monitor_.wheel_idx_num),
-        live_.gpo_duty[0],
-        live_.gpo_duty[1],
-        live_.gpo_duty[2],
-        live_.gpo_duty[3],
-        static_cast<float>(live_.wb_feedback),
-        static_cast<float>(live_.wb_pump_current),
-        static_cast<float>(live_.wb_pump_dac),
-        static_cast<float>(live_.wb_heater_temp),
-        static_cast<float>(live_.wb_heater_pw),
-    };
+    std::array<float, channel_count> values{};
+    std::ranges::transform(chart_channels, values.begin(),
+                           [this](const ChartChannel& channel) { return channel.field->value(live_); });
+    // These three stand still with their labels, which another view may have frozen.
+    values[injector_duty_channel] = shown(monitor_.inj_duty);
+    values[ignition_duty_channel] = shown(monitor_.ign_duty);
+    values[wheel_channel] = shown(monitor_.wheel_idx_num);
     for (std::size_t i = 0; i < channel_count; ++i) {
         const platform::StripChart::Channel& channel = form_.Strip1.channels()[i];
         values[i] = channel.span == 0 ? 0 : (values[i] - channel.offset) / channel.span;

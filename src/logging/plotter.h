@@ -41,6 +41,10 @@ private:
     void note_scales();
     void note_scale(std::size_t channel, float span, std::string_view caption);
     void choose_file();
+    void show_file_note();
+    bool chart_runs() const;
+    void show_hint();
+    void save_chart_picture();
     void stamp();
     void log_failed(const std::string& reason);
     void set_logging(bool active);

@@ -2,6 +2,7 @@
 
 #include "platform/display_mask.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -9,7 +10,6 @@ namespace ecu::maps {
 
 using calibration::parameter;
 using calibration::table;
-using link::ViewRequest;
 using platform::KeyPress;
 using platform::masked;
 using platform::round_to_even;
@@ -17,15 +17,14 @@ namespace key = platform::key;
 
 namespace {
 
-constexpr float short_wait = 0.1F; // seconds, around every sequence of messages
 constexpr int column_width = 38;
-constexpr int paint_interval = 60; // ms, of a map that is being read
 
 // What the four maps differ in, by map_view_index.
 struct MapRow {
     const calibration::Table* table;
     std::string_view name;
-    int id; // of its block table and of its surface
+    std::string_view group; // its pending cells are counted under
+    int id;                 // of its block table and of its surface
     KeyStep step;
     std::string_view default_text;
     std::string_view graph_low;
@@ -35,22 +34,22 @@ struct MapRow {
 constexpr KeyStep gain_step{.step = 0.0078125, .minimum = 0, .maximum = 1.9921875, .mask = "#.000"};
 // The mix map steps like a gain, not by its percent, and the ignition map stops at 0 though its scale goes to -16.
 constexpr std::array<MapRow, 4> map_rows{{
-    {&table("MAPM"), "fuel map", surface::fuel, gain_step, "1.000", "0.6", "1.6"},
+    {&table("MAPM"), "fuel map", "Fuel", surface::fuel, gain_step, "1.000", "0.6", "1.6"},
     {&table("IGN3"),
      "ignition map",
+     "Ignition",
      surface::ignition,
      {.step = 0.25, .minimum = 0, .maximum = 47.75, .mask = "#0.00"},
      "0.00",
      "0.0",
      "50.0"},
-    {&table("TPFM"), "TPS fuel map", surface::tps_fuel, gain_step, "0.00", "0.0", "2.0"},
-    {&table("TPFP"), "TPS mix map", surface::tps_mix, gain_step, "0.00", "0.0", "100.0"},
+    {&table("TPFM"), "TPS fuel map", "TPS fuel", surface::tps_fuel, gain_step, "0.00", "0.0", "2.0"},
+    {&table("TPFP"), "TPS mix map", "TPS mix", surface::tps_mix, gain_step, "0.00", "0.0", "100.0"},
 }};
 
 constexpr KeyStep box_step{.step = 0.1, .minimum = -16, .maximum = 65.535, .mask = "##.000"};
 
 constexpr std::array box_reads = calibration::read_requests('B', 'Z');
-constexpr int blocks_of_map = 256 / calibration::read_32.cells;
 
 } // namespace
 
@@ -58,15 +57,40 @@ BasicMapping::BasicMapping(const platform::Ports& ports, link::SharedState& stat
                            const calibration::Scales& scales, const messages::EcuLiveData& live, Frm3d& frm_3d,
                            const platform::CheckBox& TPS_mapped, shell::Navigation& navigation,
                            BlockSelection& selection, SurfaceWindow& surface_window, MapCellColours& map_cell_colours)
-    : ports_(ports), state_(state), scales_(scales), live_(live), form_(frm_3d), TPS_mapped_(TPS_mapped),
-      navigation_(navigation), selection_(selection), surface_window_(surface_window),
-      map_cell_colours_(map_cell_colours), link_(ports, state, comm),
-      paint_timer_(ports.timers.make_timer(paint_interval)) {
-    form_.form.on_activate = [this] { open(); };
-    form_.form.on_unload = [this] { unloading(); };
-    form_.Command3d1.clicked = [this] { close(); };
-    form_.menufileexit.clicked = [this] { close(); };
-    form_.Command3d2.clicked = [this] { update_changed_entries(); };
+    : ports_(ports), scales_(scales), live_(live), form_(frm_3d), TPS_mapped_(TPS_mapped), selection_(selection),
+      surface_window_(surface_window), map_cell_colours_(map_cell_colours),
+      editor_(ports, state, comm, scales, navigation,
+              {.form = frm_3d.form,
+               .title = "Basic Mapping",
+               .update_button = frm_3d.Command3d2,
+               .exit_button = frm_3d.Command3d1,
+               .status = frm_3d.map_status,
+               .prepare = [this] { prepare_window(); },
+               .read = [this] { return read_everything(); },
+               .opened =
+                   [this] {
+                       form_.show_map_type[0].set_checked(true);
+                       shade_all();
+                   },
+               .allow = [this](bool allowed) { allow_menus(allowed); },
+               .walked = [this] { shade_all(); },
+               .redraw =
+                   [this] {
+                       if (surface_window_.visible()) {
+                           show_graph(static_cast<std::size_t>(map_view_index_));
+                       }
+                   },
+               .ready = [this] { form_.inj_map.set_focus(); },
+               .leaving =
+                   [this] {
+                       surface_window_.hide();
+                       if (selection_.close_modifier) {
+                           selection_.close_modifier();
+                       }
+                   },
+               .read_again = &frm_3d.read_again,
+               .reveal = [this](const platform::Control& control) { reveal(control); }}) {
+    form_.menufileexit.clicked = [this] { editor_.close(); };
     form_.menuupdate.clicked = [this] { form_.Command3d2.press(); };
     form_.show_this_graph.clicked = [this] {
         show_graph(static_cast<std::size_t>(map_view_index_));
@@ -78,43 +102,21 @@ BasicMapping::BasicMapping(const platform::Ports& ports, link::SharedState& stat
     form_.menuresetmap_Ign.clicked = [this] {
         reset_map(1, "this function will overwrite the Ignition table, continue?");
     };
-    paint_timer_->on_tick = [this] {
-        if (filling_ != nullptr) {
-            filling_->end_batch();
-            filling_->begin_batch();
-            form_.map_status.set_text(progress_);
-        }
-    };
     wire_boxes();
-    for (std::size_t n = 0; n < map_rows.size(); ++n) {
-        form_.show_map_type[n].clicked = [this, n] { show_map(static_cast<int>(n)); };
-        wire_grid(*form_.grids[n], {.block_table_id = map_rows[n].id, .step = map_rows[n].step}, selection,
-                  [this] { form_.Command3d2.press(); });
-        form_.grids[n]->cell_changed = [this, n](int row, int column) { cell_changed(n, row, column); };
-    }
+    wire_grids();
 }
 
-void BasicMapping::wire_menus() {
-    navigation_.wire_menu(form_.menu_mon, ViewRequest::monitor, form_.form);
-    navigation_.wire_menu(form_.menu_dash, ViewRequest::dashboard, form_.form);
-    navigation_.wire_menu(form_.menu_tools, ViewRequest::configuration, form_.form);
-    navigation_.wire_menu(form_.menu_2d, ViewRequest::additional_mapping, form_.form);
-    navigation_.wire_menu(form_.menu_sup, ViewRequest::gpo_mapping, form_.form);
-    navigation_.wire_menu(form_.menu_plot, ViewRequest::plotter, form_.form);
-    navigation_.wire_menu(form_.menu_diag, ViewRequest::diagnostics, form_.form);
-}
-
+// In the order in which Update walks them: the boxes, then the maps.
 void BasicMapping::wire_boxes() {
-    const auto wire = [this](platform::TextBox& box) {
-        box.changed = [this, &box] {
-            box.set_back_colour(platform::pending);
-            note_pending();
-        };
-        colour_by_focus(box);
+    const auto texts = [](std::string_view demo, std::string_view name) {
+        return ItemTexts{.group = "Boxes", .demo = demo, .place = [name](int, int) { return std::string(name); }};
     };
-    wire(form_.tps_rpm); // has no keys
+    editor_.add(parameter("FUEL_MX"), 0, form_.ecu_pgm[0], texts("10.200", "Injector Main Adj."));
+    editor_.add(parameter("FUEL_B"), 0, form_.ecu_pgm[1], texts("-.525", "Injector Idle Adj."));
+    editor_.add(parameter("TPS_RPM"), 0, form_.tps_rpm, texts("300", "TPS Map cut-in RPM"));
+    colour_by_focus(form_.tps_rpm); // has no keys
     for (std::size_t i = 0; i < form_.ecu_pgm.size(); ++i) {
-        wire(form_.ecu_pgm[i]);
+        colour_by_focus(form_.ecu_pgm[i]);
         form_.ecu_pgm[i].key_down = [this, i](KeyPress& press) {
             const std::span boxes(form_.ecu_pgm.begin(), form_.ecu_pgm.end());
             if (press.code == key::enter) {
@@ -129,47 +131,22 @@ void BasicMapping::wire_boxes() {
     }
 }
 
-// -- Opening and leaving
-
-void BasicMapping::open() {
-    form_.form.set_caption("Basic Mapping" + state_.link_title_suffix);
-    if (window_activated_) {
-        return;
+void BasicMapping::wire_grids() {
+    for (std::size_t n = 0; n < map_rows.size(); ++n) {
+        const MapRow& map = map_rows[n];
+        editor_.add(*map.table, *form_.grids[n],
+                    {.group = map.group, .demo = map.default_text, .place = [this, n](int row, int column) {
+                         return place(n, row, column);
+                     }});
+        wire_grid(*form_.grids[n], {.block_table_id = map.id, .step = map.step}, selection_,
+                  [this] { form_.Command3d2.press(); });
+        form_.show_map_type[n].clicked = [this, n] { show_map(static_cast<int>(n)); };
     }
-    window_activated_ = true;
-    exit_requested_ = false;
-    update_again_ = false;
-    not_taken_ = 0;
-    const int opening = ++opening_;
-    loading_maps_ = true;
-    allow_editing(false);
-    link_.pause_polling(short_wait);
-    prepare_window();
-
-    for (const calibration::ReadRequest& request : box_reads) {
-        link_.send(calibration::read_message(request), request.reply);
-    }
-    const bool complete = read_maps(opening);
-    if (!complete) {
-        link_.resume_polling(short_wait);
-        if (!replaced(opening)) {
-            close();
-        }
-        return;
-    }
-    form_.show_map_type[0].set_checked(true);
-    shade_all();
-    form_.Command3d1.set_enabled(true);
-    form_.form.set_enabled(true);
-    allow_editing(true);
-    loading_maps_ = false;
-    form_.inj_map.set_focus();
-    show_pending_count();
-    link_.resume_polling(short_wait);
 }
 
+// -- Opening
+
 void BasicMapping::prepare_window() {
-    clear_all_entries();
     for (platform::Grid* grid : form_.grids) {
         grid->set_row_height(0, 0);
         grid->set_column_width(0, 0);
@@ -182,223 +159,27 @@ void BasicMapping::prepare_window() {
         const double rpm = i / 8.0 * static_cast<double>(scales_.full_scale_rpm);
         form_.Label6[static_cast<std::size_t>(i)].set_text(std::to_string(static_cast<long>(rpm)));
     }
-    if (state_.demo_mode) {
-        form_.ecu_pgm[0].confirm("10.200");
-        form_.ecu_pgm[1].confirm("-.525");
-        form_.tps_rpm.confirm("300");
-    } else {
-        form_.ecu_pgm[0].set_text("");
-        form_.ecu_pgm[1].set_text("");
-        form_.tps_rpm.set_text("");
-    }
     form_.show_map_type[0].set_checked(true);
     form_.inj_map.set_visible(true);
-    ports_.waiting.process_events();
 }
 
-bool BasicMapping::read_maps(int opening) {
+// Each map is shown while it is read.
+bool BasicMapping::read_everything() {
+    for (const calibration::ReadRequest& request : box_reads) {
+        editor_.ask(request);
+    }
     for (std::size_t n = 0; n < map_rows.size(); ++n) {
         form_.show_map_type[n].set_checked(true);
-        if (!read_map(n, opening)) {
+        if (!editor_.read_table(*map_rows[n].table, calibration::read_32, map_rows[n].name)) {
             return false;
         }
     }
     return true;
 }
 
-// The ticks come while a reply is awaited, so that painting the cells takes no time from the line.
-bool BasicMapping::read_map(std::size_t map, int opening) {
-    const Repaint repaint(*form_.grids[map]);
-    platform::Grid* const below = std::exchange(filling_, form_.grids[map]);
-    paint_timer_->set_running(true);
-    const std::string title = "Reading " + std::string(map_rows[map].name) + ", block ";
-    const bool complete = link_.read_blocks(
-        calibration::read_32, map_rows[map].table->base, blocks_of_map,
-        [&](int block) {
-            progress_ = title + std::to_string(block + 1) + " of " + std::to_string(blocks_of_map);
-            if (block == 0) {
-                form_.map_status.set_text(progress_);
-            }
-        },
-        [&] { return exit_requested_ || replaced(opening); });
-    filling_ = below;
-    paint_timer_->set_running(below != nullptr);
-    return complete;
-}
-
-// What is typed into a map that is being read would be overwritten, or lose its yellow to the shading behind the read.
-void BasicMapping::allow_editing(bool allowed) {
-    form_.Command3d2.set_enabled(allowed);
-    for (platform::Grid* grid : form_.grids) {
-        grid->set_locked(!allowed);
-    }
-    for (platform::TextBox* box : {&form_.ecu_pgm[0], &form_.ecu_pgm[1], &form_.tps_rpm}) {
-        box->set_enabled(allowed);
-    }
+void BasicMapping::allow_menus(bool allowed) {
     for (platform::MenuItem* item : {&form_.menuresetmap_fuel, &form_.menuresetmap_Ign, &form_.menu_autotune}) {
         item->set_enabled(allowed);
-    }
-}
-
-void BasicMapping::close() {
-    exit_requested_ = true;
-    form_.form.unload();
-}
-
-void BasicMapping::unloading() {
-    exit_requested_ = true; // also when another view's menu item or the window's own button closed it
-    if (state_.comm_aborted) {
-        clear_all_entries();
-        ++opening_; // an Update under way must not send what is no value
-    }
-    window_activated_ = false;
-    loading_maps_ = false;
-    surface_window_.hide();
-    if (selection_.close_modifier) {
-        selection_.close_modifier();
-    }
-    navigation_.view_closed(form_.form);
-}
-
-void BasicMapping::clear_all_entries() {
-    for (platform::TextBox* box : {&form_.ecu_pgm[0], &form_.ecu_pgm[1], &form_.tps_rpm}) {
-        box->set_back_colour(platform::pending);
-    }
-    for (std::size_t n = 0; n < map_rows.size(); ++n) {
-        if (state_.demo_mode) {
-            confirm_all(*form_.grids[n], map_rows[n].default_text);
-        } else {
-            blank(*form_.grids[n]);
-        }
-    }
-}
-
-// -- Update
-
-// The walk runs to its end though the window be closed under it, for the tuner asked for all of it; only a new opening,
-// which reads everything anew, or a lost link ends it. Asked for again meanwhile it walks once more before the maps are
-// shaded.
-void BasicMapping::update_changed_entries() {
-    if (updating_) {
-        update_again_ = true;
-        return;
-    }
-    updating_ = true;
-    int opening = opening_;
-    link_.pause_polling(short_wait);
-    do {
-        update_again_ = false;
-        opening = opening_;
-        write_pending(opening);
-    } while (update_again_);
-    updating_ = false;
-    if (!replaced(opening)) {
-        shade_behind_update();
-        show_pending_count();
-        redraw_graph();
-    }
-    link_.resume_polling(short_wait);
-}
-
-void BasicMapping::write_pending(int opening) {
-    not_taken_ = 0;
-    write_box(parameter("FUEL_MX"), form_.ecu_pgm[0], opening);
-    write_box(parameter("FUEL_B"), form_.ecu_pgm[1], opening);
-    write_box(parameter("TPS_RPM"), form_.tps_rpm, opening);
-    for (std::size_t n = 0; n < map_rows.size(); ++n) {
-        write_map(n, opening);
-    }
-}
-
-void BasicMapping::write_box(const calibration::Parameter& row, platform::TextBox& box, int opening) {
-    if (replaced(opening) || !box.is_pending()) {
-        return;
-    }
-    const auto entry = calibration::raw_from_entry(row, box.text(), scales_);
-    if (entry.refusal.empty()) {
-        link_.send(calibration::write_message(row, 0, entry.raw), row.write.reply);
-        note_not_taken();
-        note_pending();
-    } else {
-        ++not_taken_;
-        ports_.dialogs.say(entry.refusal);
-    }
-}
-
-void BasicMapping::write_map(std::size_t map, int opening) {
-    const calibration::Table& row = *map_rows[map].table;
-    for_each_pending(
-        *form_.grids[map],
-        [&](int i, std::string_view text) {
-            behind_update_[map][static_cast<std::size_t>(i)] = false;
-            const auto entry = calibration::raw_from_entry(row, text, scales_);
-            if (entry.refusal.empty()) {
-                link_.write_cell(row.base + i, entry.raw);
-                note_not_taken();
-                note_pending();
-            } else {
-                ++not_taken_;
-                ports_.dialogs.say(entry.refusal);
-            }
-        },
-        [&] { return !replaced(opening); });
-}
-
-// Shading takes the yellow of a cell that was refused or had no reply, but not of one that the walk did not see.
-void BasicMapping::shade_behind_update() {
-    std::vector<std::pair<std::size_t, int>> still_pending;
-    for (std::size_t n = 0; n < map_rows.size(); ++n) {
-        for_each_pending(*form_.grids[n], [&](int i, std::string_view) {
-            if (behind_update_[n][static_cast<std::size_t>(i)]) {
-                still_pending.emplace_back(n, i);
-            }
-        });
-        behind_update_[n].fill(false);
-    }
-    shade_all();
-    for (const auto& [n, i] : still_pending) {
-        platform::Grid& grid = *form_.grids[n];
-        grid.set_cell_back(row_of(grid, i), column_of(grid, i), platform::pending);
-    }
-}
-
-void BasicMapping::note_not_taken() {
-    if (!state_.demo_mode && (state_.comm_aborted || !state_.comm_ready || !state_.reply_accepted)) {
-        ++not_taken_;
-    }
-}
-
-void BasicMapping::note_pending() {
-    if (!count_posted_) {
-        count_posted_ = true;
-        ports_.timers.post([this] {
-            count_posted_ = false;
-            show_pending_count();
-        });
-    }
-}
-
-void BasicMapping::show_pending_count() {
-    if (loading_maps_) {
-        return; // the label tells how far the read is
-    }
-    int count = 0;
-    for (const platform::TextBox* box : {&form_.ecu_pgm[0], &form_.ecu_pgm[1], &form_.tps_rpm}) {
-        count += box->is_pending() ? 1 : 0;
-    }
-    for (const platform::Grid* grid : form_.grids) {
-        count += pending_cells(*grid);
-    }
-    const auto values = [](int n) { return n == 1 ? "1 value" : std::to_string(n) + " values"; };
-    if (state_.comm_aborted) {
-        form_.map_status.set_text("Aborted: nothing is sent until a view is opened");
-    } else if (not_taken_ == 0) {
-        form_.map_status.set_text((count == 0 ? "No values" : values(count)) + " pending");
-    } else if (count == 0) { // the shading took their yellow
-        form_.map_status.set_text(values(not_taken_) + (not_taken_ == 1 ? " was" : " were") +
-                                  " not taken by the controller");
-    } else {
-        form_.map_status.set_text(values(count) + " pending, " + std::to_string(not_taken_) + " not taken");
     }
 }
 
@@ -410,27 +191,6 @@ void BasicMapping::shade(std::size_t map, float low, float high) {
 void BasicMapping::shade_all() {
     for (std::size_t n = 0; n < map_rows.size(); ++n) {
         shade(n, 0, 0);
-    }
-}
-
-void BasicMapping::cell_changed(std::size_t map, int row, int column) {
-    form_.grids[map]->set_cell_back(row, column, platform::pending);
-    if (updating_) {
-        behind_update_[map][static_cast<std::size_t>(index_of(*form_.grids[map], row, column))] = true;
-    }
-    note_pending();
-    redraw_graph();
-}
-
-void BasicMapping::redraw_graph() {
-    if (surface_window_.visible() && !loading_maps_ && !redraw_posted_) {
-        redraw_posted_ = true;
-        ports_.timers.post([this] {
-            redraw_posted_ = false;
-            if (surface_window_.visible() && !loading_maps_) {
-                show_graph(static_cast<std::size_t>(map_view_index_));
-            }
-        });
     }
 }
 
@@ -465,6 +225,23 @@ void BasicMapping::label_map_axis(int index) {
         form_.Label5[static_cast<std::size_t>(i)].set_text(std::to_string(load));
     }
     form_.Map_dims[0].set_text(pressure ? "kPa" : "% TPS");
+}
+
+// By the captions of the axes: a cell stands at the mark before it.
+std::string BasicMapping::place(std::size_t map, int row, int column) const {
+    const bool pressure = map < 2;
+    const double load = (16 - row) / 16.0;
+    const auto rpm = static_cast<long>((column - 1) / 16.0 * static_cast<double>(scales_.full_scale_rpm));
+    return std::to_string(pressure ? static_cast<long>(load * double{scales_.map_span} + double{scales_.map_base})
+                                   : static_cast<long>(load * 100)) +
+           (pressure ? " kPa, " : " % TPS, ") + std::to_string(rpm) + " rpm";
+}
+
+void BasicMapping::reveal(const platform::Control& control) {
+    const auto* const grid = std::ranges::find(form_.grids, &control);
+    if (grid != form_.grids.end() && !(*grid)->visible()) {
+        form_.show_map_type[static_cast<std::size_t>(grid - form_.grids.begin())].set_checked(true);
+    }
 }
 
 void BasicMapping::show_graph(std::size_t map) {

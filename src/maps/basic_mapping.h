@@ -5,13 +5,12 @@
 #include "calibration/parameters.h"
 #include "calibration/scales.h"
 #include "editing/editing_rules.h"
+#include "editing/editor.h"
 #include "maps/frm_3d.h"
 #include "maps/shading.h"
 #include "maps/surface_window.h"
 #include "messages/live_data.h"
 #include "shell/navigation.h"
-
-#include <memory>
 
 namespace ecu::maps {
 
@@ -25,16 +24,14 @@ public:
                  const platform::CheckBox& TPS_mapped, shell::Navigation& navigation, BlockSelection& selection,
                  SurfaceWindow& surface_window, MapCellColours& map_cell_colours);
 
-    // Makes the menu lead to the other views; to be called when all views are known to the navigation.
-    void wire_menus();
-
-    void clear_all_entries();
+    void clear_all_entries() { editor_.blank_all(); }
     void label_map_axis(int index);
     void shade_fuel_map(float low, float high) { shade(0, low, high); }
     void shade_ign_map(float low, float high) { shade(1, low, high); }
     void shade_tps_map(float low, float high) { shade(2, low, high); }
     void shade_tps_mix(float low, float high) { shade(3, low, high); }
-    void update_changed_entries();
+    void update_changed_entries() { editor_.update(); }
+    Editor& editor() { return editor_; }
     void show_selected_map_graph();
     // The read-out and the markers, on each pass of the scheduler with this view in front.
     void refresh_live();
@@ -42,58 +39,29 @@ public:
 private:
     void wire_boxes();
     void wire_grids();
-    void open();
     void prepare_window();
-    bool read_maps(int opening);
-    bool read_map(std::size_t map, int opening);
-    void allow_editing(bool allowed);
-    void close();
-    void unloading();
+    bool read_everything();
+    void allow_menus(bool allowed);
     void shade(std::size_t map, float low, float high);
     void shade_all();
-    void shade_behind_update();
-    bool replaced(int opening) const { return opening != opening_; }
-    void write_pending(int opening);
-    void write_box(const calibration::Parameter& row, platform::TextBox& box, int opening);
-    void write_map(std::size_t map, int opening);
     void show_map(int index);
     void show_graph(std::size_t map);
-    void redraw_graph();
-    void cell_changed(std::size_t map, int row, int column);
     void reset_map(std::size_t map, std::string_view question);
+    std::string place(std::size_t map, int row, int column) const;
+    void reveal(const platform::Control& control);
     void move_markers();
-    void note_not_taken(); // after a value was sent
-    void note_pending();
-    void show_pending_count();
 
     const platform::Ports& ports_;
-    link::SharedState& state_;
     const calibration::Scales& scales_;
     const messages::EcuLiveData& live_;
     Frm3d& form_;
     const platform::CheckBox& TPS_mapped_;
-    shell::Navigation& navigation_;
     BlockSelection& selection_;
     SurfaceWindow& surface_window_;
     MapCellColours& map_cell_colours_;
-    EditorLink link_;
+    Editor editor_;
 
     std::int16_t map_view_index_ = 0;
-    bool loading_maps_ = false;   // no graph is drawn while the opening read runs
-    bool exit_requested_ = false; // stops a running read; an Update runs to its end behind the closed window
-    bool window_activated_ = false;
-    bool updating_ = false;
-    bool update_again_ = false; // asked for during an Update
-    // Cells written during an Update since it passed them, by map and table index: still pending when it ends.
-    std::array<std::array<bool, 256>, 4> behind_update_{};
-    int not_taken_ = 0; // values of the last Update that were refused or had no accepted reply
-    // Any number of cell changes costs one drawing and one count, with the next events.
-    bool redraw_posted_ = false;
-    bool count_posted_ = false;
-    platform::Grid* filling_ = nullptr; // the grid that a read fills; it and the progress are shown at each tick
-    std::string progress_;
-    std::unique_ptr<platform::Timer> paint_timer_;
-    int opening_ = 0; // tells a read or an Update that its values are gone: opened again, or closed with the link lost
 };
 
 } // namespace ecu::maps

@@ -32,6 +32,23 @@ std::optional<float> result_of(CellOperation operation, float x, const FrmCellbl
     return std::nullopt;
 }
 
+// Where the block lies on the axes, from its lowest corner to its highest, and what of it has no value.
+std::string in_units(const platform::Grid& grid, const platform::Grid::Area& block) {
+    std::string text;
+    if (grid.place) {
+        const std::string low = grid.place(block.last_row, block.first_column);
+        const std::string high = grid.place(block.first_row, block.last_column);
+        text = "\n" + (low == high ? low : low + " to " + high);
+    }
+    int unread = 0;
+    for (int row = block.first_row; row <= block.last_row; ++row) {
+        for (int column = block.first_column; column <= block.last_column; ++column) {
+            unread += grid.cell_unread(row, column) ? 1 : 0;
+        }
+    }
+    return text + (unread == 0 ? "" : "\n" + std::to_string(unread) + " not read: only Set All changes them");
+}
+
 } // namespace
 
 BlockModifier::BlockModifier(const platform::Ports& ports, link::SharedState& state,
@@ -43,6 +60,16 @@ BlockModifier::BlockModifier(const platform::Ports& ports, link::SharedState& st
     });
     for (std::size_t k = 0; k < form_.cell_operation.size(); ++k) {
         form_.cell_operation[k].clicked = [this, k] { run(static_cast<CellOperation>(k)); };
+    }
+    for (const auto& [box, operation] : {std::pair{&form_.multiply, CellOperation::multiply},
+                                         {&form_.Add, CellOperation::add},
+                                         {&form_.set_value, CellOperation::set_all}}) {
+        box->key_down = [this, operation](platform::KeyPress& press) { // the first button beside the box
+            if (press.code == platform::key::enter) {
+                press.code = 0;
+                form_.cell_operation[static_cast<std::size_t>(operation)].press();
+            }
+        };
     }
     form_.form.on_close = [this] { form_.form.hide(); };
     selection.open_modifier = [this] { open(); };
@@ -56,13 +83,15 @@ void BlockModifier::open() {
             return name + std::string(first < last ? "s " + std::to_string(first) + " to " : " ") +
                    std::to_string(last);
         };
-        const auto block = selection_.within(*grids_[static_cast<std::size_t>(table - block_tables.begin())]);
+        const platform::Grid& grid = *grids_[static_cast<std::size_t>(table - block_tables.begin())];
+        const auto block = selection_.within(grid);
         const int cells = block.rows() * block.columns();
         form_.block_extent.set_text(std::string(table->title) + ", " +
                                     (cells == 0 ? "no cells"
                                                 : range("row", block.first_row, block.last_row) + ", " +
                                                       range("column", block.first_column, block.last_column) + ": " +
-                                                      std::to_string(cells) + (cells == 1 ? " cell" : " cells")));
+                                                      std::to_string(cells) + (cells == 1 ? " cell" : " cells") +
+                                                      in_units(grid, block)));
     }
     form_.form.show();
     form_.form.raise();
@@ -85,8 +114,9 @@ void BlockModifier::apply(CellOperation operation) {
     platform::Grid& grid = *grids_[static_cast<std::size_t>(table - block_tables.begin())];
     const Repaint repaint(grid);
     for (int i = 0; i < cells_of(grid); ++i) {
-        if (!selection_.contains(row_of(grid, i), column_of(grid, i))) {
-            continue;
+        if (!selection_.contains(row_of(grid, i), column_of(grid, i)) ||
+            (operation != CellOperation::set_all && grid.cell_unread(row_of(grid, i), column_of(grid, i)))) {
+            continue; // what was never read is no operand
         }
         if (const auto result = result_of(operation, number_of(text_at(grid, i)), form_)) {
             write_at(grid, i, platform::masked(*result, table->mask));

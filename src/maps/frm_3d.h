@@ -76,6 +76,7 @@ struct Frm3d {
     platform::Picture Picture1{form, "Picture1"};
 
     platform::Button show_this_graph{form, "show_this_graph", "Show Graph"};
+    platform::Button read_again{form, "read_again", "Read again"};
     platform::Button Command3d2{form, "Command3d2", "Update"};
     platform::Button Command3d1{form, "Command3d1", "Exit"};
     platform::Label show_demo_mode{form, "show_demo_mode", "DEMO MODE!"};
@@ -111,6 +112,7 @@ struct Frm3d {
         map_p_ptr.place(0, axis_length, 0, 0);
         rpm_end.place(axis_length, 0, 0, 0);
         show_this_graph.set_tool_tip("Click here to show the current map as a surface map.");
+        read_again.set_tool_tip("Click to read the values that the controller has not given yet");
         Command3d2.set_tool_tip("Click to update modified entries");
         Command3d1.set_tool_tip("Click to exit back to the console");
         show_demo_mode.set_visible(false);

@@ -10,6 +10,7 @@ namespace ecu::maps {
 struct Frm3dGraph {
     platform::Form form{"frm_3d_graph", "Surface Graph"};
 
+    platform::Label shown_map{form, "shown_map"}; // which map, and what its axes are
     platform::Picture Picture1{form, "Picture1"};
     platform::ScrollBar HScroll1{form, "HScroll1", 0, 100, 0};
     platform::ScrollBar VScroll1{form, "VScroll1", 0, 100, 0};

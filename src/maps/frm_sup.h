@@ -3,9 +3,9 @@
 // foreground of its option 0, the boost flags by that of boost_ctrl_invert.
 #pragma once
 
-#include "platform/numbered_arrays.h"
 #include "platform/form.h"
 #include "platform/grid.h"
+#include "platform/numbered_arrays.h"
 
 namespace ecu::maps {
 
@@ -36,9 +36,17 @@ struct FrmSup {
     platform::MenuItem menu_diag{form, "menu_diag", "D&iagnostics"};
 
     platform::Tabs GPO_tab{form, "GPO_tab"};
+    platform::Button read_again{form, "read_again", "Read again"};
     platform::Button Command3d2{form, "Command3d2", "Update"};
     platform::Button Command3d1{form, "Command3d1", "Exit"};
     platform::Label show_demo_mode{form, "show_demo_mode", "DEMO MODE!"};
+    platform::Label map_status{form, "map_status", "No values pending"}; // pending values, progress of a read
+
+    // What stands in words on a page: what the output and the boost control do, and how many values are pending.
+    Titles gpo_words{form, "gpo_words"};
+    Titles gpo_now{form, "gpo_now"};
+    Titles boost_words{form, "boost_words"};
+    Titles pending_on_page{form, "pending_on_page"};
 
     // A page's frames; gpo_map_holder encloses the duty map, GPO_params everything of the channel.
     Frames GPO_params{form, "GPO_params"};
@@ -75,26 +83,36 @@ struct FrmSup {
     Titles boost_x_text{form, "boost_x_text", "RPM"};
     Titles boost_y_text{form, "boost_y_text"};
 
-    // Markers of the operating point along the axis lines of the shown page
+    // Markers of the operating point along the axis lines of the shown page, of its duty map and of its boost map
     platform::Shape supp_x_beg{form, "supp_x_beg"};
     platform::Shape supp_x_end{form, "supp_x_end"};
     platform::Shape supp_y_beg{form, "supp_y_beg"};
     platform::Shape supp_y_end{form, "supp_y_end"};
     platform::Shape supp_x_ptr{form, "supp_x_ptr"};
     platform::Shape supp_y_ptr{form, "supp_y_ptr"};
+    platform::Shape boost_x_ptr{form, "boost_x_ptr"};
+    platform::Shape boost_y_ptr{form, "boost_y_ptr"};
 
     FrmSup() {
+        // Both axes are this long; the load axis counts downward, as a screen does.
+        constexpr float axis_length = 3600;
+        supp_y_beg.place(0, axis_length, 0, 0);
+        supp_y_ptr.place(0, axis_length, 0, 0);
+        boost_y_ptr.place(0, axis_length, 0, 0);
+        supp_x_end.place(axis_length, 0, 0, 0);
         show_demo_mode.set_visible(false);
+        read_again.set_tool_tip("Click to read the values that the controller has not given yet");
         Command3d2.set_tool_tip("Click to update modified entries");
         Command3d1.set_tool_tip("Click to exit back to the console");
-        const auto tip = [](auto &controls, std::string_view text) {
-            for (auto &control : controls) {
+        const auto tip = [](auto& controls, std::string_view text) {
+            for (auto& control : controls) {
                 control.set_tool_tip(text);
             }
         };
-        for (auto &modes : gpo_mode) {
+        for (auto& modes : gpo_mode) {
             tip(modes, "Mapping Input Source");
         }
+        tip(cool_rly_temp, "The coolant temperature at which the relay switches");
         tip(rpm_switch, "GPO will turn full on at or above this RPM");
         tip(boost_p, "Servo proportional term.");
         tip(boost_i, "Servo integral term.");

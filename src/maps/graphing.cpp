@@ -4,6 +4,7 @@
 #include "platform/display_mask.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace ecu::maps {
 
@@ -59,6 +60,11 @@ void draw_frame(const SurfaceFrame& f, Picture& picture, float low, float high) 
 }
 
 void find_range(std::span<const float> values, float& low, float& high) {
+    if (values.empty()) {
+        low = -1;
+        high = 1;
+        return;
+    }
     const auto [least, greatest] = std::ranges::minmax(values);
     low = least;
     high = greatest;
@@ -83,11 +89,18 @@ void project_surface(int rows, int cols, const platform::Grid& grid, Picture& pi
                      SurfacePoints& points) {
     std::array<float, 256> texts{};
     const auto values = std::span(texts).first(static_cast<std::size_t>(rows * cols));
+    std::array<bool, 256> unread{}; // nothing is known there, and nothing drawn
+    std::vector<float> known;
     for (std::size_t i = 0; i < values.size(); ++i) {
-        values[i] = number_of(text_at(grid, static_cast<int>(i)));
+        const int cell = static_cast<int>(i);
+        values[i] = number_of(text_at(grid, cell));
+        unread[i] = grid.cell_unread(row_of(grid, cell), column_of(grid, cell));
+        if (!unread[i]) {
+            known.push_back(values[i]);
+        }
     }
     if (low == 0 && high == 0) {
-        find_range(values, low, high);
+        find_range(known, low, high);
     }
     const SurfaceFrame f(picture, horizontal_view, vertical_view);
     picture.clear();
@@ -110,10 +123,13 @@ void project_surface(int rows, int cols, const platform::Grid& grid, Picture& pi
     for (std::size_t c = 0; c < columns; ++c) {
         for (std::size_t r = 0; r < depth; ++r) {
             const Colour colour = colours[depth * c + r];
-            if (c + 1 < columns) {
+            if (unread[depth * c + r]) {
+                continue;
+            }
+            if (c + 1 < columns && !unread[depth * (c + 1) + r]) {
                 picture.line(x[c][r], y[c][r], x[c + 1][r], y[c + 1][r], colour);
             }
-            if (r + 1 < depth) {
+            if (r + 1 < depth && !unread[depth * c + r + 1]) {
                 picture.line(x[c][r], y[c][r], x[c][r + 1], y[c][r + 1], colour);
             }
         }
@@ -137,26 +153,33 @@ void draw_table_bars(std::span<const platform::TextBox> boxes, Picture& picture,
     for (std::size_t i = 0; i < boxes.size(); ++i) {
         picture.line(x_of(i), 0, x_of(i), height, platform::palette[7]);
     }
+    const auto first_known = std::ranges::find_if_not(boxes, &platform::TextBox::unread);
+    const float first = first_known == boxes.end() ? 0 : number_of(first_known->text());
     if (low == high) {
-        low = high = number_of(boxes[0].text());
+        low = high = first;
         for (const platform::TextBox& box : boxes) {
-            const float value = number_of(box.text());
+            const float value = box.unread() ? first : number_of(box.text());
             high = value > high ? value : high;
             low = value < low ? value : low;
         }
     }
     float span = high - low;
     if (span == 0) {
-        high = number_of(boxes[0].text()) + 1;
-        low = number_of(boxes[0].text()) - 1;
+        high = first + 1;
+        low = first - 1;
         span = high - low;
     }
     const auto y_of = [&](std::size_t i) {
         const double share = static_cast<double>(number_of(boxes[i].text()) - low) / span;
         return round_to_even(height - (share * plot_height + bottom_margin));
     };
-    picture.point(x_of(0), y_of(0), platform::yellow);
+    if (!boxes[0].unread()) {
+        picture.point(x_of(0), y_of(0), platform::yellow);
+    }
     for (std::size_t i = 1; i < boxes.size(); ++i) {
+        if (boxes[i - 1].unread() || boxes[i].unread()) {
+            continue; // nothing is known there
+        }
         picture.line(x_of(i - 1), y_of(i - 1), x_of(i), y_of(i), platform::yellow);
     }
     picture.refresh();

@@ -26,19 +26,27 @@ void shade_map(platform::Grid& grid, Legend legend, std::span<platform::Colour> 
     const Repaint repaint(grid);
     std::array<float, 256> texts{};
     const auto values = std::span(texts).first(map_cell_colours.size());
+    const auto unread = [&grid](std::size_t i) {
+        return grid.cell_unread(row_of(grid, static_cast<int>(i)), column_of(grid, static_cast<int>(i)));
+    };
     for (std::size_t i = 0; i < values.size(); ++i) {
         values[i] = static_cast<float>(platform::leading_number(text_at(grid, static_cast<int>(i))));
     }
     if (low == 0 && high == 0) {
         high = -1000;
         low = 1000;
-        for (const float value : values) {
-            high = value > high ? value : high;
-            low = value < low ? value : low;
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            if (!unread(i)) {
+                high = values[i] > high ? values[i] : high;
+                low = values[i] < low ? values[i] : low;
+            }
         }
     }
     const std::array<float, 7> limits = thresholds(low, high);
     for (std::size_t i = 0; i < values.size(); ++i) {
+        if (unread(i)) {
+            continue;
+        }
         std::size_t exceeded = 0;
         while (exceeded < limits.size() && values[i] > limits[exceeded]) {
             ++exceeded;

@@ -1,5 +1,6 @@
 // The shading of a map: every cell's background is one of the legend's eight colours by the eighth of the range that
-// its value lies in, lowest index 7, highest index 0. It replaces every background, yellow ones included.
+// its value lies in, lowest index 7, highest index 0. It replaces every background, yellow ones included, but a cell
+// that was never read has no value to be shaded by.
 #pragma once
 
 #include "platform/grid.h"

@@ -1,6 +1,24 @@
 #include "maps/surface_window.h"
 
+#include <algorithm>
+#include <array>
+
 namespace ecu::maps {
+
+namespace {
+
+struct Shown {
+    int kind;
+    std::string_view text;
+};
+constexpr std::array<Shown, 5> shown_maps{
+    {{surface::fuel, "Fuel map: engine speed from left to right, manifold pressure from front to back"},
+     {surface::ignition, "Ignition map: engine speed from left to right, manifold pressure from front to back"},
+     {surface::tps_fuel, "TPS fuel map: engine speed from left to right, throttle from front to back"},
+     {surface::tps_mix, "TPS mix map: engine speed from left to right, throttle from front to back"},
+     {surface::lambda, "Lambda set points: engine speed from left to right, manifold pressure from front to back"}}};
+
+} // namespace
 
 SurfaceWindow::SurfaceWindow(Frm3dGraph& frm_3d_graph, Graphing& graphing) : form_(frm_3d_graph), graphing_(graphing) {
     form_.form.on_load = [this] {
@@ -32,6 +50,8 @@ void SurfaceWindow::draw(int kind, std::string_view low, std::string_view high) 
     form_.high_scale.set_text(high);
     filling_ = false;
     kind_ = kind;
+    const auto shown = std::ranges::find(shown_maps, kind, &Shown::kind);
+    form_.shown_map.set_text(shown == shown_maps.end() ? "" : shown->text);
     graphing_.draw_surface(kind);
 }
 

@@ -182,6 +182,9 @@ void ReplyDecoders::decode_read(const Entry& entry, const link::Reply& reply) {
     for (const Parameter* row : entry.rows) {
         for (int i = 0; i < row->count; ++i) {
             controls_.show(*row, i, image_.raw(*row, i));
+            if (parameter_shown) {
+                parameter_shown(*row, i);
+            }
         }
     }
 }
@@ -196,6 +199,9 @@ void ReplyDecoders::decode_echo(const Parameter& row, const link::Reply& reply) 
     const std::int32_t raw = value_at(reply, data_at + (element ? 1 : 0), row.read.width);
     image_.store(row, i, raw);
     controls_.show_echo(row, i, raw);
+    if (parameter_shown) {
+        parameter_shown(row, i);
+    }
 }
 
 void ReplyDecoders::decode_special(const link::Reply& reply) {

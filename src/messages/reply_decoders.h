@@ -34,6 +34,9 @@ public:
     // The three in order, for EcuComm::set_decoders.
     std::array<link::Decoder, 3> in_order();
 
+    // A reply has stored and shown element `i` of the row: for what hangs on more than the row's own control.
+    std::function<void(const calibration::Parameter&, int i)> parameter_shown;
+
     ParameterControls& controls() { return controls_; }
     const WheelSamples& wheel_samples() const { return wheel_; }
 

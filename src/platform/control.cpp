@@ -61,8 +61,16 @@ void Control::set_tool_tip(std::string_view tip) {
     }
 }
 
+void TextBox::set_origin(Origin origin) {
+    if (origin_ != origin) {
+        origin_ = origin;
+        announce(Property::origin);
+    }
+}
+
 void TextBox::set_text(std::string_view text) {
     Control::set_text(text);
+    set_origin(after_entry(origin_, text.empty()));
     if (changed) {
         changed();
     }
@@ -70,7 +78,20 @@ void TextBox::set_text(std::string_view text) {
 
 void TextBox::confirm(std::string_view text) {
     set_text(text);
+    set_origin(Origin::reply);
     set_back_colour(confirmed);
+}
+
+void TextBox::forget() { set_origin(Origin::unread); }
+
+void TextBox::mark_unread() {
+    set_back_colour(pending);
+    forget();
+}
+
+void TextBox::blank() {
+    set_text("");
+    mark_unread();
 }
 
 void CheckBox::set_checked(bool checked) {

@@ -47,7 +47,22 @@ enum class Property : std::uint8_t {
     value,   // position of a scroll bar, bar width, current tab, needle of a gauge
     content, // cells of a grid, drawing of a picture, samples of a chart
     scale,   // limits and zones of a gauge, column widths of a grid
+    origin,  // where a box's value came from
 };
+
+// Where the text of a box or cell came from. What is unread shows no value: a reply or an entry has yet to fill it, and
+// until then nothing is sent, drawn or calculated from it. An entry differs from what the controller last
+// confirmed, whatever its background says.
+enum class Origin : std::uint8_t {
+    none, // no value of the controller: never blanked, never confirmed
+    unread,
+    reply,
+    entry,
+};
+// After a text was written that no reply brought; an empty one fills nothing.
+constexpr Origin after_entry(Origin before, bool empty) {
+    return before == Origin::none || (before == Origin::unread && empty) ? before : Origin::entry;
+}
 
 // A key as the controls report it. A handler that consumes the key sets code to 0.
 struct KeyPress {
@@ -137,8 +152,20 @@ public:
     // Writes the controller's value: the text first, then the white that the text's own event took away.
     void confirm(std::string_view text);
     bool is_pending() const { return back_colour() == pending; }
+    Origin origin() const { return origin_; }
+    bool unread() const { return origin_ == Origin::unread; }
+    bool unconfirmed() const { return origin_ == Origin::entry; }
+    // What Update sends.
+    bool to_be_sent() const { return is_pending() && !unread(); }
+    void forget();           // unread; text and colour stay
+    void mark_unread();      // the same, and yellow
+    void blank();            // the same, and empty
     bool multi_line = false; // shown as a text area, read-only for the user
     std::function<void()> changed;
+
+private:
+    void set_origin(Origin origin);
+    Origin origin_ = Origin::none;
 };
 
 // A button with two states. Setting a different state from the program fires `clicked`, as a click does.

@@ -19,6 +19,8 @@ public:
     };
     Gauge(Form& form, std::string_view name, std::string_view caption = "", int index = -1)
         : Control(form, name, index, Kind::gauge, caption) {}
+    std::string unit = {};        // below the caption; empty where that says it
+    std::string spoken_unit = {}; // behind the value where that is another, as of a scale in thousands
     float value() const { return value_; }
     void set_value(float value) {
         if (value_ != value) {

@@ -34,6 +34,40 @@ public:
     // Writes the controller's value: text, then the white that the text's own event took away.
     void confirm_cell(int row, int column, std::string_view text);
     bool cell_pending(int row, int column) const { return cell_back(row, column) == pending; }
+    bool cell_unread(int row, int column) const { return cell(row, column).origin == Origin::unread; }
+    bool cell_unconfirmed(int row, int column) const { return cell(row, column).origin == Origin::entry; }
+    // What Update sends.
+    bool cell_to_be_sent(int row, int column) const { return cell_pending(row, column) && !cell_unread(row, column); }
+    void blank_cell(int row, int column); // empty, yellow and unread
+
+    // One cell's text and state, to be put back as they were. Putting back fires cell_changed.
+    struct Cell {
+        std::string text;
+        std::optional<Colour> back;
+        Origin origin = Origin::none;
+    };
+    const Cell& cell_state(int row, int column) const { return cell(row, column); }
+    void restore_cell(int row, int column, const Cell& state);
+
+    // Where a cell stands in the map, for the user: "265 kPa, 312 rpm". Empty: nobody told.
+    std::function<std::string(int row, int column)> place;
+
+    // What the user puts in from elsewhere, one line a row, tabs between cells; a single value fills the block. A blank
+    // leaves its cell alone, as does a hidden column; a decimal comma is a point, and what is no number is refused and
+    // left out.
+    struct Paste {
+        std::vector<std::pair<int, int>> written; // row, column
+        int refused = 0;
+        int first_row = 0, first_column = 0; // refused
+        std::string first_text;
+    };
+    void paste(const Area& block, std::string_view text); // ends with `pasted`
+    std::function<void(const Paste&)> pasted;
+
+    // The corner from which a block will be taken; row 0 shows none.
+    int anchor_row() const { return anchor_row_; }
+    int anchor_column() const { return anchor_column_; }
+    void show_anchor(int row, int column);
 
     int column_width(int column) const { return widths_.at(static_cast<std::size_t>(column)); }
     void set_column_width(int column, int width); // 0 hides the column; column 0 is the header
@@ -74,12 +108,9 @@ public:
     std::function<void(MouseButton)> mouse_up;
 
 private:
-    struct Cell {
-        std::string text;
-        std::optional<Colour> back;
-    };
     const Cell& cell(int row, int column) const;
     Cell& cell(int row, int column);
+    void set_origin(int row, int column, Origin origin);
     void announce_cell(int row, int column);
 
     int rows_;
@@ -94,6 +125,8 @@ private:
     int changed_row_ = 0;
     int changed_column_ = 0;
     Area changed_area_{1, 1, rows_, columns_};
+    int anchor_row_ = 0;
+    int anchor_column_ = 0;
     int batch_ = 0;
     bool dirty_ = false;
     bool locked_ = false;

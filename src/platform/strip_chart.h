@@ -55,6 +55,13 @@ public:
             announce(Property::scale);
         }
     }
+    const std::string& hint() const { return hint_; } // shown in its middle while not empty
+    void set_hint(std::string_view hint) {
+        if (hint_ != hint) {
+            hint_ = hint;
+            announce(Property::content);
+        }
+    }
     // Samples come too fast to be announced one by one to the host; they go straight to what draws them, if anything.
     void add_sample(const Sample& sample) {
         if (on_sample) {
@@ -70,12 +77,14 @@ public:
     // Set by the desktop.
     std::function<void(const Sample&)> on_sample;
     std::function<void(const Stamp&)> on_stamp;
+    std::function<bool(const std::string& path)> save_picture; // what is shown, as PNG; false when it can't be written
     // Called by the desktop for a left click on the chart.
     std::function<void()> clicked;
 
 private:
     std::vector<Channel> channels_;
     double seconds_shown_ = 600;
+    std::string hint_;
 };
 
 } // namespace ecu::platform

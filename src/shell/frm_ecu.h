@@ -45,7 +45,7 @@ struct FrmEcu {
     platform::MenuItem Menu_View_Injection{menu_view, "Menu_View_Injection", "&Config."};
     platform::MenuItem menu_View_Mapping{menu_view, "menu_View_Mapping", "&Basic Map"};
     platform::MenuItem menu_view_temperature{menu_view, "menu_view_temperature", "&Additional Map"};
-    platform::MenuItem menu_View_supp{menu_view, "menu_View_supp", "&GPO Drv."};
+    platform::MenuItem menu_View_supp{menu_view, "menu_View_supp", "Supplimental Driver Mapping Parameters"};
     platform::MenuItem menu_View_Plotter{menu_view, "menu_View_Plotter", "&Plotter"};
     platform::MenuItem menu_view_diagnostic{menu_view, "menu_view_diagnostic", "D&iagnostics"};
 

@@ -17,6 +17,21 @@ constexpr std::array<View, 8> request_targets{View::monitor,       View::dashboa
 
 std::size_t index_of(View view) { return static_cast<std::size_t>(view); }
 
+// What the menu items that lead to a view are called in the other views.
+struct MenuNames {
+    View target;
+    std::string_view usual;
+    std::string_view other = {};
+};
+constexpr std::array<MenuNames, 8> menu_names{{{View::monitor, "menu_mon", "menumon"},
+                                               {View::dashboard, "menu_dash", "menudash"},
+                                               {View::configuration, "menu_tools", "menutools"},
+                                               {View::basic_mapping, "menu_3d", "menu3d"},
+                                               {View::additional_mapping, "menu_2d"},
+                                               {View::gpo_mapping, "menu_sup"},
+                                               {View::plotter, "menu_plot", "menuplotter"},
+                                               {View::diagnostics, "menu_diag"}}};
+
 // These show figures that hang on the sensor spans and the rpm range.
 bool needs_scales(View view) {
     return view == View::basic_mapping || view == View::plotter || view == View::gpo_mapping;
@@ -87,11 +102,26 @@ void Navigation::open(View view) {
     ports_.waiting.process_events();
 }
 
-void Navigation::wire_menu(platform::MenuItem& item, ViewRequest request, platform::Form& own) {
-    offer(item, available(view_of(request)));
-    item.clicked = [this, request, &own] {
+void Navigation::wire_menus() {
+    for (const View own : request_targets) {
+        platform::Form* const form = views_.at(index_of(own));
+        for (const MenuNames& names : menu_names) {
+            for (const std::string_view name : {names.usual, names.other}) {
+                platform::Control* const found = form == nullptr || name.empty() ? nullptr : form->find(name);
+                if (auto* const item = dynamic_cast<platform::MenuItem*>(found);
+                    item != nullptr && names.target != own) {
+                    wire_item(*item, names.target, *form);
+                }
+            }
+        }
+    }
+}
+
+void Navigation::wire_item(platform::MenuItem& item, View target, platform::Form& own) {
+    offer(item, available(target));
+    item.clicked = [this, target, &own] {
         state_.drop_view_requests();
-        state_.request_view(request);
+        state_.request_view(request_of(target));
         own.unload();
     };
 }

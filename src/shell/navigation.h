@@ -36,16 +36,19 @@ public:
     // leaves a request instead. It does nothing while a view is up, inside another opening, or when the link is not
     // open in the end.
     void open(link::View view);
-    // Makes a menu item of view `own` lead to another view: sets its pending request and unloads `own`. Disables the
-    // item, with a tool tip saying so, when that view does not exist (called after all add_view calls). The target
-    // waits for view_closed, however long the unloading takes.
-    void wire_menu(platform::MenuItem& item, link::ViewRequest request, platform::Form& own);
+    // Makes the menu items of all views lead to the other views: a click sets the target's pending request and unloads
+    // its own view. Disables an item, with a tool tip saying so, when its view does not exist (called after all
+    // add_view calls). A view's item for itself does nothing. The target waits for view_closed, however long the
+    // unloading takes.
+    void wire_menus();
     // What every view's unloading ends with: current_view becomes none, the form hides, the main form shows.
     void view_closed(platform::Form& own);
     // Runs just before the monitor's form is shown.
     std::function<void()> before_monitor;
 
 private:
+    void wire_item(platform::MenuItem& item, link::View target, platform::Form& own);
+
     const platform::Ports& ports_;
     link::SharedState& state_;
     link::EcuComm& comm_;

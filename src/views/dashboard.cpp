@@ -6,6 +6,7 @@
 #include "platform/display_mask.h"
 #include "platform/leading_number.h"
 #include "platform/rounding.h"
+#include "views/mixture_text.h"
 
 #include <algorithm>
 #include <utility>
@@ -88,10 +89,11 @@ Gauge::Scale tachometer_scale(float full_scale_rpm) {
 Dashboard::Dashboard(const platform::Ports& ports, link::SharedState& state, link::EcuComm& comm,
                      shell::Navigation& navigation, calibration::Scales& scales, messages::EcuLiveData& live,
                      FrmDashboard& form)
-    : ports_(ports), state_(state), comm_(comm), navigation_(navigation), scales_(scales), live_(live),
-      form_(form), trims_{{{&form.ecu_pgm[0], &calibration::parameter("FUEL_MX")},
-                           {&form.ecu_pgm[1], &calibration::parameter("FUEL_B")},
-                           {&form.base_offset_deg, &calibration::parameter("BASE_DEG")}}} {
+    : ports_(ports), state_(state), comm_(comm), navigation_(navigation), scales_(scales), live_(live), form_(form),
+      link_(ports, state, comm, scales), trims_{
+                                             {{calibration::parameter("FUEL_MX"), 0, form.ecu_pgm[0], "10.200"},
+                                              {calibration::parameter("FUEL_B"), 0, form.ecu_pgm[1], "-.520"},
+                                              {calibration::parameter("BASE_DEG"), 0, form.base_offset_deg, "-8.25"}}} {
     wire();
 }
 
@@ -102,23 +104,33 @@ void Dashboard::wire() {
     form_.menu_file_exit.clicked = [this] { form_.form.unload(); };
     form_.Command2.clicked = [this] { update(); };
     form_.menu_Update.clicked = [this] { update(); };
-    for (Trim& trim : trims_) {
-        trim.box->changed = [&trim] {
-            trim.written = true;
-            trim.box->set_back_colour(platform::pending);
+    form_.read_again.clicked = [this] { read_again(); };
+    for (editing::BoxItem& trim : trims_) {
+        trim.box().changed = [this, &trim] {
+            trim.note_changed();
+            trim.box().set_back_colour(platform::pending);
+            note_changed();
         };
-        trim.box->key_down = [this, box = trim.box](platform::KeyPress& key) {
-            trim_key(*box, box != &form_.base_offset_deg, key);
+        trim.box().key_down = [this, &box = trim.box()](platform::KeyPress& key) {
+            trim_key(box, &box != &form_.base_offset_deg, key);
         };
     }
+    link_.show_place = [this](platform::Control& control, int, int) { return show_place(control); };
+    link_.on_held = [this](const std::string& entered, const std::string& shown) {
+        if (tally_.held++ == 0) {
+            tally_.first_held = entered + " is " + shown;
+        }
+    };
     form_.kill_timing.clicked = [this] {
         const std::uint8_t timing = form_.kill_timing.checked() ? timing_to_zero : timing_as_mapped;
         comm_.poll({messages::session_latch.code, timing, 0, 0}, messages::session_latch.reply);
+        tell_held();
     };
     form_.kill_ego.clicked = [this] {
         const messages::Command& command =
             form_.kill_ego.checked() ? messages::oxygen_control_off : messages::oxygen_control_on;
         comm_.poll({command.code}, command.reply);
+        tell_held();
     };
     for (std::size_t i = 0; i < form_.menu_opts_tach_filt_num.size(); ++i) {
         form_.menu_opts_tach_filt_num[i].clicked = [this, i] { filter_tachometer(i); };
@@ -126,18 +138,18 @@ void Dashboard::wire() {
     for (std::size_t i = 0; i < form_.menu_view_gpo.size(); ++i) {
         form_.menu_view_gpo[i].clicked = [this, i] { view_gpo(i); };
     }
-    using link::ViewRequest;
-    navigation_.wire_menu(form_.menu_mon, ViewRequest::monitor, form_.form);
-    navigation_.wire_menu(form_.menu_tools, ViewRequest::configuration, form_.form);
-    navigation_.wire_menu(form_.menu_3d, ViewRequest::basic_mapping, form_.form);
-    navigation_.wire_menu(form_.menu_2d, ViewRequest::additional_mapping, form_.form);
-    navigation_.wire_menu(form_.menu_sup, ViewRequest::gpo_mapping, form_.form);
-    navigation_.wire_menu(form_.menu_diag, ViewRequest::diagnostics, form_.form);
-    navigation_.wire_menu(form_.menu_plot, ViewRequest::plotter, form_.form);
 }
 
 void Dashboard::activate() {
-    const Raised opening(opening_);
+    {
+        const Raised opening(opening_);
+        open();
+    }
+    show_status();
+}
+
+void Dashboard::open() {
+    tally_ = {};
     form_.form.set_caption("Dashboard" + state_.link_title_suffix);
     ask_controller();
     ports_.wait_seconds(0.1F);
@@ -146,9 +158,9 @@ void Dashboard::activate() {
     }
     ports_.waiting.process_events();
     if (state_.demo_mode) {
-        form_.ecu_pgm[0].confirm("10.200");
-        form_.ecu_pgm[1].confirm("-.520");
-        form_.base_offset_deg.confirm("-8.25");
+        for (editing::BoxItem& trim : trims_) {
+            trim.open(true, false);
+        }
         scales_.full_scale_rpm = 8000;
     }
     scale_gauges();
@@ -161,14 +173,19 @@ void Dashboard::activate() {
 void Dashboard::ask_controller() {
     const link::Pause paused(state_);
     ports_.wait_seconds(0.1F);
-    for (Trim& trim : trims_) {
-        trim.box->set_back_colour(platform::pending); // unsure until the controller has answered
-        trim.written = false;
+    for (const editing::BoxItem& trim : trims_) {
+        trim.box().mark_unread(); // unsure until the controller has answered
     }
     ports_.waiting.process_events();
     ports_.wait_seconds(0.2F);
     for (const calibration::ReadRequest& request : opening_reads) {
         comm_.poll(calibration::read_message(request), request.reply);
+    }
+}
+
+void Dashboard::tell_held() {
+    if (held_changed) {
+        held_changed();
     }
 }
 
@@ -192,6 +209,8 @@ void Dashboard::refresh() {
     form_.manifold_pressure.set_value(live_.manifold_kpa);
     form_.control_ego_gain.set_text(masked(live_.ego_correction, "0.000"));
     show_mixture(live_.lambda);
+    const MixtureText mixture = mixture_text(live_, scales_);
+    form_.lambda_live.set_text(mixture.figure + " " + std::string(mixture.unit));
     form_.bat_volts.set_value(live_.battery_volts);
     form_.tachometer.set_value(live_.engine_rpm / 1000.0F);
     form_.water_temp.set_value(live_.coolant_temp);
@@ -220,36 +239,105 @@ void Dashboard::show_mixture(float lambda) {
     }
 }
 
+// A key that is held asks for one at each repeat. The next follows with the next events, so that the needles move in
+// between.
 void Dashboard::update() {
     if (opening_) {
         return;
     }
-    const link::Pause paused(state_);
+    if (updating_) {
+        update_again_ = true;
+        return;
+    }
+    {
+        const Raised updating(updating_);
+        send_trims();
+    }
+    show_status();
+    if (std::exchange(update_again_, false)) {
+        ports_.timers.post([this] { update(); });
+    }
+}
+
+void Dashboard::send_trims() {
+    const link::Pause pause(state_);
+    tally_ = {};
     ports_.wait_seconds(0.1F);
-    for (const Trim& trim : trims_) {
-        // An empty box that nobody has written shows that the controller did not answer. It would go out as 0, and
-        // take the fuel from a running engine.
-        if (trim.box->is_pending() && (trim.written || !trim.box->text().empty())) {
-            send_trim(trim);
+    for (editing::BoxItem& trim : trims_) {
+        editing::Walk walk{.link = link_,
+                           .go_on = [this] { return !opening_; },
+                           .note_fate =
+                               [&](editing::Fate fate) {
+                                   tally_.sent += fate == editing::Fate::accepted ? 1 : 0;
+                                   const bool went = fate != editing::Fate::refused && fate != editing::Fate::skipped;
+                                   if (went && &trim.box() != &form_.base_offset_deg) { // that one waits for the echo
+                                       trim.box().set_back_colour(platform::confirmed);
+                                   }
+                               }};
+        if (walk.go_on()) {
+            trim.send(walk);
         }
     }
 }
 
-void Dashboard::send_trim(const Trim& trim) {
-    platform::TextBox& box = *trim.box;
-    const calibration::Parameter& row = *trim.row;
-    const calibration::EncodedEntry entry = calibration::raw_from_entry(row, box.text(), scales_);
-    if (!entry.replaced.empty()) {
-        box.set_text(entry.replaced);
-    }
-    if (!entry.refusal.empty()) {
-        ports_.dialogs.say(entry.refusal);
+void Dashboard::read_again() {
+    if (opening_ || updating_) {
         return;
     }
-    comm_.poll(calibration::write_message(row, 0, entry.raw), row.write.reply);
-    if (&box != &form_.base_offset_deg) { // that one waits for the echo
-        box.set_back_colour(platform::confirmed);
+    {
+        const Raised opening(opening_);
+        const link::Pause pause(state_);
+        for (editing::BoxItem& trim : trims_) {
+            trim.keep_entries();
+        }
+        ports_.wait_seconds(0.1F);
+        for (const calibration::ReadRequest& request : opening_reads) {
+            if (std::ranges::any_of(trims_, [&](const editing::BoxItem& trim) { return trim.wants(request); })) {
+                comm_.poll(calibration::read_message(request), request.reply);
+            }
+        }
+        for (editing::BoxItem& trim : trims_) {
+            trim.restore_entries();
+        }
     }
+    show_status();
+}
+
+// With the next events, when an echo has done all it does to the box.
+void Dashboard::note_changed() {
+    if (!updating_ && !opening_) {
+        tally_ = {};
+    }
+    if (!std::exchange(change_posted_, true)) {
+        ports_.timers.post([this] {
+            change_posted_ = false;
+            show_status();
+        });
+    }
+}
+
+void Dashboard::show_status() {
+    if (opening_) {
+        return;
+    }
+    editing::Counts counts;
+    for (const editing::BoxItem& trim : trims_) {
+        counts += trim.counts();
+    }
+    form_.trim_status.set_text(editing::status_text({.counts = counts,
+                                                     .groups = {},
+                                                     .tally = updating_ ? editing::Tally{} : tally_,
+                                                     .aborted = state_.comm_aborted,
+                                                     .demo = state_.demo_mode,
+                                                     .note = {}}));
+    form_.read_again.set_enabled(counts.unread > 0 && !state_.demo_mode && !state_.comm_aborted);
+}
+
+std::string Dashboard::show_place(platform::Control& control) const {
+    control.set_focus();
+    return &control == &form_.ecu_pgm[0]   ? "Fuel scaler"
+           : &control == &form_.ecu_pgm[1] ? "Fuel offset"
+                                           : "Timing offset";
 }
 
 void Dashboard::trim_key(platform::TextBox& box, bool steps, platform::KeyPress& key) {
@@ -263,7 +351,7 @@ void Dashboard::trim_key(platform::TextBox& box, bool steps, platform::KeyPress&
     }
     const double step = key.code == platform::key::up ? trim_step : -trim_step;
     key.code = 0;
-    if (opening_) {
+    if (opening_ || box.unread()) { // what was never read is nothing to step from
         return;
     }
     box.set_text(masked(leading_number(box.text()) + step, "##.000"));

@@ -4,12 +4,14 @@
 
 #include "calibration/parameter_types.h"
 #include "calibration/scales.h"
+#include "editing/editor_items.h"
 #include "link/ecu_comm.h"
 #include "messages/live_data.h"
 #include "shell/navigation.h"
 #include "views/frm_dashboard.h"
 
 #include <array>
+#include <functional>
 
 namespace ecu::views {
 
@@ -35,19 +37,22 @@ public:
     void filter_tachometer(std::size_t item);
     void view_gpo(std::size_t channel);
 
+    std::function<void()> held_changed; // timing or oxygen control was held back or let go
+
 private:
     void wire();
+    void tell_held();
     void scale_gauges();
     void scale_lamps();
     void show_mixture(float lambda);
-    struct Trim {
-        platform::TextBox* box;
-        const calibration::Parameter* row;
-        bool written = false; // by a reply or by the tuner, since the last opening
-    };
-    void send_trim(const Trim& trim);
+    void open();
+    void send_trims();
     void trim_key(platform::TextBox& box, bool steps, platform::KeyPress& key);
     void ask_controller();
+    void read_again();
+    void note_changed();
+    void show_status();
+    std::string show_place(platform::Control& control) const;
     void leave();
 
     const platform::Ports& ports_;
@@ -57,9 +62,14 @@ private:
     calibration::Scales& scales_;
     messages::EcuLiveData& live_;
     FrmDashboard& form_;
-    std::array<Trim, 3> trims_; // in the order in which they are sent
+    editing::EditorLink link_;
+    std::array<editing::BoxItem, 3> trims_; // in the order in which they are sent
+    editing::Tally tally_;                  // of the last Update
     std::size_t lit_lamp_ = 0;
     bool opening_ = false; // the trims are being read: none may be sent
+    bool change_posted_ = false;
+    bool updating_ = false;     // one Update at a time;
+    bool update_again_ = false; // asked for meanwhile, another follows it
 };
 
 } // namespace ecu::views

@@ -51,10 +51,13 @@ struct FrmDashboard {
     platform::CheckBox kill_ego{form, "kill_ego", "Disable EGO Feedback"};
     platform::Label control_ego_gain{form, "control_ego_gain"};
     platform::ControlArray<platform::Label, 9> lambda_label{form, "lambda_label", "---"};
-    platform::Label lambda_val{form, "lambda_val"};
+    platform::Label lambda_val{form, "lambda_val"};   // what the bar's centre stands for
+    platform::Label lambda_live{form, "lambda_live"}; // the mixture as it is, with its unit
     platform::ControlArray<platform::Shape, lamp_count> afr_led{form, "afr_led"};
+    platform::Button read_again{form, "read_again", "Read again"};
     platform::Button Command2{form, "Command2", "Update"};
     platform::Button Command1{form, "Command1", "Exit"};
+    platform::Label trim_status{form, "trim_status"}; // what is pending, unread, or was not taken
     platform::Label show_demo_mode{form, "show_demo_mode", "DEMO MODE!"};
     platform::Picture Picture1{form, "Picture1", 320, 160}; // the installer's
 
@@ -74,11 +77,25 @@ struct FrmDashboard {
             gauge.set_scale({.full_scale = 100, .tick_step = 20, .zone_a_start = 100, .zone_b_start = 100});
             gauge.set_visible(gauge.index() == 0);
         }
+        for (const auto& [gauge, unit] : {std::pair<platform::Gauge*, std::string_view>{&tachometer, "rpm"},
+                                          {&manifold_pressure, "kPa"},
+                                          {&water_temp, "°C"},
+                                          {&air_temp, "°C"},
+                                          {&Timing, "° BTDC"}}) {
+            gauge->unit = unit;
+        }
+        tachometer.spoken_unit = "thousand rpm";
+        bat_volts.spoken_unit = "volts";
+        for (platform::Gauge& gauge : GPO_duty) {
+            gauge.unit = "%";
+        }
         menu_view_gpo[0].set_checked(true);
         for (platform::TextBox& box : ecu_pgm) {
             box.set_tool_tip("The higher this number, the more fuel that will be injected under given conditions");
         }
         base_offset_deg.set_tool_tip("This adjusts phases to have a fixed offset relative to the Base timing");
+        read_again.set_tool_tip("Click to read the trims that the controller has not given yet");
+        read_again.set_enabled(false);
         Command2.set_tool_tip("Click to update modified entries");
         Command1.set_tool_tip("Click to exit back to the console");
         show_demo_mode.set_visible(false);

@@ -19,8 +19,33 @@ struct FrmMon {
     platform::MenuItem menu_plot{form, "menu_plot", "&Plotter"};
     platform::MenuItem menu_diag{form, "menu_diag", "D&iagnostics"};
 
-    // Row 13 stands apart and stays empty.
-    platform::ControlArray<platform::Label, 20> ECU_Data{form, "ECU_Data"};
+    // The rows of ECU_Data. Nothing is ever written to `unused`.
+    struct Row {
+        enum Index : std::size_t {
+            engine_speed,
+            mixture,
+            coolant,
+            throttle,
+            manifold,
+            injection_time,
+            ego_correction,
+            map_enrichment,
+            accel_enrichment,
+            clt_enrichment,
+            battery,
+            air_temperature,
+            aux_input,
+            unused,
+            barometer,
+            idle_state,
+            idle_error,
+            idle_position,
+            idle_setpoint,
+            timing,
+            count
+        };
+    };
+    platform::ControlArray<platform::Label, Row::count> ECU_Data{form, "ECU_Data"};
     platform::Label unit_of_lambda{form, "Label1", "Lamda", 8};    // beside row 1
     platform::Label unit_of_setpoint{form, "Label1", "Lamda", 64}; // beside the set point
     platform::Label ego_lambda_setpoint{form, "ego_lambda_setpoint"};

@@ -1,6 +1,7 @@
 #include "views/monitor.h"
 
 #include "platform/display_mask.h"
+#include "views/mixture_text.h"
 
 #include <algorithm>
 
@@ -9,6 +10,7 @@ namespace ecu::views {
 namespace {
 
 using platform::masked;
+using Row = FrmMon::Row;
 
 std::string_view idle_valve_state(std::int32_t state) {
     static constexpr std::array<std::string_view, 6> texts{"SHTDWN", "HOME", "ST_POS", "OPENING", "CLOSING", "CLOSED"};
@@ -39,17 +41,6 @@ Monitor::Monitor(const platform::Ports& ports, link::SharedState& state, message
     polling.on_refresh(link::View::monitor, [this] { refresh_monitor_strings(); });
 }
 
-void Monitor::wire_menu() {
-    using link::ViewRequest;
-    navigation_.wire_menu(form_.menu_dash, ViewRequest::dashboard, form_.form);
-    navigation_.wire_menu(form_.menu_tools, ViewRequest::configuration, form_.form);
-    navigation_.wire_menu(form_.menu_3d, ViewRequest::basic_mapping, form_.form);
-    navigation_.wire_menu(form_.menu_2d, ViewRequest::additional_mapping, form_.form);
-    navigation_.wire_menu(form_.menu_sup, ViewRequest::gpo_mapping, form_.form);
-    navigation_.wire_menu(form_.menu_plot, ViewRequest::plotter, form_.form);
-    navigation_.wire_menu(form_.menu_diag, ViewRequest::diagnostics, form_.form);
-}
-
 void Monitor::activate() {
     state_.last_activity_time = ports_.now();
     form_.form.set_caption("Real Time Monitor" + state_.link_title_suffix);
@@ -77,42 +68,32 @@ void Monitor::refresh_monitor_strings() {
 }
 
 void Monitor::form_strings() {
-    wanted_[0] = masked(data_.engine_rpm, "###0");
+    wanted_[Row::engine_speed] = masked(data_.engine_rpm, "###0");
     form_mixture_strings();
-    wanted_[2] = masked(data_.coolant_temp, "##0");
-    wanted_[3] = masked(data_.throttle_raw_percent, "##0.0");
-    wanted_[4] = masked(data_.manifold_kpa, "###.0");
-    wanted_[5] = masked(data_.injector_pw * 1000, "##.##0");
-    wanted_[6] = masked(data_.ego_correction, "0.000");
-    wanted_[7] = masked(data_.map_enrichment, "0.000");
-    wanted_[8] = masked(data_.accel_enrichment, "##.000");
-    wanted_[9] = masked(data_.clt_enrichment, "0.000");
-    wanted_[10] = masked(data_.battery_volts, "#0.00");
-    wanted_[11] = masked(data_.air_temp, "##0");
-    wanted_[12] = masked(data_.aux_volts, "0.000");
-    wanted_[14] = masked(data_.baro_kpa, "###.0");
-    wanted_[15] = idle_valve_state(data_.iac_state);
-    wanted_[16] = data_.iac_error == 0 ? "OK" : "ERR" + std::to_string(data_.iac_error);
-    wanted_[17] = masked(data_.iac_position, "###0");
-    wanted_[18] = masked(data_.iac_rpm_setpoint, "###0");
-    wanted_[19] = timing_text(data_.ignition_timing);
+    wanted_[Row::coolant] = masked(data_.coolant_temp, "##0");
+    wanted_[Row::throttle] = masked(data_.throttle_raw_percent, "##0.0");
+    wanted_[Row::manifold] = masked(data_.manifold_kpa, "###.0");
+    wanted_[Row::injection_time] = masked(data_.injector_pw * 1000, "##.##0");
+    wanted_[Row::ego_correction] = masked(data_.ego_correction, "0.000");
+    wanted_[Row::map_enrichment] = masked(data_.map_enrichment, "0.000");
+    wanted_[Row::accel_enrichment] = masked(data_.accel_enrichment, "##.000");
+    wanted_[Row::clt_enrichment] = masked(data_.clt_enrichment, "0.000");
+    wanted_[Row::battery] = masked(data_.battery_volts, "#0.00");
+    wanted_[Row::air_temperature] = masked(data_.air_temp, "##0");
+    wanted_[Row::aux_input] = masked(data_.aux_volts, "0.000");
+    wanted_[Row::barometer] = masked(data_.baro_kpa, "###.0");
+    wanted_[Row::idle_state] = idle_valve_state(data_.iac_state);
+    wanted_[Row::idle_error] = data_.iac_error == 0 ? "OK" : "ERR" + std::to_string(data_.iac_error);
+    wanted_[Row::idle_position] = masked(data_.iac_position, "###0");
+    wanted_[Row::idle_setpoint] = masked(data_.iac_rpm_setpoint, "###0");
+    wanted_[Row::timing] = timing_text(data_.ignition_timing);
 }
 
 void Monitor::form_mixture_strings() {
-    const auto mixture_text = [this](float lambda) {
-        return scales_.shows_lambda ? masked(lambda, "#.000") : masked(scales_.lambda_to_display(lambda), "##.00");
-    };
-    wanted_[1] = mixture_text(data_.lambda);
-    form_.ego_lambda_setpoint.set_text(mixture_text(data_.ego_lambda_setpoint));
-    if (data_.sensor_reads_lambda()) {
-        form_.unit_of_lambda.set_text(unit_text_);
-    } else {
-        wanted_[1] = masked(data_.oxygen_percent, "##.0");
-        form_.unit_of_lambda.set_text("%O2");
-    }
-    if (data_.sensor_fault()) {
-        wanted_[1] = "ERR";
-    }
+    const MixtureText mixture = mixture_text(data_, scales_);
+    wanted_[Row::mixture] = mixture.figure;
+    form_.unit_of_lambda.set_text(data_.sensor_reads_lambda() ? unit_text_ : mixture.unit);
+    form_.ego_lambda_setpoint.set_text(mixture_figure(data_.ego_lambda_setpoint, scales_));
 }
 
 } // namespace ecu::views

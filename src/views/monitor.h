@@ -18,13 +18,11 @@ public:
     Monitor(const platform::Ports& ports, link::SharedState& state, messages::EcuLiveData& data,
             const calibration::Scales& scales, shell::Navigation& navigation, shell::Polling& polling, FrmMon& form);
 
-    // Wires the menu to the other views, once all of them have been added.
-    void wire_menu();
     // Limits the record to what the rows can show, and writes the rows whose text has changed.
     void refresh_monitor_strings();
 
 private:
-    static constexpr std::size_t rows = 20;
+    static constexpr std::size_t rows = FrmMon::Row::count;
 
     void activate();
     void mark_shown(std::size_t count, std::string_view mark);

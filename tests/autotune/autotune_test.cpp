@@ -50,6 +50,21 @@ TEST_F(Autotune, FactorsMultiplyTheMapCellsAndAppearAsTyped) {
     EXPECT_EQ(screen.autotune_inj_factors.cell_text(16, 1) + screen.autotune_tps_factors.cell_text(1, 16), "");
 }
 
+TEST_F(Autotune, NoFactorMakesZeroFuelOfWhatIsInfiniteOrWasNeverRead) {
+    open_offline();
+    screen.form.load();
+    frm_3d.inj_map.confirm_cell(16, 1, "1e30");
+    frm_3d.inj_map.confirm_cell(15, 1, "2");
+    frm_3d.TPS_map.blank_cell(16, 1);
+    screen.autotune_inj_factors.set_cell_text(16, 1, "1e30");
+    screen.autotune_inj_factors.set_cell_text(15, 1, "1e39"); // beyond single precision by itself
+    screen.autotune_tps_factors.set_cell_text(16, 1, "1.1");
+    screen.apply_to_maps.press();
+    EXPECT_EQ(fuel(16, 1) + " " + fuel(15, 1) + frm_3d.TPS_map.cell_text(16, 1), "1e30 2");
+    EXPECT_FALSE(frm_3d.inj_map.cell_pending(16, 1));
+    EXPECT_TRUE(frm_3d.TPS_map.cell_unread(16, 1));
+}
+
 TEST_F(Autotune, OpensInPlaceOfTheMapsWithPollingPausedAndKeepsFactorsWhenLeft) {
     open_offline();
     const auto visit = [this](const std::function<void()>& action) {

@@ -158,5 +158,21 @@ TEST_F(ConsoleTest, NeedsNoLinkInDemoMode) {
     EXPECT_EQ(console.forms.frm_mon.ECU_Data[19].text(), "6.25B");
 }
 
+TEST_F(ConsoleTest, EveryViewTellsThatTheDashboardHoldsTimingOrOxygenControlBack) {
+    start();
+    console.forms.frm_ecu.Command1.press();
+    desktop.run_for(1);
+    const auto& note = console.forms.registry.get<platform::Label>("frm_mon", "held_note");
+    EXPECT_FALSE(note.visible());
+    console.forms.frm_dashboard.kill_timing.click();
+    EXPECT_EQ(note.text(), "Timing is held at 0° for verification.");
+    console.forms.frm_dashboard.kill_ego.click();
+    EXPECT_EQ(note.text(), "Timing is held at 0° for verification. Oxygen control is switched off.");
+    EXPECT_TRUE(console.forms.registry.get<platform::Label>("frm_3d", "held_note").visible());
+    console.forms.frm_dashboard.kill_timing.click();
+    console.forms.frm_dashboard.kill_ego.click();
+    EXPECT_FALSE(note.visible());
+}
+
 } // namespace
 } // namespace ecu

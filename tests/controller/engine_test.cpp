@@ -123,5 +123,47 @@ TEST(Engine, outputs_follow_their_modes) {
     EXPECT_EQ(console.send({129}).at(18), 0);
 }
 
+// The mean pressure at the upper end of the pulls through the revs, in kPa.
+double boosted_pressure(const std::function<void(ControllerMemory&)>& change) {
+    ConsoleEnd console(driving(Driving::pull));
+    change(console.controller.memory());
+    double sum = 0;
+    int count = 0;
+    for (int i = 0; i < 300; ++i) {
+        const Bytes live = console.send({'A'});
+        if (word_at(live, 30) > 6500 && static_cast<std::int16_t>(word_at(live, 39)) > 900) {
+            sum += word_at(live, 26) / 4.0;
+            ++count;
+        }
+    }
+    return count > 0 ? sum / count : 0;
+}
+void fill_boost(ControllerMemory& memory, std::uint8_t raw) {
+    for (std::size_t k = 0; k < 81; ++k) {
+        memory.store_cell(table_base("BMP0") + k, raw);
+    }
+}
+
+TEST(Engine, boost_follows_the_map_of_the_first_channel_as_target_or_as_duty) {
+    const double low = boosted_pressure([](ControllerMemory& memory) { fill_boost(memory, 140); });
+    const double high = boosted_pressure([](ControllerMemory& memory) { fill_boost(memory, 190); });
+    EXPECT_NEAR(low, 150, 5);
+    EXPECT_NEAR(high, 200, 5);
+    const auto open_loop = [](std::uint8_t raw, std::uint16_t flags) {
+        return [=](ControllerMemory& memory) {
+            memory.store(slot("BOFG"), flags);
+            fill_boost(memory, raw);
+        };
+    };
+    const double off = boosted_pressure(open_loop(0, 2));
+    EXPECT_GT(boosted_pressure(open_loop(255, 2)), off + 80);
+    EXPECT_NEAR(boosted_pressure(open_loop(255, 3)), off, 5); // inverted
+    const auto servo_off = [](ControllerMemory& memory) {
+        fill_boost(memory, 190);
+        memory.store(slot("BOEN"), 255); // never reached
+    };
+    EXPECT_NEAR(boosted_pressure(servo_off), off, 5);
+}
+
 } // namespace
 } // namespace ecu::controller

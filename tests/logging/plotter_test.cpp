@@ -10,6 +10,7 @@ namespace {
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 struct PlotterBench : test::LiveBench {
     FrmPlotter form;
@@ -192,6 +193,49 @@ TEST(Plotter, StampsTheTimeAndTakesAFileNameOnlyWhenOneWasChosen) {
     }
     EXPECT_EQ(bench.form.plot_file.text(), "/tmp/run.csv");
     EXPECT_EQ(bench.desktop.file_dialogs()[0].filter, "comma spaced value (*.csv)|");
+}
+
+TEST(Plotter, TellsWhatStartingALogDoesToTheFileAndOffersANameThatIsFree) {
+    PlotterBench bench;
+    bench.plotter.activate();
+    EXPECT_EQ(bench.form.file_note.text(), "a new file");
+    bench.plotter.start_logging();
+    EXPECT_EQ(bench.form.file_note.text(), "is being written");
+    EXPECT_FALSE(bench.form.new_name.enabled() || bench.form.browse.enabled()) << "the running log keeps its name";
+    bench.plotter.stop_logging();
+    EXPECT_THAT(bench.form.file_note.text(), StartsWith("replaces the existing file, "));
+    bench.form.new_name.press();
+    EXPECT_EQ(bench.form.plot_file.text(), "PLOTTER-2.CSV");
+    EXPECT_EQ(bench.form.file_note.text(), "a new file");
+    bench.plotter.start_logging();
+    bench.plotter.stop_logging();
+    bench.form.new_name.press();
+    EXPECT_EQ(bench.form.plot_file.text(), "PLOTTER-3.CSV");
+    bench.form.plot_file.set_text("no such folder/a-b.x/run-7");
+    EXPECT_EQ(bench.form.file_note.text(), "the folder does not exist");
+    bench.form.new_name.press();
+    EXPECT_EQ(bench.form.plot_file.text(), "no such folder/a-b.x/run-2");
+    bench.form.plot_file.set_text(".");
+    EXPECT_EQ(bench.form.file_note.text(), "is a folder: add a file name");
+}
+
+TEST(Plotter, SaysWhenTheChartStandsStillAndWhenAPictureCouldNotBeWritten) {
+    PlotterBench bench;
+    EXPECT_NE(bench.form.Strip1.hint(), "");
+    bench.form.Check3d1[16].click();
+    EXPECT_NE(bench.form.Strip1.hint(), "") << "a wideband channel does not start the chart";
+    bench.form.Check3d1[15].click();
+    EXPECT_EQ(bench.form.Strip1.hint(), "");
+    bool written = false;
+    bench.form.Strip1.save_picture = [&](const std::string& path) { return path == "a.png" && written; };
+    bench.desktop.choose_file("a.png");
+    bench.desktop.expect_box("The picture a.png could not be written");
+    bench.form.save_picture.press();
+    written = true;
+    bench.desktop.choose_file("a.png");
+    bench.form.save_picture.press();
+    bench.desktop.choose_file("");
+    bench.form.save_picture.press();
 }
 
 } // namespace

@@ -70,7 +70,10 @@ TEST_F(BasicMapping, UpdateSendsExactlyWhatWasChangedInItsOrderAndTheEchoesWhite
     frm_3d.ecu_pgm[1].set_text("-.525");
     frm_3d.ecu_pgm[0].set_text("70");
     desktop.run_for(0.01);
-    EXPECT_EQ(frm_3d.map_status.text(), "9 values pending");
+    EXPECT_EQ(
+        frm_3d.map_status.text(),
+        "9 values pending: Boxes 3, Fuel 2, Ignition 2, TPS fuel 1, TPS mix 1; 1 is no number and would be sent as 0; "
+        "1 is no number and would be sent without the rest");
     bool refreshed_white = false;
     on_request = [&](const Request& request) {
         refreshed_white = refreshed_white || (request[2] == 'z' && !frm_3d.ecu_pgm[0].is_pending());
@@ -83,7 +86,7 @@ TEST_F(BasicMapping, UpdateSendsExactlyWhatWasChangedInItsOrderAndTheEchoesWhite
     EXPECT_EQ(frm_3d.ign_map.cell_text(2, 1), "-16.00");
     EXPECT_EQ(frm_3d.TPS_mix.cell_text(16, 1), "100.0");
     EXPECT_EQ(frm_3d.ecu_pgm[0].text(), "70.000");
-    EXPECT_EQ(frm_3d.map_status.text(), "No values pending");
+    EXPECT_EQ(frm_3d.map_status.text(), "No values pending; 9 sent, 4 held to their limits: -20 is -16.00");
     EXPECT_TRUE(update().empty());
 }
 
@@ -111,7 +114,7 @@ TEST_F(BasicMapping, RefusedValuesAreNamedOneByOneAndTheOthersStillGo) {
     EXPECT_TRUE(frm_3d.ecu_pgm[1].is_pending() && frm_3d.tps_rpm.is_pending());
     EXPECT_FALSE(frm_3d.inj_map.cell_pending(16, 1)); // the shading takes the yellow of a refused cell
     EXPECT_EQ(fuel(16, 1), "2.0");
-    EXPECT_EQ(frm_3d.map_status.text(), "3 values pending, 6 not taken");
+    EXPECT_EQ(frm_3d.map_status.text(), "3 values pending: Boxes 3; 6 not taken");
 
     frm_3d.ecu_pgm[0].set_text("1");
     frm_3d.ecu_pgm[1].set_text("-27"); // 16384 - 16875
@@ -169,7 +172,7 @@ TEST_F(BasicMapping, CellTypedBehindTheWalkStaysYellowAndOneAheadOfItIsSent) {
     frm_3d.inj_map.set_cell_text(15, 1, "1");
     EXPECT_THAT(update(), ElementsAre(Bytes{'e', 1, 1, 128}, Bytes{'e', 255, 8, 32}));
     EXPECT_TRUE(frm_3d.inj_map.cell_pending(16, 1));
-    EXPECT_EQ(fuel(16, 1) + " " + frm_3d.map_status.text(), ".5 1 value pending");
+    EXPECT_EQ(fuel(16, 1) + " " + frm_3d.map_status.text(), ".5 1 value pending: Fuel 1");
     EXPECT_THAT(update(), ElementsAre(Bytes{'e', 0, 1, 64}));
 }
 

@@ -36,14 +36,15 @@ TEST_F(BlockModifier, WholeMapTimesAFactorIsOneOperationAnd256Writes) {
     open();
     select(frm_3d.inj_map, 16, 16, 1, 1);
     EXPECT_TRUE(dialog.form.visible());
-    EXPECT_EQ(dialog.block_extent.text(), "Fuel map, rows 1 to 16, columns 1 to 16: 256 cells");
+    EXPECT_EQ(dialog.block_extent.text(),
+              "Fuel map, rows 1 to 16, columns 1 to 16: 256 cells\n10 kPa, 0 rpm to 117 kPa, 9375 rpm");
     EXPECT_EQ(frm_3d.inj_map.shown_block(), (platform::Grid::Area{1, 1, 16, 16}));
     dialog.multiply.set_text("1.05");
     run(CellOperation::multiply);
     EXPECT_FALSE(dialog.form.visible());
     EXPECT_EQ(controller.sent().size(), 0U);
     desktop.run_for(0.01);
-    EXPECT_EQ(frm_3d.map_status.text(), "256 values pending");
+    EXPECT_EQ(frm_3d.map_status.text(), "256 values pending: Fuel 256");
     const auto messages = update();
     ASSERT_EQ(messages.size(), 256U);
     EXPECT_EQ(messages.front(), (Bytes{'e', 0, 1, 134})); // 1.050 * 128 = 134.4
@@ -71,6 +72,59 @@ TEST_F(BlockModifier, OperationsReachTheCellsOfTheBlockOnlyAndPaintThemYellow) {
     run(CellOperation::set_all, platform::Answer::no);
     EXPECT_EQ(fuel(5, 5), "1.500");
     EXPECT_FALSE(dialog.form.visible());
+}
+
+TEST_F(BlockModifier, WhatWasNeverReadIsNoOperandButCanBeSet) {
+    open_offline();
+    frm_3d.inj_map.blank_cell(5, 5);
+    frm_3d.inj_map.confirm_cell(5, 6, "1");
+    dialog.Add.set_text(".25");
+    select(frm_3d.inj_map, 5, 5, 5, 6);
+    EXPECT_THAT(dialog.block_extent.text(), testing::EndsWith("\n1 not read: only Set All changes them"));
+    run(CellOperation::add);
+    EXPECT_EQ(fuel(5, 5) + fuel(5, 6), "1.250");
+    EXPECT_TRUE(frm_3d.inj_map.cell_unread(5, 5));
+    select(frm_3d.inj_map, 5, 5, 5, 6);
+    run(CellOperation::set_all);
+    EXPECT_EQ(fuel(5, 5), "1.000");
+    EXPECT_FALSE(frm_3d.inj_map.cell_unread(5, 5));
+}
+
+TEST_F(BlockModifier, TheAnchorIsDrawnUntilTheBlockIsTakenAndAKeyedBlockIsTakenAsItIs) {
+    open_offline();
+    auto& grid = frm_3d.inj_map;
+    const auto press = [](platform::Grid& in, int code) {
+        platform::KeyPress key{.code = code, .ctrl = true};
+        in.key_down(key);
+    };
+    frm_3d.ign_map.set_active_cell(2, 2);
+    press(frm_3d.ign_map, 'S');
+    grid.set_active_cell(3, 4);
+    press(grid, 'S');
+    EXPECT_EQ(frm_3d.ign_map.anchor_row(), 0);
+    EXPECT_EQ(grid.anchor_row() * 100 + grid.anchor_column(), 304);
+    grid.set_active_cell(5, 6);
+    press(grid, 'F');
+    EXPECT_EQ(grid.anchor_row(), 0);
+    EXPECT_EQ(grid.shown_block(), (platform::Grid::Area{3, 4, 5, 6}));
+    grid.block_chosen({1, 1, 16, 16}); // Ctrl+A leaves the active cell where it is
+    press(grid, 'F');
+    EXPECT_EQ(grid.shown_block(), (platform::Grid::Area{1, 1, 16, 16}));
+    grid.set_active_cell(5, 7); // and moving on gives the selection up
+    press(grid, 'F');
+    EXPECT_EQ(grid.shown_block(), (platform::Grid::Area{1, 1, 5, 7}));
+    grid.block_chosen({1, 1, 16, 16});
+    grid.set_mouse_cell(2, 2);
+    grid.mouse_down(MouseButton::left);
+    press(grid, 'F');
+    EXPECT_EQ(grid.shown_block(), (platform::Grid::Area{2, 2, 5, 7}));
+
+    dialog.multiply.set_text("2");
+    grid.confirm_cell(2, 2, "1.5");
+    desktop.answer_box("cannot be undone", platform::Answer::yes);
+    platform::KeyPress enter{.code = platform::key::enter};
+    dialog.multiply.key_down(enter);
+    EXPECT_EQ(fuel(2, 2), "3.000");
 }
 
 TEST_F(BlockModifier, EachTableWritesBackThroughItsOwnMask) {

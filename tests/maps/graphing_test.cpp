@@ -49,6 +49,63 @@ TEST_F(Graphing, SurfacePointsStandOnTheLeaningFloor) {
     EXPECT_EQ(point(7, 3), Point(394, 654));
 }
 
+// The frame of the first test: its floor leans to the right and back, the wall stands behind it.
+TEST_F(Graphing, FrameLeansWithTheSurfaceAndTellsTheScale) {
+    open_offline();
+    frm_3d.show_this_graph.press();
+    std::vector<std::array<int, 4>> frame;
+    std::vector<std::array<int, 4>> scale;
+    std::vector<std::string> captions;
+    for (const auto& stroke : graph.Picture1.strokes()) {
+        if (const auto* line = std::get_if<Picture::Line>(&stroke)) {
+            if (line->colour == platform::palette[9]) {
+                frame.push_back({line->x1, line->y1, line->x2, line->y2});
+            } else if (line->colour == platform::palette[8]) {
+                scale.push_back({line->x1, line->y1, line->x2, line->y2});
+            }
+        } else if (const auto* text = std::get_if<Picture::Text>(&stroke)) {
+            captions.push_back(text->text + "@" + std::to_string(text->y));
+        }
+    }
+    EXPECT_EQ(frame, (std::vector<std::array<int, 4>>{{15, 380, 405, 380},
+                                                      {405, 380, 585, 240},
+                                                      {585, 240, 195, 240},
+                                                      {195, 240, 15, 380},
+                                                      {195, 240, 195, 80},
+                                                      {195, 80, 585, 80},
+                                                      {585, 80, 585, 240}}));
+    ASSERT_EQ(scale.size(), 22U);
+    EXPECT_EQ(scale[20], (std::array<int, 4>{15, 220, 195, 80})); // the highest, from the front to the wall
+    EXPECT_EQ(scale[21], (std::array<int, 4>{195, 80, 585, 80}));
+    EXPECT_EQ(captions.front() + " " + captions.back(), "0.60@380 1.60@220");
+}
+
+TEST_F(Graphing, NothingIsDrawnToACellThatWasNeverRead) {
+    open_offline();
+    frm_3d.inj_map.blank_cell(16, 1);
+    frm_3d.inj_map.set_cell_text(1, 1, "2");
+    frm_3d.show_this_graph.press();
+    const auto lines = graph.Picture1.strokes().size();
+    frm_3d.inj_map.confirm_cell(16, 1, "1");
+    desktop.run_for(0.1);
+    EXPECT_EQ(graph.Picture1.strokes().size(), lines + 2); // to its two neighbours
+    frm_3d.inj_map.blank_cell(16, 1);
+    console.basic_mapping.shade_fuel_map(0, 0);
+    EXPECT_TRUE(frm_3d.inj_map.cell_pending(16, 1)); // no value to be shaded by, nor in the range of the others
+    EXPECT_EQ(frm_3d.inj_map.cell_back(8, 8), frm_3d.bk_color[7].back_colour());
+    maps::Frm2d form;
+    form.clt_enr_graph.resize(600, 400);
+    for (platform::TextBox& box : form.clt_map) {
+        box.set_text("3");
+    }
+    form.clt_map[4].blank();
+    float low = 0;
+    float high = 0;
+    maps::draw_table_bars({form.clt_map.begin(), form.clt_map.end()}, form.clt_enr_graph, low, high);
+    EXPECT_EQ(std::pair(low, high), std::pair(2.0F, 4.0F));
+    EXPECT_EQ(form.clt_enr_graph.strokes().size(), 9U + 1U + 6U);
+}
+
 TEST_F(Graphing, ScaleWithoutASpanOrTooNarrowDrawsInsteadOfFailing) {
     open_offline();
     frm_3d.show_this_graph.press();

@@ -31,6 +31,18 @@ TEST(DisplayMask, NumberThatIsNoneReadsBackAsZeroAndTheLeastIntegerIsWhole) {
     EXPECT_EQ(masked(std::numeric_limits<long>::min(), "####0"), "-9223372036854775808");
 }
 
+TEST(EntryText, IsANumberOnlyWhereNothingOfItWouldBeLost) {
+    for (const char* text : {"0", "-.5", "+1.", "1e3", " 2 ", "1.992"}) {
+        EXPECT_TRUE(is_number(text)) << text;
+    }
+    for (const char* text :
+         {"", " ", ".", "-", "e5", "abc", "1,5", "1.2 %", "1.2.3", "--1", "+-1", "1e400", "0x10", "nan", "inf"}) {
+        EXPECT_FALSE(is_number(text)) << text;
+    }
+    EXPECT_EQ(entry_text(" 0,95\r"), "0.95");
+    EXPECT_EQ(entry_text("1,234.5") + entry_text("1,2,3"), "1,234.51,2,3"); // could mean anything: as it stands
+}
+
 TEST(PlainNumber, HasNoDustAndNoExponentInEverydayRange) {
     const std::pair<double, const char*> cases[] = {{10, "10"},         {0.5, "0.5"},       {1000, "1000"},
                                                     {0.001, "0.001"},   {100000, "100000"}, {100 * 0.001 * 10, "1"},

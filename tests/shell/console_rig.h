@@ -49,7 +49,7 @@ protected:
             form->on_unload = [this, form] { navigation.view_closed(*form); };
         }
         console.offer_what_exists();
-        monitor.wire_menu();
+        navigation.wire_menus();
         main.form.show();
         polling.start();
         desktop.run_for(0.06);

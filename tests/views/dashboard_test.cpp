@@ -229,6 +229,52 @@ TEST(Trims, EnterAndTheShiftedArrowKeysUpdate) {
     EXPECT_THAT(press(bench.form.base_offset_deg, platform::key::enter, false), ElementsAre(Bytes{164, 68, 0, 0}));
 }
 
+// Thirty repeats a second for two seconds: the engine follows, one message after the other, up to the last step.
+TEST(Trims, AHeldKeyUpdatesOneAfterTheOtherAndTheEngineFollowsIt) {
+    DashboardBench bench;
+    bench.open(bench.form.form);
+    bench.form.ecu_pgm[0].confirm("1");
+    bench.sent();
+    std::size_t while_held = 0;
+    const auto in = [&](double seconds) { return test::to_microseconds(bench.desktop.seconds() + seconds); };
+    for (int i = 0; i < 60; ++i) {
+        bench.desktop.schedule(in(i / 30.0), [&] {
+            platform::KeyPress up{.code = platform::key::up, .shift = true};
+            bench.form.ecu_pgm[0].key_down(up);
+        });
+    }
+    bench.desktop.schedule(in(1.5), [&] { while_held = bench.controller.messages().size(); });
+    bench.desktop.run_for(4);
+    const auto messages = bench.sent();
+    EXPECT_GE(while_held, 5U);
+    EXPECT_LE(messages.size(), 30U);
+    EXPECT_EQ(messages.back(), (Bytes{'m', 0x17, 0x11, 0})); // 7.0 ms
+    EXPECT_FALSE(bench.state.polling_paused);
+    EXPECT_EQ(bench.form.ecu_pgm[0].text(), "7.000");
+}
+
+TEST(Trims, WhatWasNeverReadIsToldHatchedAndReadAgain) {
+    DashboardBench bench;
+    bench.open(bench.form.form);
+    EXPECT_EQ(bench.form.trim_status.text(), "3 values not read: read again"); // nothing here decodes the answers
+    bench.form.ecu_pgm[0].confirm("1");
+    bench.form.ecu_pgm[1].set_text("2");
+    bench.sent();
+    bench.form.read_again.press();
+    EXPECT_THAT(bench.sent(), ElementsAre(Bytes{163, '0', '0', '0'}));
+    EXPECT_EQ(bench.form.ecu_pgm[1].text(), "2");
+    EXPECT_EQ(bench.form.trim_status.text(), "1 value not read: read again; 1 value pending");
+    bench.form.base_offset_deg.confirm("1");
+    bench.desktop.run_for(0.1);
+    EXPECT_FALSE(bench.form.read_again.enabled());
+    // The text of the last opening is no value either.
+    bench.dashboard.activate();
+    EXPECT_EQ(bench.form.ecu_pgm[0].text(), "1");
+    bench.sent();
+    bench.form.Command2.press();
+    EXPECT_THAT(bench.sent(), IsEmpty());
+}
+
 TEST(KillSwitches, SendTheirMessageAtEachClick) {
     DashboardBench bench;
     bench.form.kill_timing.click();

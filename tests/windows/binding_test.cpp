@@ -71,6 +71,30 @@ TEST_F(SampleWindow, binds_each_control_once_and_no_stranger) {
     EXPECT_THROW(window_.make(other.shown), std::logic_error);
 }
 
+TEST_F(SampleWindow, a_box_shows_and_says_what_its_colour_does_not) {
+    form_.box[0].set_tool_tip("Milliseconds");
+    form_.box[0].blank();
+    EXPECT_EQ(edit(0).palette().brush(QPalette::Base).style(), Qt::TexturePattern);
+    EXPECT_EQ(edit(0).palette().color(QPalette::Base), theme::to_qt(pending));
+    EXPECT_EQ(edit(0).toolTip(), "Milliseconds\nnot read");
+    EXPECT_EQ(edit(0).accessibleDescription(), "not read");
+    edit(0).setFocus();
+    QTest::keyClicks(&edit(0), "1,5");
+    EXPECT_EQ(form_.box[0].text(), "1.5");
+    EXPECT_EQ(edit(0).palette().brush(QPalette::Base).style(), Qt::SolidPattern);
+    EXPECT_NE(edit(0).palette().color(QPalette::Text), theme::wrong_text);
+    QTest::keyClicks(&edit(0), "%");
+    EXPECT_EQ(edit(0).palette().color(QPalette::Text), theme::wrong_text);
+    EXPECT_EQ(edit(0).toolTip(), "Milliseconds\npending, no number");
+    form_.box[0].set_back_colour(confirmed); // sent, and never echoed
+    EXPECT_TRUE(edit(0).font().underline());
+    form_.box[0].confirm("1.5");
+    EXPECT_FALSE(edit(0).font().underline());
+    EXPECT_EQ(edit(0).toolTip(), "Milliseconds");
+    QTest::keyClicks(&edit(1), "a,b"); // no value of the controller
+    EXPECT_EQ(form_.box[1].text(), "a,b1.0");
+}
+
 TEST_F(SampleWindow, typing_turns_a_box_yellow_and_the_echo_turns_it_white) {
     QTest::keyClicks(&edit(0), "2");
     EXPECT_EQ(form_.box[0].text(), "21.0");

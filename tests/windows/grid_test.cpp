@@ -5,6 +5,7 @@
 #include <QClipboard>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QSet>
 
 namespace ecu::desktop {
 namespace {
@@ -172,6 +173,72 @@ TEST_F(GridWindow, block_is_copied_and_pasted_as_tab_separated_text) {
     QApplication::clipboard()->setText("7");
     type(Qt::Key_V, Qt::ControlModifier); // one cell fills them all
     EXPECT_EQ(form_.grid.cell_text(1, 1) + form_.grid.cell_text(3, 2), "77");
+}
+
+TEST_F(GridWindow, paste_leaves_blanks_and_no_numbers_alone_and_reads_a_decimal_comma) {
+    platform::Grid::Paste told;
+    form_.grid.pasted = [&](const platform::Grid::Paste& paste) { told = paste; };
+    const auto paste = [&](const char* text) {
+        QApplication::clipboard()->setText(text);
+        type(Qt::Key_V, Qt::ControlModifier);
+    };
+    paste("0,95\t\tabc\n1.2 %\t 7 \r\n");
+    EXPECT_EQ(form_.grid.cell_text(1, 1) + " " + form_.grid.cell_text(1, 2) + " " + form_.grid.cell_text(1, 3) + " " +
+                  form_.grid.cell_text(2, 1) + " " + form_.grid.cell_text(2, 2),
+              "0.95 12 13 21 7");
+    EXPECT_FALSE(form_.grid.cell_pending(1, 2) || form_.grid.cell_pending(1, 3));
+    EXPECT_EQ(told.refused, 2);
+    EXPECT_EQ(told.first_text + std::to_string(told.first_row) + std::to_string(told.first_column), "abc13");
+    EXPECT_EQ(told.written.size(), 2U);
+    paste(" \n");
+    EXPECT_EQ(form_.grid.cell_text(1, 1), "0.95");
+}
+
+TEST_F(GridWindow, comma_types_a_point_and_what_is_no_number_is_red) {
+    form_.grid.cell_changed = [this](int row, int column) { form_.grid.set_cell_back(row, column, pending); };
+    type(Qt::Key_1);
+    QTest::keyClick(QApplication::focusWidget(), ',');
+    type(Qt::Key_5);
+    EXPECT_EQ(form_.grid.cell_text(1, 1), "1.5");
+    const auto colour = [this] { return view_->model()->index(0, 0).data(Qt::ForegroundRole).value<QBrush>().color(); };
+    EXPECT_NE(colour(), theme::wrong_text);
+    QTest::keyClick(QApplication::focusWidget(), 'x');
+    EXPECT_EQ(colour(), theme::wrong_text);
+    type(Qt::Key_Tab);
+    select(2, 2);
+    QTest::keyClick(view_, ','); // begins an entry
+    EXPECT_EQ(form_.grid.cell_text(2, 2), ".");
+}
+
+TEST_F(GridWindow, each_cell_tells_its_value_its_place_and_its_state) {
+    form_.grid.place = [](int row, int) { return std::to_string(10 * row) + " kPa"; };
+    const auto told = [this](int row, int column) {
+        return view_->model()->index(row - 1, column - 1).data(Qt::AccessibleTextRole).toString().toStdString();
+    };
+    EXPECT_EQ(told(1, 1), "11, 10 kPa");
+    form_.grid.blank_cell(2, 1);
+    EXPECT_EQ(told(2, 1), "20 kPa, not read");
+    EXPECT_EQ(view_->model()->index(1, 0).data(Qt::ToolTipRole).toString(), "20 kPa, not read");
+    form_.grid.set_cell_text(3, 1, "5");
+    EXPECT_EQ(told(3, 1), "5, 30 kPa, pending");
+    form_.grid.set_cell_back(3, 1, platform::light_red); // shaded, and yet not what the controller has
+    EXPECT_EQ(told(3, 1), "5, 30 kPa, not confirmed by the controller");
+    type(Qt::Key_9);
+    type(Qt::Key_Escape); // nothing was entered
+    EXPECT_EQ(told(1, 1), "11, 10 kPa");
+    const auto pixel = [this](int row, int column) {
+        const QRect cell = view_->visualRect(view_->model()->index(row - 1, column - 1));
+        const QImage picture = view_->viewport()->grab(cell).toImage();
+        QSet<QRgb> colours;
+        for (int x = 2; x < cell.width() / 3; ++x) {
+            for (int y = cell.height() / 2; y < cell.height() - 3; ++y) {
+                colours.insert(picture.pixel(x, y));
+            }
+        }
+        return colours.size();
+    };
+    EXPECT_EQ(pixel(4, 4), 1);
+    EXPECT_GT(pixel(2, 1), 1) << "hatched";
 }
 
 // Else the block dialog would work on other cells than the highlighted ones.

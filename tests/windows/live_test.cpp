@@ -99,7 +99,7 @@ TEST(Dashboard, NeedlesSettleWithinAFifthOfASecondAndOnlyWhenSeen) {
         in_time = QTest::qWaitFor(shows(7.5), 250);
     }
     EXPECT_TRUE(in_time);
-    EXPECT_EQ(tachometer.accessibleDescription(), "7.50");
+    EXPECT_EQ(tachometer.accessibleDescription(), "7.50 thousand rpm");
 
     form.GPO_duty[0].set_visible(false);
     form.GPO_duty[3].set_visible(true);
@@ -145,7 +145,7 @@ struct PlotterWindow {
             form.Strip1.set_channel(i, {.colour = channel.colour,
                                         .enabled = true,
                                         .caption = std::string(channel.caption),
-                                        .unit = std::string(channel.unit),
+                                        .unit = std::string(channel.field->unit),
                                         .offset = channel.offset,
                                         .span = channel.span != 0 ? channel.span : 8000,
                                         .decimals = channel.decimals});

@@ -27,6 +27,7 @@ void DesktopConsole::add_windows() {
     add(forms.frm_3d, make_frm_3d_window);
     add(forms.frm_3d_graph, make_frm_3d_graph_window);
     add(forms.frm_cellblock_modifier, make_frm_cellblock_modifier_window);
+    add(forms.frm_sup, make_frm_sup_window);
     add(forms.frm_autotune, make_frm_autotune_window);
 }
 

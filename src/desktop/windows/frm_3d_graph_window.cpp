@@ -7,6 +7,7 @@
 #include <QEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QScreen>
 #include <QScrollBar>
 #include <QWindow>
@@ -82,16 +83,20 @@ std::unique_ptr<FormWindow> make_frm_3d_graph_window(maps::Frm3dGraph& f, QtHost
     layout->setSpacing(theme::gap);
     QWidget* picture = window->make(f.Picture1, "Surface of the map");
     picture->setMinimumSize(320, 220);
-    layout->addWidget(picture, 0, 0);
+    auto* shown = static_cast<QLabel*>(window->make(f.shown_map, "Map shown"));
+    shown->setWordWrap(true);
+    layout->addWidget(shown, 0, 0, 1, 2);
+    layout->addWidget(picture, 1, 0);
     auto* tilt = static_cast<QScrollBar*>(window->make(f.VScroll1, "View from above"));
     tilt->setOrientation(Qt::Vertical);
-    layout->addWidget(tilt, 0, 1);
-    layout->addWidget(window->make(f.HScroll1, "View from the side"), 1, 0);
-    layout->setRowStretch(0, 1);
+    layout->addWidget(tilt, 1, 1);
+    layout->addWidget(window->make(f.HScroll1, "View from the side"), 2, 0);
+    layout->setRowStretch(1, 1);
     layout->setColumnStretch(0, 1);
     window->set_body(body);
     window->set_footer(scale_row(*window, f));
-    window->resize(760, 560);
+    window->close_on_escape();
+    window->resize(760, 580);
     return window;
 }
 

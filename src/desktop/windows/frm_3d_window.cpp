@@ -1,6 +1,8 @@
 // The basic mapping window: the map fills it and grows with it, each axis caption standing at its row or column, with
 // the single values, the engine's figures and the legend beside it.
+#include "desktop/grid_delegate.h"
 #include "desktop/grid_view.h"
+#include "desktop/map_parts.h"
 #include "desktop/theme.h"
 #include "desktop/windows/windows.h"
 #include "maps/frm_3d.h"
@@ -22,36 +24,9 @@ namespace {
 
 using maps::Frm3d;
 
-constexpr int marker_size = 12;
+constexpr int marker_size = AxisMarker::size;
 constexpr int cells_per_side = 16;
 constexpr int smallest_figures = 8; // pixels
-
-// A triangle that points at its axis.
-class Marker final : public QWidget {
-public:
-    Marker(bool upward, QWidget* parent) : QWidget(parent), upward_(upward) {
-        setFixedSize(marker_size, marker_size);
-        setAttribute(Qt::WA_TransparentForMouseEvents);
-    }
-
-protected:
-    void paintEvent(QPaintEvent*) override {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(theme::accent(QPalette()));
-        const double end = marker_size - 0.5;
-        const double middle = marker_size / 2.0;
-        if (upward_) {
-            painter.drawPolygon(QPolygonF({{middle, 0.5}, {end, end}, {0.5, end}}));
-        } else {
-            painter.drawPolygon(QPolygonF({{end, middle}, {0.5, end}, {0.5, 0.5}}));
-        }
-    }
-
-private:
-    bool upward_;
-};
 
 // The four grids in one place with the axes around them.
 class MapPlot final : public QWidget {
@@ -140,7 +115,7 @@ private:
         return label;
     }
     QWidget* marker(FormWindow& window, platform::Shape& control, const char* name, bool upward) {
-        auto* widget = new Marker(upward, this);
+        auto* widget = new AxisMarker(upward, this);
         window.binding().bind_custom(
             control, widget, [this](platform::Property) { place_markers(); }, name);
         return widget;
@@ -231,28 +206,6 @@ Panel engine_panel(FormWindow& window, Frm3d& f) {
     return panel;
 }
 
-QWidget* swatch(platform::Colour colour) {
-    QPixmap picture(20, 14);
-    picture.fill(theme::to_qt(colour));
-    if (colour == platform::pending) {
-        QPainter painter(&picture);
-        paint_pending_mark(painter, picture.rect());
-    }
-    auto* label = new QLabel;
-    label->setPixmap(picture);
-    label->setFrameShape(QFrame::Box);
-    label->setFixedSize(22, 16);
-    return label;
-}
-
-QWidget* muted(const char* text) {
-    auto* label = new QLabel(QString::fromUtf8(text));
-    QPalette palette;
-    palette.setColor(QPalette::WindowText, theme::muted_text(QPalette()));
-    label->setPalette(palette);
-    return label;
-}
-
 // What the backgrounds mean. The eight boxes of the scale are the form's own, lowest first.
 QWidget* legend(FormWindow& window, Frm3d& f) {
     auto* holder = new QWidget;
@@ -261,12 +214,12 @@ QWidget* legend(FormWindow& window, Frm3d& f) {
     row->setSpacing(0);
     row->addStretch(1);
     row->addWidget(swatch(platform::pending));
-    row->addWidget(muted(" pending, sent by Update"));
+    row->addWidget(muted_label(" pending, sent by Update"));
     row->addSpacing(2 * theme::margin);
     row->addWidget(swatch(platform::confirmed));
-    row->addWidget(muted(" as in the controller"));
+    row->addWidget(muted_label(" as in the controller"));
     row->addSpacing(2 * theme::margin);
-    row->addWidget(muted("low "));
+    row->addWidget(muted_label("low "));
     for (std::size_t i = f.bk_color.size(); i-- > 0;) {
         auto* box = static_cast<QLineEdit*>(window.make(f.bk_color[i], "Shading"));
         box->setReadOnly(true);
@@ -275,7 +228,7 @@ QWidget* legend(FormWindow& window, Frm3d& f) {
         box->setFixedSize(18, 16);
         row->addWidget(box);
     }
-    row->addWidget(muted(" high"));
+    row->addWidget(muted_label(" high"));
     row->addStretch(1);
     return holder;
 }
@@ -320,14 +273,11 @@ std::unique_ptr<FormWindow> make_frm_3d_window(maps::Frm3d& f, QtHost& host) {
     QWidget* side = window->stack({map_panel(*window, f), values_panel(*window, f), engine_panel(*window, f)});
     side->setMaximumWidth(300);
     window->set_body(window->across({window->down({plot, legend(*window, f)}, {1, 0}), side}, {1, 0}));
-    window->set_footer(window->buttons({&f.show_this_graph, &f.Command3d2, &f.Command3d1}));
+    window->set_footer(window->buttons({&f.show_this_graph, &f.read_again, &f.Command3d2, &f.Command3d1}));
     window->demo_badge(f.show_demo_mode);
-    // Of fixed size, so that the progress of a read does not lay the window out again with each block.
-    QWidget* status = window->status(f.map_status);
-    status->setFixedSize(status->fontMetrics().horizontalAdvance("Aborted: nothing is sent until a view is opened  "),
-                         status->fontMetrics().height() + 4);
+    window->status_line(f.map_status);
     window->statusBar()->addPermanentWidget(
-        muted("Ctrl+1\u20134 map   F6 to and from it   Shift+\u2191\u2193 step   Ctrl+S, Ctrl+F block"));
+        muted_label("Ctrl+1\u20134 map   F6 to and from it   Shift+\u2191\u2193 step   Ctrl+S, Ctrl+F block"));
     window->keep_hidden(f.Picture1); // nothing is drawn in it
     window->scale_figures(9, 15);
     add_shortcuts(*window, f, *plot);

@@ -51,7 +51,7 @@ QWidget* mixture_bar(FormWindow& window, views::FrmDashboard& f) {
     for (platform::Shape& lamp : f.afr_led) {
         auto* widget = new LampWidget(lamp, views::lamp_dark);
         window.binding().bind_custom(
-            lamp, widget, [widget](platform::Property) { widget->update(); }, QString("Lamp %1").arg(lamp.index()));
+            lamp, widget, [widget](platform::Property) { widget->refresh(); }, QString("Lamp %1").arg(lamp.index()));
         grid->addWidget(widget, 1, lamp.index() + 1);
         grid->setColumnStretch(lamp.index() + 1, 1);
     }
@@ -68,9 +68,10 @@ QWidget* mixture_bar(FormWindow& window, views::FrmDashboard& f) {
         widget->setFont(theme::figure_font(9));
         grid->addWidget(widget, 2, 2 * mark.index(), 1, 3); // with room from the columns on both sides of its lamp
     }
-    QLabel* centre = label(f.lambda_val, "Mixture at the centre");
-    centre->setFont(theme::figure_font(13));
-    grid->addWidget(centre, 0, 7, 1, 5);
+    QLabel* live = label(f.lambda_live, "Mixture");
+    live->setFont(theme::figure_font(15));
+    grid->addWidget(live, 0, 4, 1, 11);
+    grid->addWidget(label(f.lambda_val, "Mixture at the centre"), 3, 7, 1, 5); // small: a mark of the scale, no value
     grid->addWidget(new QLabel("Lean"), 0, 0, 1, 4);
     auto* rich = new QLabel("Rich");
     rich->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
@@ -100,8 +101,9 @@ std::unique_ptr<FormWindow> make_frm_dashboard_window(views::FrmDashboard& f, Qt
     QWidget* controls = window->across({trims, feedback, mixture, picture}, {2, 2, 5, 2});
     controls->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
     window->set_body(window->down({gauges(*window, f), controls}, {1, 0}));
-    window->set_footer(window->buttons({&f.Command2, &f.Command1}));
+    window->set_footer(window->buttons({&f.read_again, &f.Command2, &f.Command1}));
     window->demo_badge(f.show_demo_mode);
+    window->status_line(f.trim_status);
     window->focus_first([&f]() -> platform::Control& { return f.Command1; });
     window->resize(1280, 800);
     return window;

@@ -9,29 +9,31 @@ namespace ecu::desktop {
 
 namespace {
 
+using Row = views::FrmMon::Row;
+
 Panel engine_panel(FormWindow& window, views::FrmMon& f) {
     Panel panel = window.panel("Engine");
-    panel.figure("Engine Speed", f.ECU_Data[0], "RPM", "00000");
+    panel.figure("Engine Speed", f.ECU_Data[Row::engine_speed], "RPM", "00000");
     panel.figure("MPH=", f.speed_MPH, "", "000.00");
     panel.figure("R/M=", f.rpm_mph_ratio, "", "0000.00");
     panel.figure("Gear=", f.gear_number, "", "00");
-    panel.figure("IAC State", f.ECU_Data[15], "", "OPENING");
-    panel.figure("IAC Error", f.ECU_Data[16], "", "ERR255");
-    panel.figure("IAC Position", f.ECU_Data[17], "", "0000");
-    panel.figure("IAC RPM Setpoint", f.ECU_Data[18], "RPM", "0000");
+    panel.figure("IAC State", f.ECU_Data[Row::idle_state], "", "OPENING");
+    panel.figure("IAC Error", f.ECU_Data[Row::idle_error], "", "ERR255");
+    panel.figure("IAC Position", f.ECU_Data[Row::idle_position], "", "0000");
+    panel.figure("IAC RPM Setpoint", f.ECU_Data[Row::idle_setpoint], "RPM", "0000");
     panel.spread();
     return panel;
 }
 
 Panel fuel_panel(FormWindow& window, views::FrmMon& f) {
     Panel panel = window.panel("Fuel");
-    panel.figure("A/F Ratio", f.ECU_Data[1], f.unit_of_lambda, "00.00");
+    panel.figure("A/F Ratio", f.ECU_Data[Row::mixture], f.unit_of_lambda, "00.00");
     panel.figure("Lambda Setpoint", f.ego_lambda_setpoint, f.unit_of_setpoint, "00.00");
-    panel.figure("Base Injection PW", f.ECU_Data[5], "ms", "00.000");
-    panel.figure("EGO Correction", f.ECU_Data[6], "Gamma", "0.000");
-    panel.figure("MAP Enrichment", f.ECU_Data[7], "Gamma", "0.000");
-    panel.figure("Accel Enrichment", f.ECU_Data[8], "", "00.000");
-    panel.figure("CLT Enrichment", f.ECU_Data[9], "Gamma", "0.000");
+    panel.figure("Base Injection PW", f.ECU_Data[Row::injection_time], "ms", "00.000");
+    panel.figure("EGO Correction", f.ECU_Data[Row::ego_correction], "Gamma", "0.000");
+    panel.figure("MAP Enrichment", f.ECU_Data[Row::map_enrichment], "Gamma", "0.000");
+    panel.figure("Accel Enrichment", f.ECU_Data[Row::accel_enrichment], "", "00.000");
+    panel.figure("CLT Enrichment", f.ECU_Data[Row::clt_enrichment], "Gamma", "0.000");
     panel.figure("Map#=", f.map_num, "", "0");
     panel.spread();
     return panel;
@@ -39,14 +41,14 @@ Panel fuel_panel(FormWindow& window, views::FrmMon& f) {
 
 Panel sensors_panel(FormWindow& window, views::FrmMon& f) {
     Panel panel = window.panel("Sensors");
-    panel.figure("Manifold Pressure", f.ECU_Data[4], "kPa", "000.0");
-    panel.figure("Throttle Position", f.ECU_Data[3], "%", "000.0");
-    panel.figure("Coolant Temp.", f.ECU_Data[2], "\u00b0C", "-000");
-    panel.figure("AirTemp.", f.ECU_Data[11], "\u00b0C", "-000");
+    panel.figure("Manifold Pressure", f.ECU_Data[Row::manifold], "kPa", "000.0");
+    panel.figure("Throttle Position", f.ECU_Data[Row::throttle], "%", "000.0");
+    panel.figure("Coolant Temp.", f.ECU_Data[Row::coolant], "\u00b0C", "-000");
+    panel.figure("AirTemp.", f.ECU_Data[Row::air_temperature], "\u00b0C", "-000");
     panel.figure("EGT=", f.EGT, "\u00b0C", "0000.0");
-    panel.figure("Barometic Pressure", f.ECU_Data[14], "kPa", "000.0");
-    panel.figure("Battery Voltage", f.ECU_Data[10], "Volts DC", "00.00");
-    panel.figure("AUX Input", f.ECU_Data[12], "Volts DC", "0.000");
+    panel.figure("Barometic Pressure", f.ECU_Data[Row::barometer], "kPa", "000.0");
+    panel.figure("Battery Voltage", f.ECU_Data[Row::battery], "Volts DC", "00.00");
+    panel.figure("AUX Input", f.ECU_Data[Row::aux_input], "Volts DC", "0.000");
     panel.spread();
     return panel;
 }
@@ -54,7 +56,7 @@ Panel sensors_panel(FormWindow& window, views::FrmMon& f) {
 // What fires the plugs, from the crank's and cam's teeth to what holds the spark back.
 Panel ignition_panel(FormWindow& window, views::FrmMon& f) {
     Panel panel = window.panel("Ignition");
-    panel.figure("Timing", f.ECU_Data[19], "degrees", "00.00B");
+    panel.figure("Timing", f.ECU_Data[Row::timing], "degrees", "00.00B");
     panel.figure("Rev Lim=", f.rev_limit_stat, "", "RPM2");
     panel.figure("Flat Shft=", f.flat_shift_stat, "", "FLAT+");
     panel.figure("TrigB=", f.trig_b_stat, "", "HIGH");
@@ -125,7 +127,7 @@ std::unique_ptr<FormWindow> make_frm_mon_window(views::FrmMon& f, QtHost& host) 
     window->set_body(panels(*window, f));
     window->set_footer(window->buttons({&f.Command3d1}));
     window->demo_badge(f.show_demo_mode);
-    window->keep_hidden(f.ECU_Data[13]); // nothing is ever written to it
+    window->keep_hidden(f.ECU_Data[Row::unused]); // nothing is ever written to it
     window->scale_figures(8, 30);
     window->resize(1240, 740);
     return window;

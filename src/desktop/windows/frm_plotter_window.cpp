@@ -1,6 +1,4 @@
 // The plotter: the chart over as much of the window as there is, its channels as a legend beside it, the log below.
-#include "desktop/qt_dialogs.h"
-#include "desktop/qt_text.h"
 #include "desktop/strip_chart_widget.h"
 #include "desktop/theme.h"
 #include "desktop/windows/windows.h"
@@ -8,28 +6,13 @@
 
 #include <QBoxLayout>
 #include <QCheckBox>
-#include <QDir>
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
 
-#include <algorithm>
-
 namespace ecu::desktop {
 
 namespace {
-
-void save_picture(StripChartWidget& chart) {
-    QtDialogs dialogs;
-    const std::string path = dialogs.save_file({.title = "Save the chart as a picture",
-                                                .default_extension = "png",
-                                                .filter = "Picture (*.png)|",
-                                                .initial_name = "PLOTTER.PNG"});
-    if (!path.empty() && !chart.save_png(qt(path))) {
-        dialogs.message_box({.text = "The picture " + path + " could not be written. Choose another name or folder.",
-                             .icon = platform::Icon::warning});
-    }
-}
 
 QPushButton* tool(const char* text, const char* name, const char* tip) {
     auto* button = new QPushButton(QString::fromUtf8(text));
@@ -42,21 +25,12 @@ QPushButton* tool(const char* text, const char* name, const char* tip) {
 QWidget* chart_with_tools(FormWindow& window, logging::FrmPlotter& f) {
     auto* chart = new StripChartWidget(f.Strip1);
     window.binding().bind_custom(
-        f.Strip1, chart,
-        [chart, &f](platform::Property property) {
-            const auto starters = std::span(f.Strip1.channels()).first(logging::starting_channels);
-            const bool runs = std::ranges::any_of(starters, &platform::StripChart::Channel::enabled);
-            chart->set_hint(runs ? "" : "The chart runs while one of the first 16 channels is ticked.");
-            chart->refresh(property);
-        },
-        "Strip chart");
+        f.Strip1, chart, [chart](platform::Property property) { chart->refresh(property); }, "Strip chart");
     QPushButton* live =
         tool("Back to li&ve", "chart_live", "Scroll with the newest sample again, at the usual width and height (End)");
-    QPushButton* save = tool("Save &picture...", "chart_save", "Save what the chart shows as a PNG file");
     live->setEnabled(false);
     chart->view_changed = [chart, live] { live->setEnabled(!chart->is_at_default()); };
     QObject::connect(live, &QPushButton::clicked, chart, [chart] { chart->go_live(); });
-    QObject::connect(save, &QPushButton::clicked, chart, [chart] { save_picture(*chart); });
     auto* keys = new QLabel("Click: stamp the time.  Wheel: zoom (Shift: height).  Drag: back in time.");
     QPalette muted;
     muted.setColor(QPalette::WindowText, theme::muted_text(QPalette()));
@@ -69,7 +43,7 @@ QWidget* chart_with_tools(FormWindow& window, logging::FrmPlotter& f) {
     layout->addWidget(chart, 0, 0, 1, 3);
     layout->addWidget(keys, 1, 0);
     layout->addWidget(live, 1, 1);
-    layout->addWidget(save, 1, 2);
+    layout->addWidget(window.make(f.save_picture), 1, 2);
     layout->setRowStretch(0, 1);
     layout->setColumnStretch(0, 1);
     return holder;
@@ -90,20 +64,17 @@ QWidget* legend(FormWindow& window, logging::FrmPlotter& f) {
     return panel;
 }
 
+// Below the body, where no scrolling takes it away: what is recorded, and the buttons that start and stop it.
 QWidget* log_panel(FormWindow& window, logging::FrmPlotter& f) {
     Panel panel = window.panel("Log");
     QWidget* name = panel.row("Plotter File Name", f.plot_file);
     name->setMaximumWidth(QWIDGETSIZE_MAX);
-    QPushButton* browse = tool("&Browse...", "plot_file_browse", "Choose the file's name and location");
-    QObject::connect(browse, &QPushButton::clicked, name, [&f] {
-        if (f.plot_file.double_clicked) {
-            f.plot_file.double_clicked();
-        }
-    });
-    window.binding().follow(f.plot_file, browse);
-    panel.row("File Samples", f.File_Samples);
+    panel.row("", f.file_note);
     panel.next_column();
-    panel.add(browse);
+    panel.add(f.browse);
+    panel.add(f.new_name);
+    panel.next_column();
+    panel.row("File Samples", f.File_Samples);
     panel.add(f.skip_graphics);
     panel.next_column();
     panel.add(f.Command3d2);
@@ -117,9 +88,8 @@ QWidget* log_panel(FormWindow& window, logging::FrmPlotter& f) {
 
 std::unique_ptr<FormWindow> make_frm_plotter_window(logging::FrmPlotter& f, QtHost& host) {
     auto window = std::make_unique<FormWindow>(f.form, host);
-    QWidget* left = window->down({chart_with_tools(*window, f), log_panel(*window, f)}, {1, 0});
-    window->set_body(window->across({left, legend(*window, f)}, {1, 0}));
-    window->set_footer(window->buttons({&f.Command3d1}));
+    window->set_body(window->across({chart_with_tools(*window, f), legend(*window, f)}, {1, 0}));
+    window->set_footer(window->across({log_panel(*window, f), window->buttons({&f.Command3d1})}, {1, 0}));
     window->demo_badge(f.show_demo_mode);
     window->resize(1240, 760);
     return window;

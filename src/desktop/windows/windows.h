@@ -29,6 +29,7 @@ namespace ecu::maps {
 struct Frm3d;
 struct Frm3dGraph;
 struct FrmCellblockModifier;
+struct FrmSup;
 } // namespace ecu::maps
 namespace ecu::autotune {
 struct FrmAutotune;
@@ -47,6 +48,7 @@ std::unique_ptr<FormWindow> make_frm_plotter_window(logging::FrmPlotter& form, Q
 std::unique_ptr<FormWindow> make_frm_3d_window(maps::Frm3d& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_3d_graph_window(maps::Frm3dGraph& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_cellblock_modifier_window(maps::FrmCellblockModifier& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_sup_window(maps::FrmSup& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_autotune_window(autotune::FrmAutotune& form, QtHost& host);
 
 } // namespace ecu::desktop

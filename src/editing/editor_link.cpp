@@ -1,0 +1,104 @@
+#include "editing/editor_link.h"
+
+#include "editing/editing_rules.h"
+
+namespace ecu::editing {
+
+using calibration::EncodedEntry;
+using platform::Answer;
+
+std::string EditorLink::Place::text() const {
+    return row == 0 ? control.text() : static_cast<platform::Grid&>(control).cell_text(row, column);
+}
+
+void EditorLink::Place::replace(std::string_view text) const {
+    row == 0 ? control.set_text(text) : static_cast<platform::Grid&>(control).set_cell_text(row, column, text);
+}
+
+Answer EditorLink::say(const Place& place, std::string_view text, platform::Buttons buttons) {
+    platform::MessageBox box{.text = std::string(text), .buttons = buttons};
+    if (show_place) {
+        box.details = show_place(place.control, place.row, place.column);
+    }
+    return ports_.dialogs.message_box(box);
+}
+
+Fate EditorLink::settle(const EncodedEntry& entry, const Place& place, const GoOn& go_on, const link::Message& message,
+                        int expected_length) {
+    const auto dropped = [&] { return go_on && !go_on(); };
+    if (!entry.question.empty() &&
+        (say(place, entry.question, platform::Buttons::yes_no_cancel) != Answer::yes || dropped())) {
+        return Fate::skipped;
+    }
+    const std::string entered = place.text();
+    if (!entry.replaced.empty()) {
+        place.replace(entry.replaced);
+    }
+    if (!entry.notice.empty()) {
+        say(place, entry.notice);
+        if (dropped()) {
+            return Fate::skipped;
+        }
+    }
+    if (!entry.refusal.empty()) {
+        say(place, entry.refusal);
+        return Fate::refused;
+    }
+    const Fate fate = write(message, expected_length);
+    if (fate == Fate::accepted && entry.held && on_held) {
+        on_held(entered, place.text());
+    }
+    return fate;
+}
+
+Fate EditorLink::send_entry(const calibration::Parameter& row, int element, platform::TextBox& box, const GoOn& go_on) {
+    const EncodedEntry entry = calibration::raw_from_entry(row, box.text(), scales_);
+    return settle(entry, {.control = box}, go_on, calibration::write_message(row, element, entry.raw), row.write.reply);
+}
+
+Fate EditorLink::send_entry(const calibration::Table& row, int index, platform::TextBox& box, const GoOn& go_on) {
+    const EncodedEntry entry = calibration::raw_from_entry(row, box.text(), scales_);
+    return settle(entry, {.control = box}, go_on, calibration::cell_write_message(row.base + index, entry.raw),
+                  calibration::cell_reply);
+}
+
+Fate EditorLink::send_entry(const calibration::Table& row, int index, platform::Grid& grid, const GoOn& go_on) {
+    const EncodedEntry entry = calibration::raw_from_entry(row, text_at(grid, index), scales_);
+    return settle(entry, {.control = grid, .row = row_of(grid, index), .column = column_of(grid, index)}, go_on,
+                  calibration::cell_write_message(row.base + index, entry.raw), calibration::cell_reply);
+}
+
+bool EditorLink::out_of_range(const calibration::Table& row, std::string_view text) const {
+    const EncodedEntry entry = calibration::raw_from_entry(row, text, scales_);
+    return entry.held || !entry.refusal.empty();
+}
+
+Fate EditorLink::write(const link::Message& message, int expected_length) {
+    switch (comm_.send_ecu_message(message, expected_length)) {
+    case link::Outcome::accepted:
+        return Fate::accepted;
+    case link::Outcome::unanswered:
+        return Fate::unanswered;
+    case link::Outcome::not_sent:
+        return Fate::not_sent;
+    }
+    return Fate::not_sent;
+}
+
+bool EditorLink::read_blocks(const calibration::BlockRead& block, int address, int count,
+                             const std::function<void(int)>& progress, const std::function<bool()>& stop,
+                             const std::function<bool(int)>& skip) {
+    for (int k = 0; k < count; ++k) {
+        if (skip && skip(k)) {
+            continue;
+        }
+        progress(k);
+        read(calibration::block_read_message(block, address + k * block.cells), block.reply());
+        if (state_.comm_aborted || stop()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace ecu::editing

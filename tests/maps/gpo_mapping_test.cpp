@@ -1,0 +1,438 @@
+#include "console/console.h"
+#include "platform/display_mask.h"
+#include "support/sim_desktop.h"
+#include "support/wired_controller.h"
+
+#include <gmock/gmock.h>
+
+namespace ecu::test {
+namespace {
+
+using controller::slot;
+using platform::pending;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr std::array output_bases{0x0290, 0x0300, 0x0360, 0x0400};
+constexpr std::array boost_bases{0x0500, 0x0960, 0x0A00, 0x0A60};
+
+// The console on a line to the virtual controller, in whose memory all that the window shows is distinct.
+struct GpoMapping : testing::Test {
+    SimDesktop desktop;
+    console::Console console{desktop.ports()};
+    WiredController wired{desktop, desktop.line()};
+    controller::ControllerMemory& memory = wired.controller.memory();
+    maps::FrmSup& form = console.forms.frm_sup;
+    std::vector<Bytes> sent; // command and arguments
+
+    GpoMapping() {
+        console.forms.registry.set_host(&desktop);
+        console.state.comm_port_number = 3;
+        for (std::size_t i = 0; i < 4; ++i) {
+            const auto n = static_cast<std::uint16_t>(i);
+            memory.store(slot("GPOS") + i, std::array<std::uint16_t, 4>{1, 128 + 5, 9, 10}[i]);
+            memory.store(slot("GPOV") + i, std::array<std::uint16_t, 4>{10, 88, 200, 127}[i]);
+            memory.store(slot("RPMS") + i, static_cast<std::uint16_t>(1001 + 1000 * n));
+            memory.store(slot("BO_P") + i, static_cast<std::uint16_t>(4096 + 100 * n));
+            memory.store(slot("BO_I") + i, static_cast<std::uint16_t>(8192 + 100 * n));
+            memory.store(slot("BO_D") + i, static_cast<std::uint16_t>(12288 + 100 * n));
+            memory.store(slot("BOEN") + i, static_cast<std::uint16_t>(100 + n));
+            memory.store(slot("BOIS") + i, static_cast<std::uint16_t>(51 + 10 * n));
+            memory.store(slot("BORT") + i, static_cast<std::uint16_t>(31 + n));
+            memory.store(slot("BOFG") + i, std::array<std::uint16_t, 4>{0, 1, 2, 3}[i]);
+            for (std::size_t k = 0; k < 81; ++k) {
+                memory.store_cell(at(output_bases, i) + k, static_cast<std::uint8_t>(3 * k + i));
+                memory.store_cell(at(boost_bases, i) + k, static_cast<std::uint8_t>(3 * k + 10 + i));
+            }
+        }
+        wired.controller.on_request = [this](const link::Request& request) {
+            sent.emplace_back(request.begin() + 2, request.begin() + 6);
+        };
+    }
+    static std::size_t at(const std::array<int, 4>& bases, std::size_t n) { return static_cast<std::size_t>(bases[n]); }
+    void open() {
+        console.navigation.open(link::View::gpo_mapping);
+        desktop.run_for(2);
+        sent.clear();
+    }
+    std::vector<Bytes> update() {
+        sent.clear();
+        form.Command3d2.press();
+        desktop.run_for(1);
+        return sent;
+    }
+    // What another window, or a reply that comes late, makes the controller say.
+    void exchange(const Bytes& message, int length) { console.comm.poll(message, length); }
+    std::string cell(const platform::Grid& grid, int i) { return maps::text_at(grid, i); }
+    std::size_t pending_everywhere() {
+        std::size_t count = 0;
+        for (std::size_t n = 0; n < 4; ++n) {
+            count +=
+                static_cast<std::size_t>(maps::pending_cells(form.GPO_tbl[n]) + maps::pending_cells(form.boost_gpo[n]));
+            for (auto* boxes : {&form.cool_rly_temp, &form.rpm_switch, &form.boost_p, &form.boost_i, &form.boost_d,
+                                &form.boost_enable_press, &form.boost_integ_preset, &form.boost_loop_rate}) {
+                count += (*boxes)[n].is_pending() ? 1 : 0;
+            }
+            count += form.gpo_mode[n][0].fore_colour() == pending ? 1 : 0;
+            count += form.boost_ctrl_invert[n].fore_colour() == pending ? 1 : 0;
+        }
+        return count;
+    }
+};
+
+TEST_F(GpoMapping, OpeningReadsModesAndMapsInOrderWithNoPollBetweenAndShowsAll) {
+    console.polling.start();
+    console.navigation.open(link::View::gpo_mapping);
+    desktop.run_for(2);
+    std::vector<Bytes> expected{
+        {'C', '0', '0', '0'}, {'C', '0', '0', '0'}, {170, 0, 0, 0}, {172, 0, 0, 0}, {225, 0, 0, 0}};
+    const auto blocks = [&](const std::array<int, 4>& bases) {
+        for (const int base : bases) {
+            for (const int address : {base, base + 27, base + 54}) {
+                expected.push_back(
+                    {'k', static_cast<std::uint8_t>(address & 255), static_cast<std::uint8_t>(address >> 8), 0});
+            }
+        }
+    };
+    blocks(output_bases);
+    expected.push_back({217, 0, 0, 0});
+    blocks(boost_bases);
+    ASSERT_GT(sent.size(), expected.size());
+    EXPECT_EQ(std::vector(sent.begin(), sent.begin() + static_cast<long>(expected.size())), expected);
+
+    EXPECT_EQ(pending_everywhere(), 0U);
+    EXPECT_EQ(form.map_status.text(), "No values pending");
+    EXPECT_TRUE(form.gpo_mode[0][1].checked() && form.gpo_mode[1][5].checked() && form.gpo_mode[2][9].checked() &&
+                form.gpo_mode[3][10].checked());
+    EXPECT_TRUE(form.dont_interpolate[1].checked() && !form.dont_interpolate[0].checked());
+    EXPECT_EQ(form.cool_rly_temp[2].text(), "200"); // the read shows the byte as it stands
+    EXPECT_EQ(form.rpm_switch[3].text(), "4001");
+    EXPECT_EQ(cell(form.GPO_tbl[0], 40), "46.9");    // 120 / 256
+    EXPECT_EQ(cell(form.boost_gpo[1], 40), "141.0"); // 131 of 255 kPa and 10
+    EXPECT_EQ(form.GPO_tbl[2].cell_text(9, 1), "0.8");
+    EXPECT_EQ(form.boost_p[1].text(), "1.024");
+    EXPECT_EQ(form.boost_i[0].text(), "2.000");
+    EXPECT_EQ(form.boost_d[3].text(), "3.073");
+    EXPECT_EQ(form.boost_enable_press[2].text(), "112.0");
+    EXPECT_EQ(form.boost_integ_preset[0].text(), "20");
+    EXPECT_EQ(form.boost_loop_rate[3].text(), "34");
+    EXPECT_TRUE(form.boost_ctrl_invert[1].checked() && form.use_as_pwm[2].checked() && form.use_as_pwm[3].checked());
+    EXPECT_EQ(form.form.caption(), "General Purpose Output Driver Mapping ->COM3");
+}
+
+TEST_F(GpoMapping, UpdateOfEverythingSendsEachValueOnceInItsOrderAndShowsWhatTheControllerHolds) {
+    open();
+    std::vector<Bytes> expected;
+    for (std::uint8_t i = 0; i < 4; ++i) {
+        form.cool_rly_temp[i].set_text("-10");
+        form.rpm_switch[i].set_text("40000");
+        form.gpo_mode[i][i == 3 ? 6 : 4].click();
+        form.dont_interpolate[i].click();
+        for (auto* gain : {&form.boost_p, &form.boost_i, &form.boost_d}) {
+            (*gain)[i].set_text("1.5");
+        }
+        form.boost_enable_press[i].set_text(i == 0 ? "5" : "400");
+        form.boost_integ_preset[i].set_text("30");
+        form.boost_loop_rate[i].set_text("999");
+        form.boost_ctrl_invert[i].click();
+        form.use_as_pwm[i].click();
+        maps::write_all(form.GPO_tbl[i], "30");
+        maps::write_all(form.boost_gpo[i], "200");
+        expected.push_back({173, i, 117, 0});
+        expected.push_back({226, i, 0xFF, 0x7F});
+    }
+    expected.insert(expected.end(), {{171, 0, 132, 0}, {171, 1, 4, 0}, {171, 2, 132, 0}, {171, 3, 134, 0}});
+    const auto cells = [&](int base, std::uint8_t raw) {
+        for (int address = base; address < base + 81; ++address) {
+            expected.push_back(
+                {'e', static_cast<std::uint8_t>(address & 255), static_cast<std::uint8_t>(address >> 8), raw});
+        }
+    };
+    for (std::size_t n = 0; n < 4; ++n) {
+        cells(output_bases[n], n == 3 ? 76 : 77); // the fourth output's full duty is 255
+    }
+    for (const int base : boost_bases) {
+        cells(base, 191); // 190 of 255 kPa by 256, the older flag holding until its own echo
+    }
+    for (std::uint8_t i = 0; i < 4; ++i) {
+        expected.insert(expected.end(), {{218, i, 0x00, 0x18},
+                                         {219, i, 0x00, 0x18},
+                                         {220, i, 0x00, 0x18},
+                                         {221, i, static_cast<std::uint8_t>(i == 0 ? 0 : 255), 0},
+                                         {222, i, 76, 0},
+                                         {223, i, 255, 0},
+                                         {224, i, static_cast<std::uint8_t>(std::array{3, 2, 1, 0}[i]), 0}});
+    }
+    form.Command3d2.press();
+    EXPECT_EQ(sent, expected);
+    EXPECT_EQ(pending_everywhere(), 0U);
+    EXPECT_EQ(form.cool_rly_temp[0].text(), "117");
+    EXPECT_EQ(form.boost_enable_press[1].text(), "265.0");
+    EXPECT_EQ(cell(form.GPO_tbl[0], 5), "30.1");
+    EXPECT_EQ(cell(form.GPO_tbl[3], 5), "29.7");
+    EXPECT_EQ(cell(form.boost_gpo[0], 5), "74.6"); // duty now, by the first channel's new flag
+    EXPECT_EQ(cell(form.boost_gpo[3], 80), "74.6");
+    EXPECT_EQ(memory.value(slot("BOFG")), 3);
+    EXPECT_EQ(memory.cell(0x0A60 + 80), 191);
+}
+
+TEST_F(GpoMapping, RawNumbersAreHeldAndTheEchoOfTheRelayIsSigned) {
+    open();
+    form.GPO_tbl[0].set_cell_text(9, 1, "100");
+    form.GPO_tbl[3].set_cell_text(9, 1, "100");
+    form.GPO_tbl[1].set_cell_text(9, 1, "-5");
+    form.cool_rly_temp[1].set_text("200");
+    form.rpm_switch[0].set_text("-1");
+    EXPECT_THAT(update(), testing::IsSupersetOf({Bytes{'e', 0x90, 2, 255}, Bytes{'e', 0x00, 4, 255},
+                                                 Bytes{'e', 0x00, 3, 0}, Bytes{173, 1, 200, 0}, Bytes{226, 0, 0, 0}}));
+    EXPECT_EQ(form.GPO_tbl[0].cell_text(9, 1), "99.6");
+    EXPECT_EQ(form.GPO_tbl[3].cell_text(9, 1), "99.6");
+    EXPECT_EQ(form.cool_rly_temp[1].text(), "-56");
+    EXPECT_TRUE(desktop.boxes().empty());
+}
+
+struct AxesCase {
+    std::size_t mode;
+    std::string x_title, y_title, x1, x8, y1, y8;
+    bool shown;
+    int width;
+};
+TEST_F(GpoMapping, AxesFollowTheModeByClickAndByReply) {
+    open(); // 2.5 bar sensor, 10000 rpm
+    const std::vector<AxesCase> cases{{0, "---", "---", "0", "0", "0.0", "0.0", false, 43},
+                                      {1, "RPM", "MAP", "1250", "10000", "41.9", "265.0", true, 43},
+                                      {2, "RPM", "CLT", "1250", "10000", "3.0", "115.0", true, 43},
+                                      {3, "RPM", "TPS", "1250", "10000", "12.5", "100.0", true, 43},
+                                      {4, "RPM", "MAT", "1250", "10000", "3.0", "115.0", true, 43},
+                                      {5, "MAT", "MAP", "5", "128", "41.9", "265.0", true, 43},
+                                      {6, "---", "---", "0", "0", "0.0", "0.0", false, 43},
+                                      {9, "---", "---", "0", "0", "0.0", "0.0", false, 43},
+                                      {10, "   ", "IAC", "0", "0", "32.0", "256.0", true, 0}};
+    for (const bool by_reply : {false, true}) {
+        for (const AxesCase& c : cases) {
+            if (by_reply) {
+                exchange({171, 2, static_cast<std::uint8_t>(c.mode + 128), 0}, 5);
+                EXPECT_TRUE(form.gpo_mode[2][c.mode].checked());
+                EXPECT_EQ(console.gpo_mapping.gpo_mode_byte(2), static_cast<int>(c.mode) + 128);
+            } else {
+                form.gpo_mode[2][c.mode].click();
+            }
+            EXPECT_EQ(form.gpo_mode[2][0].fore_colour(), by_reply ? platform::black : pending);
+            EXPECT_EQ(form.gpo_x_text[2].text(), c.x_title) << c.mode;
+            EXPECT_EQ(form.gpo_y_text[2].text(), c.y_title) << c.mode;
+            EXPECT_EQ(form.GPO_X_lbl[2][1].text(), c.x1) << c.mode;
+            EXPECT_EQ(form.GPO_X_lbl[2][8].text(), c.x8) << c.mode;
+            EXPECT_EQ(form.GPO_Y_lbl[2][1].text(), c.y1) << c.mode;
+            EXPECT_EQ(form.GPO_Y_lbl[2][8].text(), c.y8) << c.mode;
+            EXPECT_EQ(form.gpo_map_holder[2].visible(), c.shown) << c.mode;
+            EXPECT_EQ(form.GPO_tbl[2].column_width(2), c.width) << c.mode;
+            EXPECT_EQ(form.GPO_tbl[2].column_width(9), c.width) << c.mode;
+            EXPECT_EQ(form.GPO_tbl[2].column_width(1), 43);
+        }
+    }
+    EXPECT_EQ(form.gpo_x_text[1].text(), "MAT"); // the others stayed
+}
+
+TEST_F(GpoMapping, TheFirstChannelsStoredFlagGovernsAllBoostCellsAndEachBoxItsOwnAxes) {
+    open();
+    EXPECT_EQ(form.boost_y_text[0].text(), "MAT");
+    EXPECT_EQ(form.GPO_boost_Y_lbl[0][1].text(), "3");
+    EXPECT_EQ(form.boost_y_text[2].text(), "MAP"); // its own box is ticked, its cells are pressure all the same
+    EXPECT_EQ(form.GPO_boost_Y_lbl[2][1].text(), "41");
+    EXPECT_EQ(form.GPO_boost_X_lbl[2][3].text(), "3750");
+    EXPECT_EQ(cell(form.boost_gpo[2], 40), "142.0");
+    form.use_as_pwm[0].click();
+    EXPECT_EQ(form.boost_y_text[0].text(), "MAP");
+    EXPECT_EQ(form.boost_ctrl_invert[0].fore_colour(), pending);
+    EXPECT_NE(form.use_as_pwm[0].fore_colour(), pending);
+    EXPECT_EQ(cell(form.boost_gpo[2], 40), "142.0"); // not before the controller has it
+    form.boost_gpo[2].set_cell_text(9, 1, "12");
+    exchange({224, 1, 3, 0}, 5);
+    EXPECT_EQ(cell(form.boost_gpo[2], 40), "142.0");
+    sent.clear();
+    exchange({224, 0, 2, 0}, 5);
+    EXPECT_THAT(sent, ElementsAre(Bytes{224, 0, 2, 0}));
+    EXPECT_EQ(form.boost_ctrl_invert[0].fore_colour(), platform::black);
+    EXPECT_EQ(cell(form.boost_gpo[2], 40), "51.6"); // 132 / 256
+    EXPECT_EQ(cell(form.boost_gpo[3], 80), "98.8");
+    EXPECT_EQ(form.boost_gpo[2].cell_back(5, 5), platform::confirmed);
+    EXPECT_EQ(form.boost_gpo[2].cell_text(9, 1), "12"); // the tuner's own
+    EXPECT_TRUE(form.boost_gpo[2].cell_pending(9, 1));
+    EXPECT_THAT(update(), testing::Contains(Bytes{'e', 0, 0x0A, 31})); // 12 % of 255
+    EXPECT_EQ(form.boost_gpo[2].cell_text(9, 1), "12.1");
+}
+
+TEST_F(GpoMapping, AModeThatTheConsoleDoesNotKnowIsToldAndKept) {
+    open();
+    exchange({171, 0, 13, 0}, 5);
+    desktop.run_for(0.01);
+    EXPECT_EQ(platform::chosen(form.gpo_mode[0]), -1);
+    EXPECT_FALSE(form.gpo_map_holder[0].visible());
+    EXPECT_THAT(form.gpo_words[0].text(), HasSubstr("Mode 13 is not known"));
+    form.dont_interpolate[0].click();
+    EXPECT_THAT(update(), testing::Contains(Bytes{171, 0, 128 + 13, 0}));
+    form.gpo_mode[0][0].click();
+    EXPECT_THAT(update(), testing::Contains(Bytes{171, 0, 128, 0}));
+}
+
+TEST_F(GpoMapping, MarksCountOnTheirPageAndGoWithTheEchoOrTheNextOpening) {
+    open();
+    form.dont_interpolate[1].click();
+    form.boost_ctrl_invert[1].click();
+    form.use_as_pwm[3].click();
+    form.GPO_tbl[2].set_cell_text(1, 9, "7"); // of a hidden map
+    desktop.run_for(0.01);
+    EXPECT_EQ(form.map_status.text(), "4 values pending: GPO2 2, GPO3 1, GPO4 1");
+    EXPECT_EQ(form.pending_on_page[0].text(), "");
+    EXPECT_EQ(form.pending_on_page[1].text(), "2 pending");
+    EXPECT_EQ(form.pending_on_page[2].text(), "1 pending");
+    EXPECT_FALSE(form.gpo_map_holder[2].visible());
+    const auto messages = update();
+    EXPECT_THAT(messages, testing::IsSupersetOf({Bytes{171, 1, 5, 0}, Bytes{224, 1, 0, 0}, Bytes{224, 3, 1, 0},
+                                                 Bytes{'e', 0x60 + 80, 3, 18}}));
+    EXPECT_EQ(form.pending_on_page[1].text(), "");
+    form.gpo_mode[1][2].click();
+    form.boost_ctrl_invert[1].click();
+    form.Command3d1.press();
+    desktop.run_for(0.2);
+    EXPECT_EQ(console.state.current_view, link::View::none);
+    open();
+    EXPECT_EQ(pending_everywhere(), 0U);
+    EXPECT_TRUE(form.gpo_mode[1][5].checked());
+    EXPECT_TRUE(update().empty());
+}
+
+TEST_F(GpoMapping, ExitAndAbortEndTheReadAndTheClosedWindowIsBlankAfterAbort) {
+    wired.controller.on_request = [this](const link::Request& request) {
+        sent.emplace_back(request.begin() + 2, request.begin() + 6);
+        if (request[2] == 'k' && request[3] == 0x00 && request[4] == 3) {
+            EXPECT_FALSE(form.Command3d2.enabled() || form.gpo_mode[0][1].enabled() || form.use_as_pwm[0].enabled());
+            form.Command3d1.press();
+        }
+    };
+    open();
+    EXPECT_EQ(console.state.current_view, link::View::none);
+    EXPECT_FALSE(form.form.visible());
+    EXPECT_FALSE(console.state.polling_paused);
+    desktop.on_modal("frm_Dialog", [this](platform::Form&) { console.forms.frm_dialog.dialog_button[2].press(); });
+    wired.controller.on_request = [this](const link::Request& request) {
+        if (request[2] == 217) {
+            wired.silence();
+        }
+    };
+    console.navigation.open(link::View::gpo_mapping);
+    desktop.run_for(60);
+    EXPECT_EQ(console.state.current_view, link::View::none);
+    EXPECT_EQ(cell(form.GPO_tbl[0], 40), "");
+    EXPECT_TRUE(form.GPO_tbl[0].cell_pending(1, 1));
+}
+
+TEST_F(GpoMapping, AWriteWithoutAnAnswerStaysPending) {
+    open();
+    form.gpo_mode[0][2].click();
+    form.boost_ctrl_invert[3].click();
+    form.GPO_tbl[1].set_cell_text(9, 1, "50");
+    desktop.on_modal("frm_Dialog", [this](platform::Form&) { console.forms.frm_dialog.dialog_button[2].press(); });
+    wired.silence();
+    form.Command3d2.press();
+    desktop.run_for(60);
+    EXPECT_EQ(form.gpo_mode[0][0].fore_colour(), pending);
+    EXPECT_EQ(form.boost_ctrl_invert[3].fore_colour(), pending);
+    EXPECT_TRUE(form.GPO_tbl[1].cell_pending(9, 1));
+    EXPECT_EQ(form.map_status.text(), "Aborted: nothing is sent until a view is opened");
+}
+
+TEST_F(GpoMapping, KeysStepCellsBlocksGoToTheirOwnGridAndTheResetOnlyAsks) {
+    open();
+    for (std::size_t n = 0; n < 4; ++n) {
+        for (platform::Grid* grid : {&form.GPO_tbl[n], &form.boost_gpo[n]}) {
+            grid->set_active_cell(9, 1);
+            grid->set_cell_text(9, 1, "0.05");
+            platform::KeyPress down{.code = platform::key::down, .shift = true};
+            grid->key_down(down);
+            EXPECT_EQ(grid->cell_text(9, 1), "0.00");
+            platform::KeyPress s{.code = 'S', .ctrl = true};
+            platform::KeyPress f{.code = 'F', .ctrl = true};
+            grid->key_down(s);
+            grid->set_active_cell(8, 2);
+            grid->key_down(f);
+            console.forms.frm_cellblock_modifier.set_value.set_text("300");
+            desktop.answer_box("modify a group of cells", platform::Answer::yes);
+            console.forms.frm_cellblock_modifier.cell_operation[3].press();
+            EXPECT_EQ(grid->cell_text(9, 2), "300.00");
+            EXPECT_EQ(maps::pending_cells(*grid), 4);
+            platform::KeyPress up{.code = platform::key::up, .shift = true};
+            grid->key_down(up);
+            EXPECT_EQ(grid->cell_text(8, 2), "300.10"); // no upper limit
+        }
+    }
+    desktop.answer_box("this function will overwrite the table, continue?", platform::Answer::yes);
+    form.menuresetmap.click();
+    EXPECT_EQ(form.GPO_tbl[0].cell_text(1, 9), "93.8");
+    platform::KeyPress enter{.code = platform::key::enter};
+    sent.clear();
+    form.boost_gpo[3].key_press(enter);
+    desktop.run_for(0.5);
+    EXPECT_EQ(pending_everywhere(), 0U);
+}
+
+TEST_F(GpoMapping, MarkersAndDutiesFollowTheLiveValuesOfTheShownPage) {
+    open();
+    console.live.engine_rpm = 5000;
+    console.live.manifold_kpa = 73.75F; // a quarter of 255 and 10
+    console.live.air_temp = 57.5F;      // half of 141 and -13
+    console.live.iac_position = 64;
+    console.live.gpo_duty = {0, 100, 45.2F, 0};
+    console.gpo_mapping.refresh_live();
+    EXPECT_EQ(form.supp_x_ptr.left(), 1800);
+    EXPECT_EQ(form.supp_y_ptr.top(), 2700);
+    EXPECT_EQ(form.boost_x_ptr.left(), 1800);
+    EXPECT_EQ(form.gpo_now[0].text(), "Now off, at 5000 rpm.");
+    EXPECT_EQ(form.gpo_now[1].text(), "Now fully on, at 5000 rpm.");
+    EXPECT_EQ(form.gpo_now[2].text(), "Now at 45 % duty, at 5000 rpm.");
+    form.GPO_tab.set_current(1);
+    EXPECT_EQ(form.supp_x_ptr.left(), 1800); // MAT, half of its axis
+    EXPECT_EQ(form.supp_y_ptr.top(), 2700);
+    form.GPO_tab.set_current(2);
+    EXPECT_FALSE(form.supp_x_ptr.visible() || form.supp_y_ptr.visible());
+    EXPECT_EQ(form.boost_y_ptr.top(), 2700); // its boost map stands over pressure
+    form.GPO_tab.set_current(3);
+    EXPECT_FALSE(form.supp_x_ptr.visible());
+    EXPECT_EQ(form.supp_y_ptr.top(), 2700); // the idle valve
+    console.live.engine_rpm = 20000;
+    form.GPO_tab.set_current(0);
+    EXPECT_EQ(form.supp_x_ptr.left(), 3600);
+}
+
+TEST_F(GpoMapping, ThePageSaysInWordsWhatItsChannelDoes) {
+    open();
+    EXPECT_EQ(form.gpo_words[0].text(),
+              "Duty in percent from the map, by engine speed and manifold pressure; smooth between the cells.");
+    EXPECT_EQ(form.gpo_words[2].text(), "Fully on at or above 3001 rpm, off below.");
+    EXPECT_THAT(form.boost_words[0].text(), HasSubstr("while MAP is above 110.0 kPa. Cells are pressure in kPa"));
+    EXPECT_THAT(form.boost_words[3].text(), HasSubstr("Open loop"));
+    form.rpm_switch[2].set_text("6000");
+    form.gpo_mode[0][7].click();
+    form.use_as_pwm[0].click();
+    desktop.run_for(0.01);
+    EXPECT_EQ(form.gpo_words[2].text(), "Not sent yet: Fully on at or above 6000 rpm, off below.");
+    EXPECT_EQ(form.gpo_words[0].text(), "Not sent yet: Switches the coolant fan: on from 10 degrees of coolant. The "
+                                        "controller still has \"X=RPM / Y=MAP\".");
+    EXPECT_THAT(form.boost_words[0].text(), HasSubstr("kPa by what the controller holds of \"Use open loop as PWM\", "
+                                                      "until an Update has sent it."));
+    update();
+    EXPECT_EQ(form.gpo_words[2].text(), "Fully on at or above 6000 rpm, off below.");
+}
+
+TEST_F(GpoMapping, DemoModeShowsItsOwnValuesInWhite) {
+    console.state.demo_mode = true;
+    open();
+    EXPECT_EQ(cell(form.GPO_tbl[1], 7), "0.0");
+    EXPECT_EQ(cell(form.boost_gpo[1], 7), "100.0");
+    EXPECT_EQ(form.cool_rly_temp[0].text(), "95");
+    EXPECT_EQ(form.boost_loop_rate[3].text(), "0");
+    EXPECT_EQ(pending_everywhere(), 0U);
+}
+
+} // namespace
+} // namespace ecu::test
