@@ -1,5 +1,6 @@
 // The map windows' budgets: shading and repainting all four maps (10 ms), drawing the surface anew (5 ms), and the
-// opening reads of the basic map and of the outputs' window against their time on a wire paced at 38400 baud (1.05).
+// opening reads of the basic map, the additional map and the outputs' window against their time on a wire paced at
+// 38400 baud (1.05).
 #include "bench/controller_process.h"
 #include "desktop/theme.h"
 #include "desktop/windows/desktop_console.h"
@@ -30,6 +31,7 @@ constexpr int paced_baud = 38400;
 constexpr double read_budget = 1.05;
 constexpr int map_bytes = 32 * (8 + 39);
 // Spans, modes, temperatures, switches, eight maps in three blocks each, and the servos' parameters.
+constexpr int additional_bytes = 14 * (8 + 16) + 3 * (8 + 34);
 constexpr int output_bytes = (8 + 23) + (8 + 9) + (8 + 9) + (8 + 13) + 8 * 3 * (8 + 34) + (8 + 45);
 constexpr std::size_t openings = 9;
 
@@ -168,6 +170,11 @@ int main(int argc, char** argv) {
                                                .closes = forms.frm_sup.Command3d1,
                                                .status = forms.frm_sup.map_status,
                                                .wire_bytes = output_bytes});
+    const double additional = opening_read_ratio({.name = "additional map window",
+                                                  .opens = forms.frm_ecu.menu_view_temperature,
+                                                  .closes = forms.frm_2d.Command3d1,
+                                                  .status = forms.frm_2d.map_status,
+                                                  .wire_bytes = additional_bytes});
     const double maps = opening_read_ratio({.name = "map window",
                                             .opens = forms.frm_ecu.menu_View_Mapping,
                                             .closes = forms.frm_3d.Command3d1,
@@ -192,5 +199,5 @@ int main(int argc, char** argv) {
         redraw_surface(state, console);
     })->Unit(benchmark::kMillisecond);
     benchmark::RunSpecifiedBenchmarks();
-    return std::max(outputs, maps) <= read_budget ? 0 : 1;
+    return std::max({outputs, additional, maps}) <= read_budget ? 0 : 1;
 }

@@ -38,6 +38,7 @@ std::int32_t CalibrationImage::raw(const Parameter& row, int i) const {
 
 void CalibrationImage::store(const Parameter& row, int i, std::int32_t raw) {
     values_.at(place(row, i)) = raw;
+    known_.at(place(row, i)) = true;
     if (&row == &full_scale) {
         scales_.full_scale_rpm = static_cast<float>(raw);
     } else if (&row == &sensor_type) {

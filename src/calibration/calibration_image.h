@@ -16,6 +16,8 @@ public:
     // Element `i` of a row; 0 for a scalar. Outside the row throws std::out_of_range.
     std::int32_t raw(const Parameter& row, int i = 0) const;
     void store(const Parameter& row, int i, std::int32_t raw);
+    // Whether a reply has ever brought it.
+    bool known(const Parameter& row, int i = 0) const { return known_.at(place(row, i)); }
 
     // The last byte that a reply brought for a cell of table memory. The editors show the cells and hold the tuner's
     // entries; this is what a setup file prints. An address outside the tables' memory throws std::out_of_range.
@@ -30,6 +32,7 @@ private:
 
     Scales& scales_;
     std::array<std::int32_t, element_count> values_{}; // full_scale_rpm's place stays unused: the scales hold it
+    std::array<bool, element_count> known_{};
     std::array<std::uint8_t, table_memory_end> cells_{};
 };
 

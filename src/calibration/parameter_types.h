@@ -176,10 +176,46 @@ enum class FileForm : std::uint8_t {
     element,        // "MAPM[000]=12"
 };
 
+// The tabs of the configuration page, in their order.
+enum class Tab : std::uint8_t {
+    none, // on another form
+    engine_setup,
+    acceleration,
+    ignition,
+    injection,
+    phases,
+    powerup,
+    idle,
+    closed_loop,
+    startup,
+    sensors,
+    flat_shift,
+    inputs,
+    speed,
+};
+inline constexpr std::array<std::string_view, 13> tab_captions{
+    "Engine Setup",    "Acceleration Enrichments", "Ignition Parameters", "Injection Parameters",
+    "Phase Setup",     "Powerup/Options",          "Idle Control",        "Closed Loop Setup",
+    "Engine Startup",  "Sensor Calibration",       "Flat Shift",          "Inputs Config",
+    "Speed/Gear Setup"};
+constexpr int page_of(Tab tab) { return static_cast<int>(tab) - 1; }
+
+// What people read of an item: where it stands, its label and unit, and what it is. The tool tip is `about` with the
+// range of an entry behind it (description.h), or `tip` as it stands.
+struct Screen {
+    Tab tab = Tab::none;
+    std::string_view group = {}; // title of the panel it stands in
+    std::string_view label = {};
+    std::string_view unit = {};
+    std::string_view about = {};
+    std::string_view tip = {};
+};
+
 // One scalar or vector of the calibration.
 struct Parameter {
     std::string_view key = {}; // its name everywhere, also in the setup file
-    std::uint8_t count = 1;    // elements; 1 for a scalar
+    Screen screen = {};
+    std::uint8_t count = 1; // elements; 1 for a scalar
     Read read = {};
     Write write = {};
     ControlRef control = {};
@@ -202,6 +238,7 @@ enum class TableShape : std::uint8_t { nine_boxes, grid_9, grid_16 };
 // One table of the controller's table memory, one unsigned byte a cell.
 struct Table {
     std::string_view key = {};
+    Screen screen = {};
     std::uint16_t base = 0; // address of cell 0
     TableShape shape = TableShape::nine_boxes;
     std::string_view form = {};

@@ -154,23 +154,41 @@ inline constexpr std::array<FileItem, 124> file_order = [] {
 
 // What the low two bits of MAP_TYPE select: the pressure sensor's span and offset, kPa.
 struct PressureSensor {
+    std::string_view caption;
     float span;
     float base;
 };
-inline constexpr std::array<PressureSensor, 4> pressure_sensors{{{115, 10}, {255, 10}, {551, 79}, {394, 10}}};
+inline constexpr std::array<PressureSensor, 4> pressure_sensors{
+    {{"1.0 Bar MAP", 115, 10}, {"2.5 Bar MAP", 255, 10}, {"7.0 Bar Ga MAP", 551, 79}, {"4.0 Bar MAP", 394, 10}}};
 inline constexpr int special_cfg_first_bit = 6; // of MAP_TYPE
+
+// The codes of EGO_FLGS.
+inline constexpr std::array<std::string_view, 3> oxygen_sensors{"Narrowband (0-1v)", "Wideband (0-1v)", "CAN Wideband"};
+inline constexpr int oxygen_sensor_with_voltages = 1; // the one whose two lambda values can be set
 
 // The four 3-bit fields of INPT_CGF, lowest first, each shown by an option array of frm_tool. An option's code is not
 // its index in the array.
 struct InputField {
     std::string_view control;
+    std::string_view title;
     std::uint8_t options;
     std::array<std::uint8_t, 5> codes;
+    std::array<std::string_view, 5> captions;
 };
-inline constexpr std::array<InputField, 4> input_fields{{{"aux_in_used_as", 2, {0, 7}},
-                                                         {"map_sel_used_as", 4, {7, 0, 1, 2}},
-                                                         {"trig_b_used_as", 5, {7, 0, 1, 2, 3}},
-                                                         {"idx_used_as", 3, {7, 0, 1}}}};
+inline constexpr std::array<InputField, 4> input_fields{
+    {{"aux_in_used_as", "AUX Input", 2, {0, 7}, {"Normal Use", "Rev Limit Control"}},
+     {"map_sel_used_as",
+      "MAP Select Input",
+      4,
+      {7, 0, 1, 2},
+      {"Map Selector", "Rev Limit Control", "Flatshift Trigger", "Gear 0/1 Select"}},
+     {"trig_b_used_as",
+      "Trigger B Input",
+      5,
+      {7, 0, 1, 2, 3},
+      {"Unused", "Rev Limit Control", "Flatshift Trigger", "Speed HALL Input", "Gear 0/1 Select"}},
+     {"idx_used_as", "IDX/CAM Input", 3, {7, 0, 1}, {"CAM HALL Input", "Unused", "Speed HALL Input"}}}};
+inline constexpr int input_field_bits = 3;
 
 inline constexpr int boost_invert_bit = 1;       // of BOFG
 inline constexpr int boost_as_pwm_bit = 2;       // of BOFG

@@ -27,6 +27,10 @@ Console::Console(const platform::Ports& machine)
       basic_mapping(ports, state, comm, scales, live, forms.frm_3d, forms.frm_tool.TPS_mapped, navigation,
                     block_selection, surface_window, map_cell_colours),
       gpo_mapping(ports, state, comm, scales, live, image, forms.frm_sup, navigation, block_selection),
+      additional_mapping(ports, state, comm, scales, live, forms.frm_2d,
+                         maps::Legend(forms.frm_3d.bk_color.begin(), forms.frm_3d.bk_color.end()), navigation,
+                         block_selection, graphing, map_cell_colours),
+      configuration_page(ports, state, comm, scales, image, reply_decoders.controls(), navigation, forms.frm_tool),
       plotter(ports, state, comm, navigation, polling.timer3(), scales, live,
               {forms.frm_mon.inj_duty[0], forms.frm_mon.ign_duty[0], forms.frm_mon.wheel_idx_num}, forms.frm_plotter),
       autotune(ports, state, forms.frm_autotune, forms.frm_3d),
@@ -42,8 +46,10 @@ shell::Navigation Console::with_views(const platform::Ports& ports, link::Shared
     shell::Navigation navigation(ports, state, comm, link_selection, forms.frm_ecu.form);
     navigation.add_view(View::monitor, forms.frm_mon.form);
     navigation.add_view(View::dashboard, forms.frm_dashboard.form);
+    navigation.add_view(View::configuration, forms.frm_tool.form);
     navigation.add_view(View::basic_mapping, forms.frm_3d.form);
     navigation.add_view(View::gpo_mapping, forms.frm_sup.form);
+    navigation.add_view(View::additional_mapping, forms.frm_2d.form);
     navigation.add_view(View::plotter, forms.frm_plotter.form);
     return navigation;
 }
@@ -56,6 +62,7 @@ void Console::wire() {
     reply_decoders.parameter_shown = [this](const calibration::Parameter& row, int i) {
         gpo_mapping.follow_reply(row, i);
     };
+    polling.on_refresh(View::additional_mapping, [this] { additional_mapping.refresh_live(); });
     polling.on_refresh(View::none, [this] { main_console.show_link_state(); });
     polling.plot_and_log_sample = [this] { plotter.plot_and_log_sample(); };
     navigation.wire_menus();

@@ -6,10 +6,12 @@
 #include "autotune/autotune.h"
 #include "calibration/calibration_image.h"
 #include "calibration/transfer.h"
+#include "configuration/configuration_page.h"
 #include "console/forms.h"
 #include "link/ecu_comm.h"
 #include "link/link_selection.h"
 #include "logging/plotter.h"
+#include "maps/additional_mapping.h"
 #include "maps/basic_mapping.h"
 #include "maps/block_modifier.h"
 #include "maps/gpo_mapping.h"
@@ -69,6 +71,8 @@ public:
     maps::BlockModifier block_modifier;
     maps::BasicMapping basic_mapping;
     maps::GpoMapping gpo_mapping;
+    maps::AdditionalMapping additional_mapping;
+    configuration::ConfigurationPage configuration_page;
     logging::Plotter plotter;
     autotune::Autotune autotune;
     calibration::Transfer transfer;

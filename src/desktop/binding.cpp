@@ -272,6 +272,11 @@ void Binding::paint_colours(Control& control, QWidget& widget) {
     case Kind::gauge:
         return; // these paint themselves
     }
+    const bool ticked = control.kind() == Kind::check_box || control.kind() == Kind::option_button;
+    if (ticked && fore == platform::pending) { // the field of the mark is as yellow as a pending box
+        palette.setColor(QPalette::Base, theme::to_qt(platform::pending));
+        palette.setColor(QPalette::Text, theme::text_on(theme::to_qt(platform::pending)));
+    }
     if (!back && !fore) {
         palette = QPalette();
     }

@@ -108,7 +108,8 @@ QTabWidget* FormWindow::tabs(platform::Tabs& control, const std::vector<std::pai
     binding_.bind_custom(
         control, tabs,
         [&control, tabs](Property property) {
-            if (property == Property::value) {
+            // Pages that are turned while nobody may use them are being read: they are not shown one by one.
+            if (control.enabled() && (property == Property::value || property == Property::enabled)) {
                 tabs->setCurrentIndex(control.current());
             }
         },

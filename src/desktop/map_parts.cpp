@@ -1,11 +1,43 @@
 #include "desktop/map_parts.h"
 
-#include "desktop/grid_view.h"
+#include "desktop/grid_delegate.h"
 #include "desktop/theme.h"
+#include "maps/frm_3d.h"
 
+#include <QEvent>
+#include <QHBoxLayout>
 #include <QPainter>
 
+#include <ranges>
+
 namespace ecu::desktop {
+
+namespace {
+
+// Follows the desktop from light to dark.
+class MutedLabel final : public QLabel {
+public:
+    explicit MutedLabel(const QString& text) : QLabel(text) { take_colour(); }
+
+protected:
+    void changeEvent(QEvent* event) override {
+        QLabel::changeEvent(event);
+        if (event->type() == QEvent::ApplicationPaletteChange || event->type() == QEvent::PaletteChange) {
+            take_colour();
+        }
+    }
+
+private:
+    void take_colour() {
+        QPalette muted;
+        muted.setColor(QPalette::WindowText, theme::muted_text(QPalette()));
+        if (palette().color(QPalette::WindowText) != muted.color(QPalette::WindowText)) {
+            setPalette(muted);
+        }
+    }
+};
+
+} // namespace
 
 AxisMarker::AxisMarker(bool upward, QWidget* parent) : QWidget(parent), upward_(upward) {
     setFixedSize(size, size);
@@ -44,12 +76,22 @@ QLabel* swatch(platform::Colour colour) {
     return label;
 }
 
-QLabel* muted_label(const QString& text) {
-    auto* label = new QLabel(text);
-    QPalette palette;
-    palette.setColor(QPalette::WindowText, theme::muted_text(QPalette()));
-    label->setPalette(palette);
-    return label;
+QLabel* muted_label(const QString& text) { return new MutedLabel(text); }
+
+QWidget* shading_legend() {
+    auto* holder = new QWidget;
+    auto* row = new QHBoxLayout(holder);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(0);
+    row->addWidget(swatch(platform::pending));
+    row->addWidget(muted_label(" pending"));
+    row->addStretch(1);
+    row->addWidget(muted_label("low "));
+    for (const platform::Colour colour : maps::shading_colours | std::views::reverse) {
+        row->addWidget(swatch(colour));
+    }
+    row->addWidget(muted_label(" high"));
+    return holder;
 }
 
 } // namespace ecu::desktop

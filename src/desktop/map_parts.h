@@ -24,6 +24,8 @@ private:
 
 QPixmap swatch_picture(platform::Colour colour);
 QLabel* swatch(platform::Colour colour);
-QLabel* muted_label(const QString& text);
+QLabel* muted_label(const QString& text); // follows the desktop from light to dark
+// The states of cells and the scale of the shading, from low to high.
+QWidget* shading_legend();
 
 } // namespace ecu::desktop

@@ -32,9 +32,10 @@ struct Walk {
 struct CustomItem {
     std::function<int()> pending; // values that Update would send
     std::function<void(Walk&)> send;
-    std::function<void(bool demo)> open = {};   // the opening, before the reads
-    std::function<void(bool locked)> lock = {}; // while the opening read runs
-    std::function<int()> unread = {};           // values that no reply has filled yet
+    std::function<void(bool demo)> open = {};    // the opening, before the reads
+    std::function<void(bool locked)> lock = {};  // while the opening read runs
+    std::function<int()> unread = {};            // values that no reply has filled yet
+    const calibration::Parameter* row = nullptr; // whose read fills them; null: any read might
 };
 
 class EditorItem {
@@ -133,7 +134,9 @@ public:
     void open(bool demo, bool) override;
     void lock(bool locked) override;
     void send(Walk& walk) override;
-    bool wants(const calibration::ReadRequest&) const override { return counts().unread > 0; }
+    bool wants(const calibration::ReadRequest& request) const override {
+        return counts().unread > 0 && (item_.row == nullptr || item_.row->read.command == request.command);
+    }
 
 private:
     CustomItem item_;

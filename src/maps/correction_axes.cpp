@@ -15,6 +15,7 @@ constexpr float coldest = -13; // degrees C at the first point
 constexpr float temperature_span = 128;
 constexpr float barometric_span = 115; // kPa, whatever sensor the manifold has
 constexpr float barometric_base = 10;
+constexpr float battery_volts = 20; // the full scale of the controller's battery reading
 
 std::string whole(float value) { return platform::masked(std::trunc(value), "0"); }
 
@@ -39,6 +40,7 @@ void label_correction_axes(Frm2d& form, const calibration::Scales& scales) {
         for (Frm2d::Axis* axis : {&form.Label9, &form.Label13, &form.Label12}) {
             (*axis)[i].set_text(whole(std::trunc(point / last_point * barometric_span) + barometric_base));
         }
+        form.battery_axis[i].set_text(platform::plain_number(point * battery_volts / last_point));
     }
 }
 

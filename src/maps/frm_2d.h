@@ -44,11 +44,14 @@ struct Frm2d {
     platform::MenuItem menu_diag{form, "menu_diag", "D&iagnostics"};
 
     platform::Tabs map_tabs{form, "map_tabs"};
+    platform::Button read_again{form, "read_again", "Read again"};
     platform::Button Command3d2{form, "Command3d2", "Update"};
     platform::Button Command3d1{form, "Command3d1", "Exit"};
     platform::Label show_demo_mode{form, "show_demo_mode", "DEMO MODE!"};
-    platform::Label inj_pw{form, "inj_pw"};   // ms
-    platform::Label ign_deg{form, "ign_deg"}; // degrees, "A" or "B" behind
+    platform::Label inj_pw{form, "inj_pw"};         // ms
+    platform::Label ign_deg{form, "ign_deg"};       // degrees, "A" or "B" behind
+    platform::Label map_status{form, "map_status"}; // progress of the opening read, then the count of pending values
+    platform::ControlArray<platform::Label, 3> tab_status{form, "tab_status"}; // by page, empty when nothing is pending
 
     // Page 0: fuel gains
     Nine clt_map{form, "clt_map"};
@@ -94,17 +97,19 @@ struct Frm2d {
     Axis Label3{form, "Label3"}, Label7{form, "Label7"};                             // rpm
     Axis Label4{form, "Label4"}, Label5{form, "Label5"}, Label14{form, "Label14"};   // pressure, kPa
     Axis Label9{form, "Label9"}, Label13{form, "Label13"}, Label12{form, "Label12"}; // barometric, kPa
+    Axis battery_axis{form, "battery_axis"};                                         // volts
 
     Frm2d() {
         show_demo_mode.set_visible(false);
+        read_again.set_tool_tip("Click to read the values that the controller has not given yet");
         Command3d2.set_tool_tip("Click to update modified entries");
         Command3d1.set_tool_tip("Click to exit back to the console");
-        const auto tip = [](Nine &boxes, std::string_view text) {
-            for (platform::TextBox &box : boxes) {
+        const auto tip = [](Nine& boxes, std::string_view text) {
+            for (platform::TextBox& box : boxes) {
                 box.set_tool_tip(text);
             }
         };
-        for (Nine *fuel : {&clt_map, &mat_data, &Pressure_Gain, &accel_map}) {
+        for (Nine* fuel : {&clt_map, &mat_data, &Pressure_Gain, &accel_map}) {
             tip(*fuel,
                 "Higher numbers in this cell will yield more fuel to be injected across this section of the map");
         }
@@ -118,6 +123,13 @@ struct Frm2d {
         tip(dwell_map, "The dwell is multiplied by a pressure specific amount you define in this table.");
         tip(dwell_vbat, "The dwell is multiplied by a Battery Voltage specific amount you define in this table.");
         tip(idle_rpm_map, "The Idle speed setpoint in RPM for this section of the coolant temperature band");
+        lambda_sp_table.set_tool_tip("The lambda or air/fuel ratio that the oxygen feedback aims at, over engine speed "
+                                     "and manifold pressure");
+        ego_sp_graph.set_tool_tip("The target table as a surface");
+        ego_h_perspective.set_tool_tip("Turns the surface to the side");
+        ego_v_perspective.set_tool_tip("Tilts the surface");
+        inj_pw.set_tool_tip("Injection pulse width now");
+        ign_deg.set_tool_tip("Ignition timing now: B before, A after top dead centre");
     }
 };
 

@@ -140,9 +140,9 @@ void project_surface(int rows, int cols, const platform::Grid& grid, Picture& pi
 void draw_table_bars(std::span<const platform::TextBox> boxes, Picture& picture, float& low, float& high) {
     const int width = picture.width();
     const int height = picture.height();
-    const int plot_width = round_to_even(width * 0.95);
+    const int plot_width = round_to_even(width * bars_width);
     const int plot_height = round_to_even(height * 0.85);
-    const int left_margin = round_to_even(width * 0.02);
+    const int left_margin = round_to_even(width * bars_left);
     const int bottom_margin = round_to_even(height * 0.12);
     const auto x_of = [&](std::size_t i) {
         return round_to_even(static_cast<double>(i) / static_cast<double>(boxes.size() - 1) * plot_width + left_margin);

@@ -27,6 +27,10 @@ void project_surface(int rows, int cols, const platform::Grid& grid, platform::P
                      int vertical_view, float& low, float& high, std::span<const platform::Colour> colours,
                      SurfacePoints& points);
 
+// Where the first point of a line graph stands and how far the nine reach, as shares of the picture's width.
+inline constexpr double bars_left = 0.02;
+inline constexpr double bars_width = 0.95;
+
 // The line graph of a nine-point table. Equal limits ask for the range of the boxes and are left holding it; values
 // outside given limits are drawn where they fall.
 void draw_table_bars(std::span<const platform::TextBox> boxes, platform::Picture& picture, float& low, float& high);

@@ -11,8 +11,6 @@ using platform::CheckBox;
 using platform::OptionButton;
 using platform::TextBox;
 
-constexpr std::size_t wideband = 1; // the oxygen sensor whose two voltages can be set
-
 // Box b is bit b.
 void tick_bits(const std::vector<CheckBox*>& boxes, std::int32_t bits) {
     for (std::size_t b = 0; b < boxes.size(); ++b) {
@@ -35,13 +33,13 @@ void choose(const std::vector<OptionButton*>& options, std::int32_t number) {
     }
 }
 
-std::int32_t chosen_index(const std::vector<OptionButton*>& options) {
+std::int32_t chosen_index(const std::vector<OptionButton*>& options, std::int32_t stored) {
     for (std::size_t n = 0; n < options.size(); ++n) {
         if (options[n]->checked()) {
             return static_cast<std::int32_t>(n);
         }
     }
-    return 0;
+    return stored;
 }
 
 // The options of all fields stand one after the other; a code that no option has chooses nothing.
@@ -54,20 +52,22 @@ void choose_input_uses(const std::vector<OptionButton*>& options, std::int32_t w
             }
         }
         first += field.options;
-        word >>= 3;
+        word >>= calibration::input_field_bits;
     }
 }
 
-std::int32_t chosen_input_uses(const std::vector<OptionButton*>& options) {
+std::int32_t chosen_input_uses(const std::vector<OptionButton*>& options, std::int32_t stored) {
     std::int32_t word = 0;
     std::size_t first = 0;
     int shift = 0;
     for (const calibration::InputField& field : calibration::input_fields) {
+        std::int32_t code = stored >> shift & 7;
         for (std::size_t n = 0; n < field.options; ++n) {
-            word += options[first + n]->checked() ? field.codes[n] << shift : 0;
+            code = options[first + n]->checked() ? field.codes[n] : code;
         }
+        word += code << shift;
         first += field.options;
-        shift += 3;
+        shift += calibration::input_field_bits;
     }
     return word;
 }
@@ -199,7 +199,7 @@ void ParameterControls::show_switches(const Parameter& row, const Element& eleme
     case ControlKind::oxygen_sensor:
         choose(element.options, raw);
         for (TextBox* box : oxygen_voltage_boxes_) {
-            box->set_enabled(element.options[wideband]->checked());
+            box->set_enabled(element.options[calibration::oxygen_sensor_with_voltages]->checked());
         }
         break;
     case ControlKind::input_uses:
@@ -229,7 +229,7 @@ bool ParameterControls::pending(const Parameter& row, int i) const {
            std::any_of(element.options.begin(), element.options.end(), is_marked);
 }
 
-std::int32_t ParameterControls::switches(const Parameter& row, int i) const {
+std::int32_t ParameterControls::switches(const Parameter& row, int i, std::int32_t stored) const {
     const Element& element = at(row, i);
     switch (row.control.kind) {
     case ControlKind::text_box:
@@ -241,13 +241,14 @@ std::int32_t ParameterControls::switches(const Parameter& row, int i) const {
     case ControlKind::output_flags:
         return ticked_bits(element.checks);
     case ControlKind::pressure_sensor:
-        return chosen_index(element.options) | ticked_bits(element.checks) << calibration::special_cfg_first_bit;
+        return chosen_index(element.options, stored & 3) | ticked_bits(element.checks)
+                                                               << calibration::special_cfg_first_bit;
     case ControlKind::oxygen_sensor:
-        return chosen_index(element.options);
+        return chosen_index(element.options, stored);
     case ControlKind::input_uses:
-        return chosen_input_uses(element.options);
+        return chosen_input_uses(element.options, stored);
     case ControlKind::output_mode:
-        return chosen_index(element.options) |
+        return chosen_index(element.options, stored & calibration::output_mode_mask) |
                (element.checks.front()->checked() ? calibration::dont_interpolate_bit : 0);
     }
     return 0;

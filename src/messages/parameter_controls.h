@@ -21,8 +21,9 @@ public:
 
     // Whether the user has changed it since: a yellow box; a yellow foreground or a tag among its switches.
     bool pending(const calibration::Parameter& row, int i) const;
-    // The raw number that check boxes and options stand for. A group with nothing chosen counts as 0.
-    std::int32_t switches(const calibration::Parameter& row, int i) const;
+    // The raw number that check boxes and options stand for. Where no option of a group is chosen, the controller's
+    // number, `stored`, has a code that none of them stands for: it keeps it.
+    std::int32_t switches(const calibration::Parameter& row, int i, std::int32_t stored = 0) const;
     // The box of an element, null for switches; the first form's where two show it.
     platform::TextBox* box(const calibration::Parameter& row, int i) const { return at(row, i).box; }
 

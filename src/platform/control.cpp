@@ -176,6 +176,19 @@ void Tabs::set_current(int page) {
     }
 }
 
+int Tabs::pending_on(int page) const {
+    const auto at = static_cast<std::size_t>(page);
+    return at < pending_.size() ? pending_[at] : 0;
+}
+
+void Tabs::set_pending_on(int page, int count) {
+    if (pending_on(page) != count) {
+        pending_.resize(std::max(pending_.size(), static_cast<std::size_t>(page) + 1));
+        pending_[static_cast<std::size_t>(page)] = count;
+        announce(Property::content);
+    }
+}
+
 void ScrollBar::set_value(int value) {
     value = std::clamp(value, minimum_, maximum_);
     if (value_ != value) {

@@ -13,6 +13,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace ecu::platform {
 
@@ -231,16 +232,19 @@ public:
         : Control(form, name, index, Kind::frame, text) {}
 };
 
-// Pages of which one shows.
+// Pages of which one shows. A page may carry a mark: the number of values pending on it.
 class Tabs : public Control {
 public:
     Tabs(Form& form, std::string_view name) : Control(form, name, -1, Kind::tabs, "") {}
     int current() const { return current_; }
     void set_current(int page); // fires `changed` when it differs
     std::function<void()> changed;
+    int pending_on(int page) const;
+    void set_pending_on(int page, int count);
 
 private:
     int current_ = 0;
+    std::vector<int> pending_;
 };
 
 class ScrollBar : public Control {

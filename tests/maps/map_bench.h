@@ -52,13 +52,19 @@ private:
     Bytes answer(const Request& request) {
         const std::uint8_t code = request[2];
         const auto address = static_cast<std::size_t>(request[3] + 256 * request[4]);
-        switch (code) {
-        case 'l': {
+        const auto block = [&](long cells) {
             Bytes reply{code, request[3], request[4]};
-            reply.insert(reply.end(), memory.begin() + static_cast<long>(address),
-                         memory.begin() + static_cast<long>(address) + 32);
+            const auto from = memory.begin() + static_cast<long>(address);
+            reply.insert(reply.end(), from, from + cells);
             return reply_frame(reply);
-        }
+        };
+        switch (code) {
+        case 'l':
+            return block(32);
+        case 'k':
+            return block(27);
+        case 'r':
+            return block(9);
         case 'e':
             memory.at(address) = request[5];
             return reply_frame({code, request[3], request[4], request[5]});

@@ -13,7 +13,7 @@ class ParameterReplies : public testing::Test, protected ParameterBench {};
 
 TEST_F(ParameterReplies, pressure_is_shown_by_the_sensor_of_its_own_block) {
     EXPECT_TRUE(receive({'C', 0, 0, 0, 0, 0, 0, 0xFF, 0x03, 0, 0, 0, 0, 0, 0x40, 0x1F, 0, 36, 0x40 | 2}));
-    EXPECT_EQ(tool.min_pressure.text(), "630.0");
+    EXPECT_EQ(tool.box("MIN_PRES").text(), "630.0");
     EXPECT_EQ(scales.map_span, 551);
     EXPECT_EQ(scales.map_base, 79);
     EXPECT_EQ(scales.full_scale_rpm, 8000);
@@ -26,7 +26,7 @@ TEST_F(ParameterReplies, pressure_is_shown_by_the_sensor_of_its_own_block) {
 
 TEST_F(ParameterReplies, fuel_trims_and_timing_offset_confirm_both_forms) {
     for (platform::TextBox* box : {&mapping.ecu_pgm[0], &dashboard.ecu_pgm[0], &mapping.ecu_pgm[1],
-                                   &dashboard.ecu_pgm[1], &tool.base_offset_deg, &dashboard.base_offset_deg}) {
+                                   &dashboard.ecu_pgm[1], &tool.box("BASE_DEG"), &dashboard.base_offset_deg}) {
         box->set_back_colour(platform::pending);
     }
     receive({'m', 0xE7, 0x18});
@@ -35,19 +35,19 @@ TEST_F(ParameterReplies, fuel_trims_and_timing_offset_confirm_both_forms) {
     EXPECT_FALSE(dashboard.ecu_pgm[0].is_pending());
     EXPECT_TRUE(dashboard.ecu_pgm[1].is_pending()) << "only what the reply names";
     receive({164, 255});
-    EXPECT_EQ(tool.base_offset_deg.text(), "47.75");
+    EXPECT_EQ(tool.box("BASE_DEG").text(), "47.75");
     EXPECT_FALSE(dashboard.base_offset_deg.is_pending());
 }
 
 TEST_F(ParameterReplies, some_replies_show_what_no_common_scale_does) {
-    const platform::TextBox& base = tool.tps_base_val;
-    const platform::TextBox& full = tool.tps_fs_val;
+    const platform::TextBox& base = tool.box("TPS_BASE");
+    const platform::TextBox& full = tool.box("TPS_FS");
     const platform::TextBox& relay = outputs.cool_rly_temp[1];
     const std::vector<std::tuple<Bytes, const platform::Control*, std::string>> cases{
-        {{'W', 200}, &tool.temp_threshold, "-14"}, // crooked
-        {{'W', 121}, &tool.temp_threshold, "120"},
-        {{'W', 127}, &tool.temp_threshold, "120"},
-        {{'W', 255}, &tool.temp_threshold, "0"},
+        {{'W', 200}, &tool.box("TMP_THRS"), "-14"}, // crooked
+        {{'W', 121}, &tool.box("TMP_THRS"), "120"},
+        {{'W', 127}, &tool.box("TMP_THRS"), "120"},
+        {{'W', 255}, &tool.box("TMP_THRS"), "0"},
         {{213, 128}, &base, "128.0"}, // the throttle's replies differ
         {{215, 128}, &base, "50.2"},
         {{214, 200}, &full, "78.4"},
@@ -83,18 +83,18 @@ TEST_F(ParameterReplies, a_switch_set_by_a_reply_is_not_left_marked) {
     tool.EGO_type[1].clicked = [&] { tool.EGO_type[0].set_fore_colour(platform::pending); };
     tool.inj_ph[3][6].clicked = [&] { tool.inj_ph[3][0].set_tag("X"); };
     outputs.gpo_mode[2][9].clicked = [&] { outputs.gpo_mode[2][0].set_fore_colour(platform::pending); };
-    tool.WB_EGO_0V_LAMBDA.set_enabled(false);
+    tool.box("EGO_WBL0").set_enabled(false);
     receive({209, 1});
     receive({128, 3, 0x40});
     receive({171, 2, 128 + 9});
     EXPECT_EQ(tool.EGO_type[0].fore_colour(), platform::black);
-    EXPECT_TRUE(tool.WB_EGO_0V_LAMBDA.enabled());
+    EXPECT_TRUE(tool.box("EGO_WBL0").enabled());
     EXPECT_EQ(tool.inj_ph[3][0].tag(), "");
     EXPECT_TRUE(tool.inj_ph[3][6].checked());
     EXPECT_EQ(outputs.gpo_mode[2][0].fore_colour(), platform::black);
     EXPECT_TRUE(outputs.dont_interpolate[2].checked());
     receive({209, 2});
-    EXPECT_FALSE(tool.WB_EGO_1V_LAMBDA.enabled());
+    EXPECT_FALSE(tool.box("EGO_WBL1").enabled());
 }
 
 TEST_F(ParameterReplies, an_input_code_of_no_option_chooses_nothing) {

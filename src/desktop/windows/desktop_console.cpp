@@ -24,7 +24,9 @@ void DesktopConsole::add_windows() {
     add(forms.frm_mon, make_frm_mon_window);
     add(forms.frm_dashboard, make_frm_dashboard_window);
     add(forms.frm_plotter, make_frm_plotter_window);
+    add(forms.frm_tool, make_frm_tool_window);
     add(forms.frm_3d, make_frm_3d_window);
+    add(forms.frm_2d, make_frm_2d_window);
     add(forms.frm_3d_graph, make_frm_3d_graph_window);
     add(forms.frm_cellblock_modifier, make_frm_cellblock_modifier_window);
     add(forms.frm_sup, make_frm_sup_window);

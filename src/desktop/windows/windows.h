@@ -26,6 +26,7 @@ struct FrmPlotter;
 }
 
 namespace ecu::maps {
+struct Frm2d;
 struct Frm3d;
 struct Frm3dGraph;
 struct FrmCellblockModifier;
@@ -33,6 +34,9 @@ struct FrmSup;
 } // namespace ecu::maps
 namespace ecu::autotune {
 struct FrmAutotune;
+}
+namespace ecu::configuration {
+struct FrmTool;
 }
 
 namespace ecu::desktop {
@@ -45,7 +49,9 @@ std::unique_ptr<FormWindow> make_frm_wait_window(calibration::FrmWait& form, QtH
 std::unique_ptr<FormWindow> make_frm_mon_window(views::FrmMon& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_dashboard_window(views::FrmDashboard& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_plotter_window(logging::FrmPlotter& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_tool_window(configuration::FrmTool& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_3d_window(maps::Frm3d& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_2d_window(maps::Frm2d& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_3d_graph_window(maps::Frm3dGraph& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_cellblock_modifier_window(maps::FrmCellblockModifier& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_sup_window(maps::FrmSup& form, QtHost& host);
