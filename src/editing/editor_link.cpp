@@ -77,8 +77,24 @@ bool EditorLink::out_of_range(const calibration::Table& row, std::string_view te
     return entry.held || !entry.refusal.empty();
 }
 
+link::Outcome EditorLink::send(const link::Message& message, int expected_length) {
+    return one_ != nullptr ? one_->send(message, expected_length) : comm_.send_ecu_message(message, expected_length);
+}
+
 Fate EditorLink::write(const link::Message& message, int expected_length) {
-    switch (comm_.send_ecu_message(message, expected_length)) {
+    if (lost()) {
+        return Fate::skipped;
+    }
+    const link::Outcome outcome = send(message, expected_length);
+    if (lost()) {
+        ports_.dialogs.message_box(
+            {.text = "The update has stopped: " + one_->trouble() +
+                     ".\nWhat was sent before stays in the controller that was there. Check which "
+                     "controller is connected, then leave this window and open it again.",
+             .icon = platform::Icon::warning});
+        return Fate::skipped;
+    }
+    switch (outcome) {
     case link::Outcome::accepted:
         return Fate::accepted;
     case link::Outcome::unanswered:

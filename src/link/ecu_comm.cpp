@@ -174,8 +174,8 @@ Verdict EcuComm::take_reply(Try& now) {
 }
 
 // A frame of another message came in this one's place, so the answer may be on its way behind it, and behind that the
-// answers of tries that were thought lost. They have the time of one try to arrive and are received like any other;
-// what is left then is dropped, so that the next try meets a line at rest.
+// answers of tries that were thought lost. They have the time of one try to arrive and are received like any other, so
+// that the next try meets a line at rest.
 Verdict EcuComm::let_line_rest(Try& now) {
     const float start = ports_.now();
     for (;;) {
@@ -188,7 +188,6 @@ Verdict EcuComm::let_line_rest(Try& now) {
             return Verdict::accepted;
         }
     }
-    drain_input();
     return Verdict::foreign;
 }
 
