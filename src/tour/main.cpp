@@ -31,6 +31,7 @@ public:
         view(forms.frm_ecu.Command1, forms.frm_dashboard.form);
         view(forms.frm_ecu.Command3d2, forms.frm_3d.form, [&] { maps(forms); });
         view(forms.frm_ecu.Command2, forms.frm_sup.form, [&] { outputs(forms); });
+        view(forms.frm_ecu.Command3d1, forms.frm_tool.form, [&] { configuration(forms); });
         view(forms.frm_ecu.Command3d3, forms.frm_plotter.form, [&] { chart(forms); });
         std::cout << pictures_ << " pictures in " << folder_.string() << '\n';
         return missing_ == 0 ? 0 : 1;
@@ -96,6 +97,13 @@ private:
             forms.frm_sup.GPO_tab.set_current(page);
             wait(0.3F);
             picture(forms.frm_sup.form, "_" + std::to_string(page));
+        }
+    }
+    void configuration(ecu::console::Forms& forms) {
+        for (int page = 1; page < static_cast<int>(ecu::calibration::tab_captions.size()); ++page) {
+            forms.frm_tool.tool_tab.set_current(page);
+            wait(0.2F);
+            picture(forms.frm_tool.form, "_" + std::to_string(page));
         }
     }
 
