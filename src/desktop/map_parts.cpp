@@ -1,6 +1,6 @@
 #include "desktop/map_parts.h"
 
-#include "desktop/grid_view.h"
+#include "desktop/grid_delegate.h"
 #include "desktop/theme.h"
 
 #include <QPainter>

@@ -302,6 +302,19 @@ TEST_F(GpoMapping, MarksCountOnTheirPageAndGoWithTheEchoOrTheNextOpening) {
     EXPECT_TRUE(update().empty());
 }
 
+TEST_F(GpoMapping, SwitchesThatNoReplyHasToldAreNotSentWithTheirUnknownHalf) {
+    console.link_selection.open_comm_link();
+    form.dont_interpolate[0].click();
+    form.use_as_pwm[1].click();
+    EXPECT_TRUE(update().empty());
+    EXPECT_THAT(form.map_status.text(), HasSubstr("8 values not read"));
+    exchange({170, 0, 0, 0}, 7);
+    exchange({217, 0, 0, 0}, 43);
+    form.dont_interpolate[0].click();
+    form.use_as_pwm[1].click();
+    EXPECT_THAT(update(), ElementsAre(Bytes{171, 0, 128 + 1, 0}, Bytes{224, 1, 3, 0}));
+}
+
 TEST_F(GpoMapping, ExitAndAbortEndTheReadAndTheClosedWindowIsBlankAfterAbort) {
     wired.controller.on_request = [this](const link::Request& request) {
         sent.emplace_back(request.begin() + 2, request.begin() + 6);
