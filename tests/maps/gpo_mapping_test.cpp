@@ -231,6 +231,8 @@ TEST_F(GpoMapping, AxesFollowTheModeByClickAndByReply) {
         }
     }
     EXPECT_EQ(form.gpo_x_text[1].text(), "MAT"); // the others stayed
+    form.gpo_mode[1][2].click();
+    EXPECT_EQ(console.gpo_mapping.gpo_mode_byte(1), 128 + 2); // with its box
 }
 
 TEST_F(GpoMapping, TheFirstChannelsStoredFlagGovernsAllBoostCellsAndEachBoxItsOwnAxes) {
