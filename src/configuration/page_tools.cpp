@@ -38,7 +38,7 @@ void ConfigurationPage::calibrate_throttle(std::size_t which) {
     if (walking_ || editor_.opening()) {
         return;
     }
-    const editing::PollingPause pause(state_);
+    const link::Pause pause(state_);
     const messages::Command& measure = throttle_messages.at(which);
     form_.box(throttle_keys.at(which)).blank();
     editor_.link().read({measure.code, 0, 0, 0}, measure.reply);
