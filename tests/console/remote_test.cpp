@@ -116,6 +116,23 @@ TEST_F(TwoConsoles, ADownloadOverTheLinkIsByteForByteThatOfTheCable) {
     EXPECT_FALSE(std::ranges::search(far_requests, requests).empty()) << "the same frames in the same order";
 }
 
+TEST_F(TwoConsoles, AnEditedCellIsStoredInTheFarControllerAndTurnsWhite) {
+    start_server();
+    start_client();
+    client.forms.frm_ecu.Command3d2.press();
+    desktop.run_for(5);
+    platform::Grid& fuel = client.forms.frm_3d.inj_map;
+    fuel.set_cell_text(16, 1, "1.250");
+    EXPECT_TRUE(fuel.cell_pending(16, 1));
+    client.forms.frm_3d.Command3d2.press();
+    desktop.run_for(1);
+    const auto write = std::ranges::find(requests, 'e', [](const Bytes& request) { return request[2]; });
+    ASSERT_NE(write, requests.end());
+    EXPECT_EQ(*write, (Bytes{2, 8, 'e', 0, 1, 160, 0x10, 1})); // 1.250 * 128; 2 + 8 + 101 + 0 + 1 + 160 = 272
+    EXPECT_FALSE(fuel.cell_pending(16, 1));
+    EXPECT_EQ(fuel.cell_text(16, 1), "1.250");
+}
+
 TEST_F(TwoConsoles, AServerThatIsKilledAndComesBackIsFoundAgainInMidDownload) {
     start_server();
     start_client();
