@@ -175,11 +175,11 @@ int measure(const QString& own) {
 } // namespace
 
 int main(int argc, char** argv) {
-    qputenv("QT_NO_GLIB", "1"); // as the command line program does
+    const bool server = argc > 1 && std::string_view(argv[1]) == "serve";
+    server ? qunsetenv("QT_NO_GLIB") : qputenv("QT_NO_GLIB", "1"); // each as the program that it stands for
     QApplication application(argc, argv);
     const QStringList words = QApplication::arguments();
-    if (words.value(1) == "serve") {
-        qunsetenv("QT_NO_GLIB");
+    if (server) {
         return serve(application);
     }
     return words.value(1) == "junk" ? send_junk(words.value(2).toUShort()) : measure(words[0]);

@@ -35,8 +35,8 @@ Console::Console(const platform::Ports& machine)
       plotter(ports, state, comm, navigation, polling.timer3(), scales, live,
               {forms.frm_mon.inj_duty[0], forms.frm_mon.ign_duty[0], forms.frm_mon.wheel_idx_num}, forms.frm_plotter),
       autotune(ports, state, forms.frm_autotune, forms.frm_3d),
-      transfer({ports, state, comm, link_selection, image, forms.frm_wait, forms.frm_ecu.form,
-                shell::console_version}) {
+      transfer(
+          {ports, state, comm, link_selection, image, forms.frm_wait, forms.frm_ecu.form, shell::console_version}) {
     wire();
 }
 

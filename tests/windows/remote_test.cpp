@@ -189,7 +189,8 @@ protected:
         QProcess cli;
         cli.setProcessChannelMode(QProcess::MergedChannels);
         cli.start(program("ecu-cli"), arguments);
-        if (!QTest::qWaitFor([&] { return cli.state() == QProcess::NotRunning; }, 60000)) {
+        if (!platform::wait_until(desktop_->ports().waiting, desktop_->ports().clock, 60,
+                                  [&] { return cli.state() == QProcess::NotRunning; })) {
             cli.kill();
         }
         return {cli.exitCode(), cli.readAll()};
