@@ -47,7 +47,6 @@ std::unique_ptr<FormWindow> make_frm_server_window(link::FrmServer& f, QtHost& h
     window->set_body(window->across({client, refused}));
     window->set_footer(warning); // never scrolled away
     window->set_footer(window->buttons({&f.server_cancel}));
-    window->close_on_escape();
     window->focus_first([&f]() -> platform::Control& { return f.server_cancel; });
     window->resize(820, 400);
     return window;
