@@ -49,7 +49,9 @@ public:
         QObject::connect(socket_.get(), &QUdpSocket::readyRead, socket_.get(), [this] { take_arrived(); });
         const QHostAddress address = local_address ? QHostAddress(*local_address) : QHostAddress(QHostAddress::AnyIPv4);
         if (!socket_->bind(address, local_port, QAbstractSocket::DontShareAddress)) {
-            return {fault_of(socket_->error()), socket_->errorString().toStdString()};
+            const BindFault fault = fault_of(socket_->error());
+            return {fault,
+                    fault == BindFault::not_permitted ? "permission denied" : socket_->errorString().toStdString()};
         }
         socket_->setSocketOption(QAbstractSocket::ReceiveBufferSizeSocketOption, system_buffer);
         return {};

@@ -125,7 +125,8 @@ void RemoteClient::halt() {
 void RemoteClient::back_to_local() {
     use_.state.remote_server_ip.clear();
     use_.state.link_title_suffix.clear();
-    use_.state.comm_ready = false; // the next view opens the serial port
+    use_.state.drop_view_requests(); // a view asked for meanwhile was meant to show the far controller
+    use_.state.comm_ready = false;   // the next view opens the serial port
     use_.main_form.set_caption(plain_caption);
     offer_start(true);
 }

@@ -82,22 +82,34 @@ std::function<void()> MainConsole::instead_of_a_view(std::function<void()> actio
 }
 
 std::function<void()> MainConsole::over_the_link(std::function<void()> action) {
-    return instead_of_a_view([this, action = std::move(action)] {
-        use_.state.remote_connecting ? static_cast<void>(waiting_ = action) : action();
-    });
+    return instead_of_a_view(
+        [this, action = std::move(action)] { when_settled(!use_.state.remote_connecting, action); });
 }
 
 std::function<void()> MainConsole::between_messages(std::function<void()> action) {
     return instead_of_a_view([this, action = std::move(action)] {
-        use_.comm.busy() || use_.state.remote_connecting ? static_cast<void>(waiting_ = action) : action();
+        when_settled(!use_.state.remote_connecting && !use_.comm.busy(), action);
     });
 }
 
-// A tick comes neither inside a message nor inside another tick.
+void MainConsole::when_settled(bool settled, const std::function<void()>& action) {
+    if (settled) {
+        action();
+    } else {
+        waiting_ = action;
+        waiting_for_ = use_.state.remote_server_ip;
+    }
+}
+
+// A tick comes neither inside a message nor inside another tick. What was meant for the controller behind a server does
+// not go to the one at this machine's own port.
 void MainConsole::look_around() {
     show_link_state();
     if (waiting_ && !use_.state.remote_connecting) {
-        use_.ports.timers.post(std::exchange(waiting_, nullptr));
+        const auto action = std::exchange(waiting_, nullptr);
+        if (waiting_for_ == use_.state.remote_server_ip) {
+            use_.ports.timers.post(action);
+        }
     }
 }
 

@@ -49,6 +49,7 @@ private:
     std::function<void()> over_the_link(std::function<void()> action);
     // The same for what changes the link: it also waits for the end of a message under way.
     std::function<void()> between_messages(std::function<void()> action);
+    void when_settled(bool settled, const std::function<void()>& action);
     bool confirm_reflash_far_away();
     void activate();
     void name_ports();
@@ -59,6 +60,7 @@ private:
 
     Use use_;
     std::function<void()> waiting_; // chosen by the user while it could not run
+    std::string waiting_for_;       // the server that it was meant for, or empty
     bool activated_ = false;
 };
 

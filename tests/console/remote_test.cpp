@@ -116,6 +116,23 @@ TEST_F(TwoConsoles, ADownloadOverTheLinkIsByteForByteThatOfTheCable) {
     EXPECT_FALSE(std::ranges::search(far_requests, requests).empty()) << "the same frames in the same order";
 }
 
+TEST_F(TwoConsoles, AnEditedCellIsStoredInTheFarControllerAndTurnsWhite) {
+    start_server();
+    start_client();
+    client.forms.frm_ecu.Command3d2.press();
+    desktop.run_for(5);
+    platform::Grid& fuel = client.forms.frm_3d.inj_map;
+    fuel.set_cell_text(16, 1, "1.250");
+    EXPECT_TRUE(fuel.cell_pending(16, 1));
+    client.forms.frm_3d.Command3d2.press();
+    desktop.run_for(1);
+    const auto write = std::ranges::find(requests, 'e', [](const Bytes& request) { return request[2]; });
+    ASSERT_NE(write, requests.end());
+    EXPECT_EQ(*write, (Bytes{2, 8, 'e', 0, 1, 160, 0x10, 1})); // 1.250 * 128; 2 + 8 + 101 + 0 + 1 + 160 = 272
+    EXPECT_FALSE(fuel.cell_pending(16, 1));
+    EXPECT_EQ(fuel.cell_text(16, 1), "1.250");
+}
+
 TEST_F(TwoConsoles, AServerThatIsKilledAndComesBackIsFoundAgainInMidDownload) {
     start_server();
     start_client();
@@ -130,32 +147,60 @@ TEST_F(TwoConsoles, AServerThatIsKilledAndComesBackIsFoundAgainInMidDownload) {
     EXPECT_FALSE(client.forms.frm_dialog.form.visible());
 }
 
-TEST_F(TwoConsoles, AViewAndAToolClickedWhileTheServerIsGreetedOpenOverTheLinkAndTheLastCounts) {
+// Whether it is given up by the user or by the client itself.
+TEST_F(TwoConsoles, WhatWasMeantForTheFarControllerNeverGoesToThisMachinesOwn) {
+    client.start("");
+    desktop.run_for(0.1);
+    shell::FrmEcu& main = client.forms.frm_ecu;
+    for (const bool halted : {false, true}) {
+        for (platform::MenuItem* item : {&main.menu_tool_reset, &main.Menu_View_Monitor, &main.menu_about}) {
+            enter_address();
+            desktop.schedule(desktop.now() + 100'000, [&] {
+                EXPECT_EQ(main.link_state.text(), "Asking the console at 127.0.0.1...");
+                item->click();
+            });
+            if (halted) {
+                desktop.schedule(desktop.now() + 200'000, [&] { main.menu_remote_setup_halt_client.click(); });
+            } else {
+                desktop.expect_box("Unable to connect to remote IP address 127.0.0.1");
+            }
+            main.menu_remote_setup_start_client.click();
+            desktop.run_for(1);
+            EXPECT_EQ(client.state.current_view, link::View::none);
+            EXPECT_THAT(other.line.tried(), IsEmpty()) << "the port was not even opened";
+        }
+    }
+}
+
+TEST_F(TwoConsoles, AToolClickedWhileTheServerIsGreetedRunsWhenItHasAnswered) {
     start_server();
     client.start("");
     desktop.run_for(0.1);
-    server.forms.frm_server.server_cancel.press();
-    requests.clear();
     enter_address();
-    shell::FrmEcu& main = client.forms.frm_ecu;
-    desktop.schedule(desktop.now() + 100'000, [&] {
-        EXPECT_THAT(main.link_state.text(), HasSubstr("Asking the console at 127.0.0.1"));
-        main.menu_tool_reset.click();
-        main.Command3d4.press();
-        EXPECT_FALSE(client.forms.frm_mon.form.visible());
-    });
-    desktop.schedule(desktop.now() + 1'000'000, [&] {
-        EXPECT_THAT(requests, IsEmpty());
-        EXPECT_FALSE(client.forms.frm_mon.form.visible());
-        main.menu_remote_setup_halt_client.click(); // drops the view: the user has turned to something else
-        main.menu_tool_reset.click();
-    });
-    desktop.on_modal("frm_Dialog", [&](Form&) { client.forms.frm_dialog.dialog_button[1].press(); });
-    main.menu_remote_setup_start_client.click();
+    desktop.expect_box("Succesful connection to remote IP address 127.0.0.1");
+    desktop.expect_box("The controller has been succesfully reset.");
+    desktop.schedule(desktop.now() + 100, [&] { client.forms.frm_ecu.menu_tool_reset.click(); });
+    requests.clear();
+    client.forms.frm_ecu.menu_remote_setup_start_client.click();
     desktop.run_for(1);
-    EXPECT_FALSE(client.forms.frm_mon.form.visible());
-    EXPECT_TRUE(client.state.demo_mode) << "the reset went for this machine's own port, which is not there";
-    EXPECT_THAT(requests, IsEmpty());
+    ASSERT_FALSE(requests.empty());
+    EXPECT_EQ(requests.front()[2], 174);
+}
+
+TEST_F(TwoConsoles, TheServerStartsAfterTheMessageThatIsUnderWay) {
+    server.start("");
+    desktop.run_for(0.2);
+    wired.silence();
+    desktop.schedule(desktop.now() + 150'000, [&] {
+        ASSERT_TRUE(server.comm.busy());
+        server.forms.frm_ecu.menu_remote_setup_start_server.click();
+        EXPECT_TRUE(server.comm1->is_open());
+        wired.speak();
+    });
+    desktop.expect_box("The controller has been succesfully reset.");
+    server.forms.frm_ecu.menu_tool_reset.click();
+    desktop.run_for(0.5);
+    EXPECT_TRUE(server.forms.frm_server.form.visible());
 }
 
 TEST_F(TwoConsoles, AViewClickedWhileTheServerIsGreetedOpensWhenItHasAnswered) {

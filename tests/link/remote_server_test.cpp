@@ -110,6 +110,34 @@ TEST(Server, IsSilentToAllThatIsNotAWholeFrame) {
     EXPECT_EQ(bench.answers_to(bench.client).size(), 1U) << "junk takes nobody's place";
 }
 
+TEST(Server, AMillionDatagramsOfJunkLeaveNothingBehind) {
+    ServerBench bench;
+    bench.start();
+    bench.ask_from(bench.client, text_bytes("MARCO"));
+    bench.answers_to(bench.client);
+    Bytes bad_sum = ask_live;
+    ++bad_sum[6];
+    const std::array<std::pair<Peer, Bytes>, 5> junk{{{bench.client, bad_sum},
+                                                      {bench.other, ask_live},
+                                                      {{loopback, 999}, ask_live},
+                                                      {bench.client, Bytes(3000, 2)},
+                                                      {{bench.client.address, 5}, text_bytes("MARCO")}}};
+    for (int i = 0; i < 1'000'000; ++i) {
+        const auto& [from, bytes] = junk[static_cast<std::size_t>(i) % junk.size()];
+        bench.ask_from(from, bytes);
+    }
+    EXPECT_EQ(bench.incomming_sock.datagrams(), 0U);
+    bench.desktop.run_for(2);
+    EXPECT_THAT(bench.controller.sent(), IsEmpty());
+    EXPECT_THAT(bench.desktop.network().sent(), IsEmpty());
+    EXPECT_EQ(bench.form.num_refused.text(), "1000000");
+    bench.form.sock_byte_count = std::numeric_limits<std::int32_t>::max() - 3;
+    bench.ask_from(bench.client, ask_live);
+    bench.desktop.run_for(0.1);
+    EXPECT_THAT(bench.answers_to(bench.client), ElementsAre(live_reply()));
+    EXPECT_EQ(bench.form.num_sock_bytes.text(), "2147483647") << "held, not wrapped";
+}
+
 TEST(Server, NeverAnswersAServerPort) {
     ServerBench bench;
     bench.start();

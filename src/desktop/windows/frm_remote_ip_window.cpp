@@ -32,7 +32,11 @@ std::unique_ptr<FormWindow> make_frm_remote_ip_window(link::FrmRemoteIp& f, QtHo
     window->set_body(panel);
     window->set_footer(window->buttons({&f.remote_ip_done, &f.remote_ip_cancel}));
     window->close_on_escape();
-    window->focus_first([&f]() -> platform::Control& { return f.client_ip_address[0]; });
+    auto* first = static_cast<QLineEdit*>(window->binding().widget_of(f.client_ip_address[0]));
+    window->focus_first([&f, first]() -> platform::Control& {
+        first->selectAll(); // what is typed replaces the last address
+        return f.client_ip_address[0];
+    });
     return window;
 }
 

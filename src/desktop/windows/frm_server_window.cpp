@@ -35,19 +35,20 @@ std::unique_ptr<FormWindow> make_frm_server_window(link::FrmServer& f, QtHost& h
     Panel refused = window->panel("Refused, and not answered");
     refused.figure("Datagrams", f.num_refused, "", widest_count);
     constexpr std::array<const char*, link::refusal_kinds> reasons{
-        "neither a greeting nor a whole frame", "from a server's port",       "from an address that may not ask",
-        "from another console meanwhile",       "more waiting than can wait", "too old to be written"};
+        "Neither a greeting nor a whole frame", "From a server's port",       "From an address that may not ask",
+        "From another console meanwhile",       "More waiting than can wait", "Too old to be written"};
     for (std::size_t i = 0; i < reasons.size(); ++i) {
-        refused.row(reasons[i], f.refused[i]);
+        static_cast<QLabel*>(refused.row(reasons[i], f.refused[i]))->setAlignment(Qt::AlignRight);
     }
     refused.fill();
 
     Panel warning = window->panel("Open to the network");
     lines(warning.add(f.server_warning, "Warning"));
-    window->set_body(window->down({window->across({client, refused}), warning}, {1, 0}));
+    window->set_body(window->across({client, refused}));
+    window->set_footer(warning); // never scrolled away
     window->set_footer(window->buttons({&f.server_cancel}));
-    window->close_on_escape();
     window->focus_first([&f]() -> platform::Control& { return f.server_cancel; });
+    window->resize(820, 400);
     return window;
 }
 
