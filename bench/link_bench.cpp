@@ -1,13 +1,13 @@
 // The link's budgets over a real pseudo-terminal: one A transaction and a whole calibration download against their
 // wire time at 38400 baud, and the software cost of a transaction on an unpaced line. Prints one line per row.
-#include "bench/controller_process.h"
-#include "cli/terminal_desktop.h"
-#include "console/console.h"
 #include "adapters/qt_clock.h"
 #include "adapters/qt_datagram_socket.h"
 #include "adapters/qt_serial_port.h"
 #include "adapters/qt_timers.h"
 #include "adapters/qt_waiting.h"
+#include "bench/controller_process.h"
+#include "cli/terminal_desktop.h"
+#include "console/console.h"
 
 #include <QCoreApplication>
 

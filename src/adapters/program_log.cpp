@@ -23,7 +23,7 @@ namespace ecu::adapters::program_log {
 
 namespace {
 
-constexpr std::uintmax_t largest = 256 * 1024;
+constexpr std::uintmax_t largest = 262144;
 constexpr std::string_view start_mark = " start ";
 constexpr std::string_view end_mark = " end ";
 
@@ -105,7 +105,7 @@ void note_deadly_signal(int signal) {
 void catch_deadly_signals() {
     std::array<void*, 2> calls;
     backtrace(calls.data(), static_cast<int>(calls.size())); // loads now what it must not load in a handler
-    static std::array<char, 65536> stack; // of its own, for a stack that has run over
+    static std::array<char, 65536> stack;                    // of its own, for a stack that has run over
     const stack_t place{.ss_sp = stack.data(), .ss_flags = 0, .ss_size = stack.size()};
     sigaltstack(&place, nullptr);
     struct sigaction noted {};

@@ -1,8 +1,8 @@
 #include "autotune/autotune.h"
 
 #include "autotune/log_fields.h"
-#include "logging/log_file.h"
 #include "editing/editing_rules.h"
+#include "logging/log_file.h"
 #include "platform/display_mask.h"
 #include "platform/leading_number.h"
 #include "platform/rounding.h"

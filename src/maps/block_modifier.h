@@ -2,8 +2,8 @@
 // typed, and is held or refused at the next Update.
 #pragma once
 
-#include "link/shared_state.h"
 #include "editing/editing_rules.h"
+#include "link/shared_state.h"
 #include "maps/frm_cellblock_modifier.h"
 #include "platform/ports.h"
 

@@ -64,7 +64,8 @@ private:
 
     void picture(Form& form, const std::string& suffix = "") {
         const std::filesystem::path path = folder_ / (form.name() + suffix + ".png");
-        if (form.visible() && desktop_.host().window_of(form).grab().save(QString::fromStdString(path.string()), "PNG", smallest_file)) {
+        if (form.visible() &&
+            desktop_.host().window_of(form).grab().save(QString::fromStdString(path.string()), "PNG", smallest_file)) {
             ++pictures_;
             return;
         }
