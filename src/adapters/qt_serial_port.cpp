@@ -39,6 +39,21 @@ void ask_for_low_latency(QSerialPort::Handle) {}
 std::size_t bytes_in_driver(QSerialPort::Handle) { return 0; }
 #endif
 
+// What to do when this user may not open the device, which exists. A device that is in use is told as a lack of
+// permission too.
+std::string remedy(QSerialPort::SerialPortError error, const QString& device) {
+#ifdef Q_OS_LINUX
+    const QFileInfo file(device);
+    if (error == QSerialPort::PermissionError && file.exists() && !(file.isReadable() && file.isWritable())) {
+        const std::string group = file.group().isEmpty() ? "dialout" : file.group().toStdString();
+        return ". This user may not use it: run  sudo adduser $USER " + group + "  and log in again.";
+    }
+#else
+    (void)error, (void)device;
+#endif
+    return {};
+}
+
 class QtSerialPort final : public platform::SerialPort {
 public:
     QtSerialPort() {
@@ -66,7 +81,7 @@ public:
         port_.setStopBits(QSerialPort::OneStop);
         port_.setFlowControl(QSerialPort::NoFlowControl);
         if (!port_.open(QIODevice::ReadWrite)) {
-            return device + ": " + port_.errorString().toStdString();
+            return device + ": " + port_.errorString().toStdString() + remedy(port_.error(), port_.portName());
         }
         ask_for_low_latency(port_.handle());
         number_ = number;
@@ -172,7 +187,7 @@ std::string device_of_port(int number) {
     return "COM" + std::to_string(number);
 #else
     for (const char* family : {"/dev/ttyUSB", "/dev/ttyACM", "/dev/ttyS"}) {
-        const std::string device = family + std::to_string(number - 1);
+        std::string device = family + std::to_string(number - 1);
         if (QFileInfo::exists(QString::fromStdString(device))) {
             return device;
         }

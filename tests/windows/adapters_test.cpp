@@ -14,6 +14,7 @@
 #include <memory>
 #include <stdlib.h>
 #include <string>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace ecu::adapters {
@@ -153,6 +154,14 @@ TEST_F(SerialLine, missing_device_is_named_in_the_reason) {
     EXPECT_NE(port_->open(3, 38400).find("there-is-no-such-device"), std::string::npos);
     EXPECT_FALSE(port_->is_open());
     EXPECT_EQ(device_of_port(3), "/dev/there-is-no-such-device");
+}
+
+TEST_F(SerialLine, device_that_the_user_may_not_open_comes_with_the_remedy) {
+    if (geteuid() == 0) {
+        GTEST_SKIP() << "root may open everything";
+    }
+    ASSERT_EQ(chmod(qgetenv("ECU_PORT_3").constData(), 0), 0);
+    EXPECT_NE(port_->open(3, 38400).find("sudo adduser $USER "), std::string::npos);
 }
 
 TEST_F(SerialLine, what_nobody_reads_is_lost_beyond_the_buffer) {
