@@ -62,7 +62,8 @@ class OnAFreshMachine(unittest.TestCase):
             result = self.install(apt, **environment)
             self.assertEqual(result.returncode, 1, apt)
             lines = result.stderr.splitlines()
-            self.assertEqual(len(lines), 2, result.stderr)
+            self.assertEqual((len(lines), len(result.stdout.splitlines())), (2, 0 if environment else 1), result.stderr)
+            self.assertEqual(len(self.calls()), {"offline": 1, "old": 3}.get(apt, 3), "nothing is asked in vain")
             self.assertIn(reason, lines[0])
             self.assertIn("apt-get update && apt-get install --no-install-recommends cmake ninja-build", lines[1])
 
@@ -71,6 +72,20 @@ class OnAFreshMachine(unittest.TestCase):
         self.assertEqual(result.returncode, 0, result.stderr)
         self.assertEqual(result.stdout.count("waiting"), 1)
         self.assertEqual(len(self.calls()), 4)
+
+
+def session_of(leader):
+    """The processes of a session that still run."""
+    found = []
+    for stat in pathlib.Path("/proc").glob("[0-9]*/stat"):
+        try:
+            name, _, fields = stat.read_text().rpartition(")")
+        except OSError:
+            continue
+        state, _, _, session = fields.split()[:4]
+        if int(session) == leader and state != "Z":
+            found.append(name)
+    return found
 
 
 class Run(unittest.TestCase):
@@ -133,7 +148,8 @@ class Run(unittest.TestCase):
                 time.sleep(0.01)
             process.send_signal(end)
             self.assertEqual(process.wait(timeout=PATIENCE), 128 + end)
-            self.assertEqual(process.stdout.read().count("pictures in"), 0)  # its end: nobody holds the pipe any more
+            self.assertEqual(process.stdout.read().count("pictures in"), 0)
+            self.assertEqual(session_of(process.pid), [])
             shutil.rmtree(self.tree / "out")
 
 
