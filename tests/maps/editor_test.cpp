@@ -180,8 +180,8 @@ TEST_F(Editor, ARefusedValueIsShownAndItsBoxSaysWhereItStands) {
 TEST_F(Editor, AnEntryIsAskedForReplacedNoticedAndSentInThisOrder) {
     open();
     editing::EditorLink link(console.ports, console.state, console.comm, console.scales);
-    auto& pulses = console.forms.frm_tool.num_pulses_hot;
-    auto& gain = console.forms.frm_tool.min_ego_gain;
+    auto& pulses = console.forms.registry.get<platform::TextBox>("frm_tool", "num_pulses_hot");
+    auto& gain = console.forms.registry.get<platform::TextBox>("frm_tool", "min_ego_gain");
     const auto send = [&](const calibration::Parameter& row, platform::TextBox& box, const char* text,
                           const editing::GoOn& go_on = {}) {
         box.set_text(text);
