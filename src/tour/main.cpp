@@ -47,6 +47,7 @@ public:
         view(forms.frm_ecu.Command3d4, forms.frm_mon.form);
         view(forms.frm_ecu.Command1, forms.frm_dashboard.form);
         view(forms.frm_ecu.Command3d2, forms.frm_3d.form, [&] { maps(forms); });
+        view(forms.frm_ecu.Command3d7, forms.frm_2d.form, [&] { corrections(forms); });
         view(forms.frm_ecu.Command2, forms.frm_sup.form, [&] { outputs(forms); });
         view(forms.frm_ecu.Command3d1, forms.frm_tool.form, [&] { configuration(forms); });
         view(forms.frm_ecu.Command3d7, forms.frm_2d.form);
@@ -132,6 +133,14 @@ private:
             forms.frm_tool.tool_tab.set_current(page);
             wait(0.2F);
             picture(forms.frm_tool.form, "_" + std::to_string(page));
+        }
+    }
+
+    void corrections(ecu::console::Forms& forms) {
+        for (int page = 1; page < 3; ++page) {
+            forms.frm_2d.map_tabs.set_current(page);
+            wait(0.3F);
+            picture(forms.frm_2d.form, "_" + std::to_string(page));
         }
     }
 

@@ -94,6 +94,7 @@ TEST_F(AdditionalMapping, OpeningReadsScalesThenFourteenTablesInTheirOrderThenTh
         pages[request[3] + 256 * request[4]] = frm_2d.map_tabs.current();
         polled_between = polled_between || !console.state.polling_paused;
         EXPECT_FALSE(frm_2d.Command3d2.enabled() || frm_2d.map_tabs.enabled());
+        EXPECT_TRUE(request[2] == 'C' || frm_2d.lambda_sp_table.locked());
     };
     const auto messages = sent_by([this] {
         console.navigation.open(link::View::additional_mapping);
