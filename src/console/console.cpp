@@ -39,7 +39,7 @@ Console::Console(const platform::Ports& machine)
       configuration_page(ports, state, comm, scales, image, reply_decoders.controls(), navigation, forms.frm_tool),
       plotter(ports, state, comm, navigation, polling.timer3(), scales, live,
               {forms.frm_mon.inj_duty[0], forms.frm_mon.ign_duty[0], forms.frm_mon.wheel_idx_num}, forms.frm_plotter),
-      autotune(ports, state, forms.frm_autotune, forms.frm_3d),
+      autotune(ports, state, forms.frm_autotune, forms.frm_3d, scales),
       transfer(
           {ports, state, comm, link_selection, image, forms.frm_wait, forms.frm_ecu.form, shell::console_version}) {
     wire();
