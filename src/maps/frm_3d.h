@@ -83,7 +83,7 @@ struct Frm3d {
     platform::Label map_status{form, "map_status"}; // progress of the opening read, then the count of pending values
 
     // The grids by map_view_index.
-    const std::array<platform::Grid *, 4> grids{&inj_map, &ign_map, &TPS_map, &TPS_mix};
+    const std::array<platform::Grid*, 4> grids{&inj_map, &ign_map, &TPS_map, &TPS_mix};
 
     Frm3d() {
         constexpr std::string_view gain_tip =
@@ -97,10 +97,10 @@ struct Frm3d {
                              "fuel map.");
         TPS_mix.set_tool_tip("This 3D map allows you to configure the percentage (0 to 100) of the TPS based map to be "
                              "used with the normal fuel map.");
-        for (platform::Grid *grid : grids) {
+        for (platform::Grid* grid : grids) {
             grid->set_visible(grid == &inj_map);
         }
-        for (platform::TextBox &box : ecu_pgm) {
+        for (platform::TextBox& box : ecu_pgm) {
             box.set_tool_tip("The higher this number, the more fuel that will be injected under given conditions");
         }
         tps_rpm.set_tool_tip("This is the RPM at which the TPS PW and %TPS Mix mapping begins to opperate.");

@@ -235,7 +235,8 @@ std::unique_ptr<FormWindow> make_frm_2d_window(maps::Frm2d& f, QtHost& host) {
         window->across({live_figures(*window, f), window->buttons({&f.read_again, &f.Command3d2, &f.Command3d1})}));
     window->demo_badge(f.show_demo_mode);
     window->status_line(f.map_status);
-    window->statusBar()->addPermanentWidget(muted_label("Ctrl+1–3 page   F6 targets   Shift+↑↓ step   Ctrl+Shift+C curve"));
+    window->statusBar()->addPermanentWidget(
+        muted_label("Ctrl+1–3 page   F6 targets   Shift+↑↓ step   Ctrl+Shift+C curve"));
     for (platform::Label& label : f.Label12) {
         window->keep_hidden(label); // a third barometric axis, of no curve
     }
