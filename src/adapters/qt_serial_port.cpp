@@ -41,15 +41,15 @@ std::size_t bytes_in_driver(QSerialPort::Handle) { return 0; }
 
 // What to do when this user may not open the device, which exists. A device that is in use is told as a lack of
 // permission too.
-std::string remedy(QSerialPort::SerialPortError error, const QString& device) {
+std::string remedy(QSerialPort::SerialPortError error, const QFileInfo& file) {
 #ifdef Q_OS_LINUX
-    const QFileInfo file(device);
     if (error == QSerialPort::PermissionError && file.exists() && !(file.isReadable() && file.isWritable())) {
-        const std::string group = file.group().isEmpty() ? "dialout" : file.group().toStdString();
+        const QString owner = file.group();
+        const std::string group = owner.isEmpty() || owner == "root" ? "dialout" : owner.toStdString();
         return ". This user may not use it: run  sudo adduser $USER " + group + "  and log in again.";
     }
 #else
-    (void)error, (void)device;
+    (void)error, (void)file;
 #endif
     return {};
 }
@@ -81,7 +81,7 @@ public:
         port_.setStopBits(QSerialPort::OneStop);
         port_.setFlowControl(QSerialPort::NoFlowControl);
         if (!port_.open(QIODevice::ReadWrite)) {
-            return device + ": " + port_.errorString().toStdString() + remedy(port_.error(), port_.portName());
+            return device + ": " + port_.errorString().toStdString() + remedy(port_.error(), file);
         }
         ask_for_low_latency(port_.handle());
         number_ = number;
