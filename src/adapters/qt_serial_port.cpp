@@ -58,15 +58,15 @@ QString holder_of(const QString& port_name) {
 
 // What to do when this user may not open the device, which exists. A device that is in use is told as a lack of
 // permission too.
-std::string remedy(QSerialPort::SerialPortError error, const QString& device) {
+std::string remedy(QSerialPort::SerialPortError error, const QFileInfo& file) {
 #ifdef Q_OS_LINUX
-    const QFileInfo file(device);
     if (error == QSerialPort::PermissionError && file.exists() && !(file.isReadable() && file.isWritable())) {
-        const std::string group = file.group().isEmpty() ? "dialout" : file.group().toStdString();
+        const QString owner = file.group();
+        const std::string group = owner.isEmpty() || owner == "root" ? "dialout" : owner.toStdString();
         return ". This user may not use it: run  sudo adduser $USER " + group + "  and log in again.";
     }
 #else
-    (void)error, (void)device;
+    (void)error, (void)file;
 #endif
     return {};
 }
@@ -98,7 +98,7 @@ public:
         port_.setStopBits(QSerialPort::OneStop);
         port_.setFlowControl(QSerialPort::NoFlowControl);
         if (!port_.open(QIODevice::ReadWrite)) {
-            return device + ": " + refusal(port_.portName()).toStdString();
+            return device + ": " + refusal(port_.portName(), file).toStdString();
         }
         ask_for_low_latency(port_.handle());
         number_ = number;
@@ -169,10 +169,10 @@ public:
 
 private:
     // The system's words for "somebody else has it" say so to nobody who has not met them.
-    QString refusal(const QString& port_name) const {
+    QString refusal(const QString& port_name, const QFileInfo& file) const {
         const QString reason = port_.errorString();
         if (!reason.contains("locking", Qt::CaseInsensitive) && !reason.contains("busy", Qt::CaseInsensitive)) {
-            return reason + QString::fromStdString(remedy(port_.error(), port_name));
+            return reason + QString::fromStdString(remedy(port_.error(), file));
         }
         const QString holder = holder_of(port_name);
         return "It is in use by another program" + (holder.isEmpty() ? QString() : ", " + holder) +
