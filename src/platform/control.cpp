@@ -29,6 +29,18 @@ void Control::set_text(std::string_view text) {
 void Control::set_back_colour(std::optional<Colour> colour) {
     if (back_ != colour) {
         back_ = colour;
+        if (!back_held_) {
+            announce(Property::back_colour);
+        }
+    }
+}
+
+void Control::announce_back_once(const std::function<void()>& change) {
+    const auto before = back_;
+    const bool held = std::exchange(back_held_, true);
+    change();
+    back_held_ = held;
+    if (!held && back_ != before) {
         announce(Property::back_colour);
     }
 }
@@ -77,9 +89,11 @@ void TextBox::set_text(std::string_view text) {
 }
 
 void TextBox::confirm(std::string_view text) {
-    set_text(text);
-    set_origin(Origin::reply);
-    set_back_colour(confirmed);
+    announce_back_once([&] {
+        set_text(text);
+        set_origin(Origin::reply);
+        set_back_colour(confirmed);
+    });
 }
 
 void TextBox::forget() { set_origin(Origin::unread); }

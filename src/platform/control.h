@@ -121,6 +121,8 @@ public:
 protected:
     Control(Form& form, std::string_view name, int index, Kind kind, std::string_view text);
     void announce(Property property);
+    // Of the backgrounds that `change` paints one after the other only the last is announced, if it differs at all.
+    void announce_back_once(const std::function<void()>& change);
 
 private:
     Form* form_;
@@ -132,6 +134,7 @@ private:
     std::string tag_;
     std::optional<Colour> back_;
     std::optional<Colour> fore_;
+    bool back_held_ = false;
     bool enabled_ = true;
     bool visible_ = true;
 };
