@@ -1,13 +1,13 @@
 // The link's budgets over a real pseudo-terminal: one A transaction and a whole calibration download against their
 // wire time at 38400 baud, and the software cost of a transaction on an unpaced line. Prints one line per row.
-#include "bench/controller_process.h"
-#include "cli/terminal_desktop.h"
-#include "console/console.h"
 #include "adapters/qt_clock.h"
 #include "adapters/qt_datagram_socket.h"
 #include "adapters/qt_serial_port.h"
 #include "adapters/qt_timers.h"
 #include "adapters/qt_waiting.h"
+#include "bench/controller_process.h"
+#include "cli/terminal_desktop.h"
+#include "console/console.h"
 
 #include <QCoreApplication>
 
@@ -75,6 +75,14 @@ int main(int argc, char** argv) {
         const ecu::bench::ControllerProcess controller(program, {});
         Rig rig;
         const double median = rig.median_seconds(5000);
+        {
+            long bytes = 0;
+            const auto watch =
+                rig.console.comm.observe([&](const ecu::link::Observed& seen) { bytes += std::ssize(seen.reply); });
+            const double watched = rig.median_seconds(5000);
+            std::printf("cost of an observer                  %.1f us a transaction (%ld bytes seen; at most 20)\n",
+                        (watched - median) * 1e6, bytes);
+        }
         std::printf("transaction on an unpaced line       %.0f us (both sides; at most 150)\n", median * 1e6);
     }
     return 0;

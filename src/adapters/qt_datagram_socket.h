@@ -1,5 +1,5 @@
-// Datagrams over QUdpSocket. What arrives is taken from the system at once and queued here, so that it can be read
-// byte by byte across datagrams or one datagram at a time, and a full system buffer never wakes the loop for nothing.
+// Datagrams over QUdpSocket. What arrives is taken from the system as it comes, a bounded number with each event, and
+// what nobody wants is dropped there, so that neither a flood nor a full system buffer keeps the loop busy for nothing.
 #pragma once
 
 #include "platform/datagram_socket.h"

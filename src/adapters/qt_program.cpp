@@ -9,6 +9,9 @@ void QtProgram::end(int status) {
     if (before_end) {
         before_end();
     }
+    if (at_end) {
+        at_end(status);
+    }
     std::fflush(nullptr);
     std::_Exit(status);
 }

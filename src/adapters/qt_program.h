@@ -12,6 +12,8 @@ public:
     [[noreturn]] void end(int status) override;
     // Runs first, to close the port and what else the system would not close by itself.
     std::function<void()> before_end;
+    // Runs last, to note the end.
+    std::function<void(int status)> at_end;
 };
 
 } // namespace ecu::adapters

@@ -56,6 +56,21 @@ QString holder_of(const QString& port_name) {
     return {};
 }
 
+// What to do when this user may not open the device, which exists. A device that is in use is told as a lack of
+// permission too.
+std::string remedy(QSerialPort::SerialPortError error, const QString& device) {
+#ifdef Q_OS_LINUX
+    const QFileInfo file(device);
+    if (error == QSerialPort::PermissionError && file.exists() && !(file.isReadable() && file.isWritable())) {
+        const std::string group = file.group().isEmpty() ? "dialout" : file.group().toStdString();
+        return ". This user may not use it: run  sudo adduser $USER " + group + "  and log in again.";
+    }
+#else
+    (void)error, (void)device;
+#endif
+    return {};
+}
+
 class QtSerialPort final : public platform::SerialPort {
 public:
     QtSerialPort() {
@@ -157,7 +172,7 @@ private:
     QString refusal(const QString& port_name) const {
         const QString reason = port_.errorString();
         if (!reason.contains("locking", Qt::CaseInsensitive) && !reason.contains("busy", Qt::CaseInsensitive)) {
-            return reason;
+            return reason + QString::fromStdString(remedy(port_.error(), port_name));
         }
         const QString holder = holder_of(port_name);
         return "It is in use by another program" + (holder.isEmpty() ? QString() : ", " + holder) +
@@ -208,7 +223,7 @@ std::string device_of_port(int number) {
     return "COM" + std::to_string(number);
 #else
     for (const char* family : {"/dev/ttyUSB", "/dev/ttyACM", "/dev/ttyS"}) {
-        const std::string device = family + std::to_string(number - 1);
+        std::string device = family + std::to_string(number - 1);
         if (QFileInfo::exists(QString::fromStdString(device))) {
             return device;
         }

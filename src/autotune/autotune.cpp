@@ -4,6 +4,7 @@
 #include "editing/editing_rules.h"
 #include "link/pause.h"
 #include "logging/log_file.h"
+#include "maps/map_axes.h"
 #include "platform/display_mask.h"
 #include "platform/leading_number.h"
 #include "platform/rounding.h"
@@ -24,16 +25,26 @@ float number_of(std::string_view text) { return static_cast<float>(platform::lea
 
 bool is_skipped(std::string_view factor) { return factor.empty() || factor == "X" || factor == "x"; }
 
-void apply_factor(const platform::Grid& factors, platform::Grid& map, int n) {
+// Whether the map's cell took the product.
+bool apply_factor(const platform::Grid& factors, platform::Grid& map, int n) {
     if (map.cell_unread(editing::row_of(map, n), editing::column_of(map, n))) {
-        return; // there is no value to multiply
+        return false; // there is no value to multiply
     }
     const std::string& factor = editing::text_at(factors, n);
     const float product = number_of(factor) * number_of(editing::text_at(map, n));
     // A product beyond all numbers would read back as 0: no fuel.
     if (!is_skipped(factor) && std::isfinite(product)) {
         editing::write_at(map, n, platform::masked(product, "0.000"));
+        return true;
     }
+    return false;
+}
+
+// "2nd": a second Apply multiplies what the first one left.
+std::string ordinal(int n) {
+    const bool teens = n / 10 % 10 == 1;
+    const int last = n % 10;
+    return std::to_string(n) + (teens || last == 0 || last > 3 ? "th" : last == 1 ? "st" : last == 2 ? "nd" : "rd");
 }
 
 // What one row leaves for the next.
@@ -115,8 +126,15 @@ void take_field(int number, float value, LogRow& row, Previous& previous) {
 
 } // namespace
 
-Autotune::Autotune(const platform::Ports& ports, link::SharedState& state, FrmAutotune& form, maps::Frm3d& frm_3d)
-    : ports_(ports), state_(state), form_(form), frm_3d_(frm_3d) {
+Autotune::Autotune(const platform::Ports& ports, link::SharedState& state, FrmAutotune& form, maps::Frm3d& frm_3d,
+                   const calibration::Scales& scales)
+    : ports_(ports), state_(state), form_(form), frm_3d_(frm_3d), scales_(scales) {
+    form_.autotune_inj_factors.place = [this](int row, int column) {
+        return maps::cell_place(row, column, true, scales_);
+    };
+    form_.autotune_tps_factors.place = [this](int row, int column) {
+        return maps::cell_place(row, column, false, scales_);
+    };
     form_.form.on_load = [this] {
         size_grids();
         autotune_reset();
@@ -133,6 +151,7 @@ Autotune::Autotune(const platform::Ports& ports, link::SharedState& state, FrmAu
 void Autotune::open() {
     const link::Pause paused(state_);
     frm_3d_.form.hide();
+    label_axes();
     form_.form.show_modal();
 }
 
@@ -151,7 +170,20 @@ void Autotune::size_grids() {
     }
 }
 
+void Autotune::label_axes() {
+    for (std::size_t i = 0; i < form_.speed_axis.size(); ++i) {
+        form_.speed_axis[i].set_text(std::to_string(maps::speed_mark(static_cast<double>(i) / 8, scales_)));
+    }
+    for (std::size_t i = 0; i < form_.pressure_axis.size(); ++i) {
+        const double share = static_cast<double>(i) / 16;
+        form_.pressure_axis[i].set_text(std::to_string(maps::load_mark(share, true, scales_)));
+        form_.throttle_axis[i].set_text(std::to_string(maps::load_mark(share, false, scales_)));
+    }
+}
+
 void Autotune::autotune_reset() {
+    applied_ = 0;
+    form_.applied.set_text("");
     editing::write_all(form_.autotune_inj_factors, "");
     editing::write_all(form_.autotune_tps_factors, "");
     inj_point_count_.fill(0);
@@ -166,10 +198,18 @@ void Autotune::autotune_reset() {
 void Autotune::apply_to_maps() {
     const editing::Repaint fuel(frm_3d_.inj_map);
     const editing::Repaint tps(frm_3d_.TPS_map);
+    int written = 0;
     for (int n = 0; n < cells; ++n) {
-        apply_factor(form_.autotune_inj_factors, frm_3d_.inj_map, n);
-        apply_factor(form_.autotune_tps_factors, frm_3d_.TPS_map, n);
+        written += apply_factor(form_.autotune_inj_factors, frm_3d_.inj_map, n) ? 1 : 0;
+        written += apply_factor(form_.autotune_tps_factors, frm_3d_.TPS_map, n) ? 1 : 0;
     }
+    if (written == 0) {
+        form_.applied.set_text("No cell has a factor to apply");
+        return;
+    }
+    ++applied_;
+    form_.applied.set_text("Applied to " + std::to_string(written) + (written == 1 ? " cell" : " cells") +
+                           (applied_ == 1 ? "" : " (" + ordinal(applied_) + " time)"));
 }
 
 bool Autotune::autotune_routine(LogRow& row) {

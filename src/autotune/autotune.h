@@ -4,6 +4,7 @@
 #pragma once
 
 #include "autotune/frm_autotune.h"
+#include "calibration/scales.h"
 #include "link/shared_state.h"
 #include "maps/frm_3d.h"
 #include "platform/ports.h"
@@ -28,7 +29,8 @@ struct LogRow {
 class Autotune {
 public:
     // Takes over the menu item menu_autotune of the basic mapping window.
-    Autotune(const platform::Ports& ports, link::SharedState& state, FrmAutotune& form, maps::Frm3d& frm_3d);
+    Autotune(const platform::Ports& ports, link::SharedState& state, FrmAutotune& form, maps::Frm3d& frm_3d,
+             const calibration::Scales& scales);
 
     void autotune_reset();
     // False when a rate of change cannot be formed: the loader ends there.
@@ -40,6 +42,7 @@ private:
     void open();
     void leave();
     void size_grids();
+    void label_axes();
     void apply_to_maps();
     void load_logfile();
 
@@ -47,6 +50,8 @@ private:
     link::SharedState& state_;
     FrmAutotune& form_;
     maps::Frm3d& frm_3d_;
+    const calibration::Scales& scales_;
+    int applied_ = 0; // how often since the factors were last emptied
     std::array<std::int16_t, 256> inj_point_count_{};
     std::array<std::int16_t, 256> tps_point_count_{};
     Samples inj_point_samples_{100};

@@ -19,6 +19,11 @@ struct FrmAutotune {
     platform::Grid autotune_inj_factors{form, "autotune_inj_factors", 16, 16};
     platform::Grid autotune_tps_factors{form, "autotune_tps_factors", 16, 16};
 
+    // The marks along the axes, as the maps' own.
+    platform::ControlArray<platform::Label, 9> speed_axis{form, "speed_axis"};
+    platform::ControlArray<platform::Label, 17> pressure_axis{form, "pressure_axis"}; // 0 at the bottom
+    platform::ControlArray<platform::Label, 17> throttle_axis{form, "throttle_axis"};
+    platform::Label applied{form, "applied"}; // what the last Apply did
     platform::TextBox map_stability_criteria{form, "map_stability_criteria", "3.0"};
     platform::TextBox Text1{form, "Text1", "50.0"};
     platform::TextBox Text2{form, "Text2", "0.05"};

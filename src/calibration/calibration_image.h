@@ -6,6 +6,8 @@
 #include "calibration/parameters.h"
 #include "calibration/scales.h"
 
+#include <bitset>
+
 namespace ecu::calibration {
 
 class CalibrationImage {
@@ -22,7 +24,11 @@ public:
     // The last byte that a reply brought for a cell of table memory. The editors show the cells and hold the tuner's
     // entries; this is what a setup file prints. An address outside the tables' memory throws std::out_of_range.
     std::uint8_t cell(int address) const { return cells_.at(static_cast<std::size_t>(address)); }
-    void store_cell(int address, std::uint8_t raw) { cells_.at(static_cast<std::size_t>(address)) = raw; }
+    void store_cell(int address, std::uint8_t raw) {
+        cells_.at(static_cast<std::size_t>(address)) = raw;
+        cells_known_.set(static_cast<std::size_t>(address));
+    }
+    bool cell_known(int address) const { return cells_known_.test(static_cast<std::size_t>(address)); }
 
     std::int32_t firmware_revision = 0; // the word of R: 10200 is V1.02.00
     std::uint32_t serial_number = 0;
@@ -34,6 +40,7 @@ private:
     std::array<std::int32_t, element_count> values_{}; // full_scale_rpm's place stays unused: the scales hold it
     std::array<bool, element_count> known_{};
     std::array<std::uint8_t, table_memory_end> cells_{};
+    std::bitset<table_memory_end> cells_known_;
 };
 
 } // namespace ecu::calibration

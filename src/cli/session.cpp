@@ -3,6 +3,8 @@
 #include "cli/interrupt.h"
 
 #include <QByteArray>
+#include <QHostAddress>
+#include <QHostInfo>
 
 #include <algorithm>
 #include <filesystem>
@@ -11,11 +13,6 @@ namespace ecu::cli {
 
 namespace {
 
-constexpr std::uint16_t client_port = 998;
-constexpr std::uint16_t server_port = 999;
-constexpr std::string_view server_call = "MARCO";
-constexpr std::string_view server_answer = "POLO";
-constexpr float server_seconds = 5;
 constexpr double longest_nap = 0.1; // until the user's wish to end is looked at
 
 std::string without_last_stop(std::string text) {
@@ -23,6 +20,19 @@ std::string without_last_stop(std::string text) {
         text.pop_back();
     }
     return text;
+}
+
+// The link itself looks up no names. One that nobody knows stays as it is, and no server answers there.
+std::string dotted_address(const std::string& host) {
+    if (platform::ipv4_of(host)) {
+        return host;
+    }
+    for (const QHostAddress& address : QHostInfo::fromName(QString::fromStdString(host)).addresses()) {
+        if (address.protocol() == QAbstractSocket::IPv4Protocol) {
+            return address.toString().toStdString();
+        }
+    }
+    return host;
 }
 
 } // namespace
@@ -63,23 +73,20 @@ void Session::open_link() {
 }
 
 void Session::greet_server() {
-    platform::DatagramSocket& socket = *console.outgoing_sock;
-    if (const std::string reason = socket.bind(client_port); !reason.empty()) {
-        throw Failure(Status::link, "the network port " + std::to_string(client_port) +
-                                        " cannot be used: " + without_last_stop(reason) +
-                                        ". End the other program that uses it, or get the right to use low ports");
+    const std::string server = dotted_address(options_.remote);
+    const auto greeting = console.remote_client.greet(server, interrupted);
+    if (!greeting.fault.empty()) {
+        throw Failure(Status::link, without_last_stop(greeting.fault));
     }
-    socket.set_remote(options_.remote, server_port);
-    socket.send({reinterpret_cast<const std::uint8_t*>(server_call.data()), server_call.size()});
-    platform::wait_until(waiting_, clock_, server_seconds,
-                         [&] { return socket.available() >= server_answer.size() || interrupted(); });
-    const std::vector<std::uint8_t> answer = socket.read(socket.available());
-    if (!std::ranges::equal(answer, server_answer)) {
+    if (interrupted()) {
+        throw Interrupted{};
+    }
+    if (!greeting.answered) {
         throw Failure(Status::link, "no console serves its controller at " + options_.remote +
                                         ". Start the server there (Tools, Remote Setup, Start server) and check the "
                                         "address");
     }
-    console.state.remote_server_ip = options_.remote;
+    console.state.remote_server_ip = server;
 }
 
 std::string Session::controller_name() const {

@@ -2,14 +2,14 @@
 // the command line names, and the words for what goes wrong there.
 #pragma once
 
-#include "cli/options.h"
-#include "cli/terminal_desktop.h"
-#include "console/console.h"
 #include "adapters/qt_clock.h"
 #include "adapters/qt_datagram_socket.h"
 #include "adapters/qt_serial_port.h"
 #include "adapters/qt_timers.h"
 #include "adapters/qt_waiting.h"
+#include "cli/options.h"
+#include "cli/terminal_desktop.h"
+#include "console/console.h"
 
 namespace ecu::cli {
 

@@ -1,8 +1,8 @@
-#include "cli/calibration_values.h"
-#include "cli/check.h"
-#include "cli/compare.h"
+#include "calibration/compare.h"
+#include "calibration/file_check.h"
 #include "cli/interrupt.h"
 #include "cli/json.h"
+#include "cli/reports.h"
 #include "cli/verbs.h"
 
 #include <QJsonArray>
@@ -110,7 +110,7 @@ bool agreed_to_upload(const Options& options, const Session& session, std::size_
     return answer == "y" || answer == "Y" || answer == "yes";
 }
 
-CalibrationValues values_of_controller(const Options& options) {
+calibration::Snapshot values_of_controller(const Options& options) {
     Session session(options);
     try {
         session.open_link();
@@ -122,7 +122,7 @@ CalibrationValues values_of_controller(const Options& options) {
                 return true;
             });
         insist_on(result, session);
-        return values_of(text);
+        return calibration::values_of(text);
     } catch (const LinkFailed& failed) {
         throw session.explain(failed);
     }
@@ -151,13 +151,13 @@ Status run_download(Session& session, const Options& options) {
 Status run_upload(Session& session, const Options& options) {
     // Read once: what is looked through and asked about is what is sent.
     const std::string text = text_of_file(options.file);
-    const CalibrationValues values = values_of(text);
+    const calibration::Snapshot values = calibration::values_of(text);
     const bool cut = !text.empty() && !text.ends_with('\n');
     if (!values.unreadable.empty() || !values.odd.empty()) {
         // Found before anything is sent, where it still does no harm.
         const bool stops = !values.unreadable.empty() &&
                            (values.odd.empty() || values.unreadable.front().line < values.odd.front().line);
-        const UnreadableLine& line = stops ? values.unreadable.front() : values.odd.front();
+        const calibration::UnreadableLine& line = stops ? values.unreadable.front() : values.odd.front();
         throw Failure(Status::file, options.file + ":" + std::to_string(line.line) + ": " + line.key +
                                         (line.key.empty() ? "" : ": ") + line.text +
                                         ". Correct or remove the line; ecu-cli check names all such lines");
@@ -175,14 +175,14 @@ Status run_upload(Session& session, const Options& options) {
     if (options.json) {
         QJsonObject object = result_object(options, result, session, seconds);
         QJsonArray unknown;
-        for (const UnknownKey& key : values.unknown) {
+        for (const calibration::UnknownKey& key : values.unknown) {
             unknown.append(QJsonObject{{"line", key.line}, {"key", json_text(key.text)}});
         }
         object["unknown"] = unknown;
         object["cut"] = cut;
         std::cout << json_line(object);
     } else {
-        for (const UnknownKey& key : values.unknown) {
+        for (const calibration::UnknownKey& key : values.unknown) {
             std::cout << "unknown  " << key.text << " in line " << key.line << ", not sent\n";
         }
         if (cut) {
@@ -208,18 +208,19 @@ Status run_diff(const Options& options) {
     }
     // The file first: it may fail before any time is spent on the line.
     const std::string& file = controller_a ? options.second : options.file;
-    const CalibrationValues first = values_of(text_of_file(file));
-    const CalibrationValues other =
-        controller_a || controller_b ? values_of_controller(options) : values_of(text_of_file(options.second));
-    const CalibrationValues& a = controller_a ? other : first;
-    const CalibrationValues& b = controller_a ? first : other;
-    const Comparison comparison = compare(a, b);
+    const calibration::Snapshot first = calibration::values_of(text_of_file(file));
+    const calibration::Snapshot other = controller_a || controller_b
+                                            ? values_of_controller(options)
+                                            : calibration::values_of(text_of_file(options.second));
+    const calibration::Snapshot& a = controller_a ? other : first;
+    const calibration::Snapshot& b = controller_a ? first : other;
+    const calibration::Comparison comparison = calibration::compare(a, b);
     std::cout << (options.json ? as_json(comparison, a, b) : as_text(comparison, a, b, options.file, options.second));
     return comparison.same ? Status::done : Status::differs;
 }
 
 Status run_check(const Options& options) {
-    const CheckReport report = check(text_of_file(options.file));
+    const calibration::CheckReport report = calibration::check(text_of_file(options.file));
     std::cout << (options.json ? as_json(report) : as_text(report, options.file));
     return report.findings.empty() ? Status::done : Status::differs;
 }

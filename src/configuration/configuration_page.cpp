@@ -52,8 +52,11 @@ ConfigurationPage::ConfigurationPage(const platform::Ports& ports, link::SharedS
                    form_.tool_tab.set_focus();
                    show_marks();
                },
+           .leaving =
+               [this] { form_.tool_tab.set_enabled(false); }, // as the next opening read wants it, at no cost there
            .read_again = &frm_tool.read_again,
            .reveal = [this](const platform::Control& control) { form_.tool_tab.set_current(tabs_.at(&control)); }}) {
+    form_.tool_tab.set_enabled(false);
     add_items();
     wire_boxes();
     wire_switches();

@@ -1,6 +1,7 @@
 // The three tools of the configuration page. They write into boxes, which thereby become pending; Update sends those.
 #include "configuration/configuration_page.h"
 #include "configuration/stutter_tool.h"
+#include "link/pause.h"
 #include "messages/catalogue.h"
 #include "platform/display_mask.h"
 #include "platform/leading_number.h"
@@ -38,7 +39,7 @@ void ConfigurationPage::calibrate_throttle(std::size_t which) {
     if (walking_ || editor_.opening()) {
         return;
     }
-    const editing::PollingPause pause(state_);
+    const link::Pause pause(state_);
     const messages::Command& measure = throttle_messages.at(which);
     form_.box(throttle_keys.at(which)).blank();
     editor_.link().read({measure.code, 0, 0, 0}, measure.reply);

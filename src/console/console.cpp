@@ -9,8 +9,14 @@ using link::View;
 Console::Console(const platform::Ports& machine)
     : ports(machine), image(scales), forms(ports.timers), comm1(ports.serial_ports.make_serial_port()),
       outgoing_sock(ports.datagram_sockets.make_datagram_socket()),
+      incomming_sock(ports.datagram_sockets.make_datagram_socket()),
       comm(ports, state, *comm1, *outgoing_sock, forms.frm_dialog, forms.frm_retries, forms.frm_mon.group_delay),
       link_selection(ports, state, *comm1, forms.frm_dialog, forms.frm_ecu.form),
+      remote_client({ports, state, comm, *comm1, *outgoing_sock, forms.frm_remote_ip, forms.frm_ecu.form,
+                     forms.frm_ecu.menu_remote_setup_start_server, forms.frm_ecu.menu_remote_setup_start_client,
+                     forms.frm_ecu.menu_remote_setup_halt_client}),
+      remote_server({ports, state, comm, link_selection, *comm1, *incomming_sock, forms.frm_dialog, forms.frm_server,
+                     forms.frm_ecu.form}),
       live_decoder(state, live, forms.registry), reply_decoders(ports, state, image, scales, forms.registry,
                                                                 [this](const link::Reply& reply, int payload_count) {
                                                                     return live_decoder.decode(reply, payload_count);
@@ -33,7 +39,7 @@ Console::Console(const platform::Ports& machine)
       configuration_page(ports, state, comm, scales, image, reply_decoders.controls(), navigation, forms.frm_tool),
       plotter(ports, state, comm, navigation, polling.timer3(), scales, live,
               {forms.frm_mon.inj_duty[0], forms.frm_mon.ign_duty[0], forms.frm_mon.wheel_idx_num}, forms.frm_plotter),
-      autotune(ports, state, forms.frm_autotune, forms.frm_3d),
+      autotune(ports, state, forms.frm_autotune, forms.frm_3d, scales),
       transfer(
           {ports, state, comm, link_selection, image, forms.frm_wait, forms.frm_ecu.form, shell::console_version}) {
     wire();
@@ -63,7 +69,7 @@ void Console::wire() {
         gpo_mapping.follow_reply(row, i);
     };
     polling.on_refresh(View::additional_mapping, [this] { additional_mapping.refresh_live(); });
-    polling.on_refresh(View::none, [this] { main_console.show_link_state(); });
+    polling.on_refresh(View::none, [this] { main_console.look_around(); });
     polling.plot_and_log_sample = [this] { plotter.plot_and_log_sample(); };
     navigation.wire_menus();
     dashboard.held_changed = [this] { forms.held_note.refresh(); };
@@ -78,6 +84,9 @@ void Console::wire() {
     };
     main_console.on_upload = [this] { transfer.menufileopen_Click(); };
     main_console.on_download = [this] { transfer.menufilesave_Click(); };
+    main_console.on_start_server = [this] { remote_server.start(); };
+    main_console.on_start_client = [this] { remote_client.start(); };
+    main_console.on_halt_client = [this] { remote_client.halt(); };
     main_console.offer_what_exists();
 }
 

@@ -10,6 +10,8 @@
 #include "console/forms.h"
 #include "link/ecu_comm.h"
 #include "link/link_selection.h"
+#include "link/remote_client.h"
+#include "link/remote_server.h"
 #include "logging/plotter.h"
 #include "maps/additional_mapping.h"
 #include "maps/basic_mapping.h"
@@ -53,8 +55,11 @@ public:
 
     std::unique_ptr<platform::SerialPort> comm1;
     std::unique_ptr<platform::DatagramSocket> outgoing_sock;
+    std::unique_ptr<platform::DatagramSocket> incomming_sock;
     link::EcuComm comm;
     link::LinkSelection link_selection;
+    link::RemoteClient remote_client;
+    link::RemoteServer remote_server;
     messages::LiveDecoder live_decoder;
     messages::ReplyDecoders reply_decoders;
     shell::Navigation navigation;

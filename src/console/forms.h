@@ -7,7 +7,9 @@
 #include "configuration/frm_tool.h"
 #include "diagnostics/frm_diagnostics.h"
 #include "link/frm_dialog.h"
+#include "link/frm_remote_ip.h"
 #include "link/frm_retries.h"
+#include "link/frm_server.h"
 #include "logging/frm_plotter.h"
 #include "maps/frm_2d.h"
 #include "maps/frm_3d.h"
@@ -23,11 +25,12 @@
 namespace ecu::console {
 
 struct Forms {
-    explicit Forms(platform::Timers& timers) : frm_retries(timers) {
+    explicit Forms(platform::Timers& timers) : frm_retries(timers), frm_server(timers) {
         for (platform::Form* form :
              {&frm_ecu.form, &frm_about.form, &frm_dialog.form, &frm_retries.form, &frm_wait.form, &frm_mon.form,
               &frm_dashboard.form, &frm_tool.form, &frm_3d.form, &frm_3d_graph.form, &frm_cellblock_modifier.form,
-              &frm_2d.form, &frm_sup.form, &frm_plotter.form, &frm_diagnostics.form, &frm_autotune.form}) {
+              &frm_2d.form, &frm_sup.form, &frm_plotter.form, &frm_diagnostics.form, &frm_autotune.form,
+              &frm_remote_ip.form, &frm_server.form}) {
             registry.add(*form);
         }
     }
@@ -48,6 +51,8 @@ struct Forms {
     logging::FrmPlotter frm_plotter;
     diagnostics::FrmDiagnostics frm_diagnostics;
     autotune::FrmAutotune frm_autotune;
+    link::FrmRemoteIp frm_remote_ip;
+    link::FrmServer frm_server;
     views::HeldNote held_note{frm_dashboard,
                               {&frm_mon.form, &frm_dashboard.form, &frm_tool.form, &frm_3d.form, &frm_2d.form,
                                &frm_sup.form, &frm_plotter.form, &frm_diagnostics.form}};

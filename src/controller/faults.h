@@ -36,6 +36,7 @@ public:
 
     // The next `times` replies suffer `fault`, whatever the rates say.
     void strike_next(Fault fault, int times = 1);
+    void set_late_by(double seconds) { plan_.late_by = seconds; }
     void set_silent(bool silent) { plan_.silent = silent; }
     void unplug() { unplugged_ = true; }
     void plug_in();

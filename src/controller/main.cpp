@@ -93,6 +93,10 @@ int main(int argc, char* argv[]) {
         std::cout << controller::usage();
         return 0;
     }
+    if (options.version) {
+        std::cout << "ecu-controller " ECU_VERSION << '\n';
+        return 0;
+    }
     if (!options.error.empty()) {
         return complain(options.error + "\nTry ecu-controller --help.");
     }

@@ -162,6 +162,10 @@ Options parse_options(std::span<const char* const> arguments) {
             options.help = true;
             return options;
         }
+        if (argument == "--version") {
+            options.version = true;
+            return options;
+        }
         const std::size_t equals = argument.find('='); // --name=value, or --name value
         if (equals != std::string_view::npos && argument.starts_with("--")) {
             options.error = read_option(argument.substr(0, equals), argument.substr(equals + 1), options);
@@ -199,6 +203,7 @@ until it is ended (Ctrl+C).
   --capabilities WORD   the word of drivers and functions (0x3F88: all of them)
   --compatibility N     the protocol revision (20003)
   --help                this text
+  --version             the version
 )";
 }
 

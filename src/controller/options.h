@@ -14,6 +14,7 @@ struct Options {
     std::string link_path;  // empty: no symbolic link
     std::string state_path; // empty: nothing outlives the program
     bool help = false;
+    bool version = false;
     std::string error; // what is wrong with the command line; empty when it is good
 };
 

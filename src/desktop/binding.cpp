@@ -1,12 +1,12 @@
 #include "desktop/binding.h"
 
+#include "desktop/box_marks.h"
 #include "desktop/grid_view.h"
 #include "desktop/keys.h"
 #include "desktop/panel.h"
 #include "desktop/picture_view.h"
 #include "desktop/qt_text.h"
 #include "desktop/theme.h"
-#include "platform/leading_number.h"
 
 #include <QAction>
 #include <QButtonGroup>
@@ -18,7 +18,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
-#include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -34,16 +33,6 @@ namespace ecu::desktop {
 using platform::Control;
 using platform::Kind;
 using platform::Property;
-
-namespace {
-
-// In a box that holds a value of the controller; other boxes hold any text.
-bool is_decimal_comma(const Control& control, const QKeyEvent& key) {
-    const auto& box = static_cast<const platform::TextBox&>(control);
-    return key.text() == QLatin1String(",") && box.origin() != platform::Origin::none && !box.multi_line;
-}
-
-} // namespace
 
 Binding::Bound& Binding::add(Control& control) {
     if (&control.form() != &form_) {
@@ -281,44 +270,6 @@ void Binding::paint_colours(Control& control, QWidget& widget) {
         palette = QPalette();
     }
     widget.setPalette(palette);
-}
-
-// A box's marks beside its state colour: hatched when it was never read, red when it would be sent and is no number,
-// underlined when it is white and yet not what the controller last confirmed. Its tip and its description say so.
-void Binding::paint_box(const platform::TextBox& box, QWidget& widget) {
-    QPalette palette = theme::edit_palette(QPalette(), box.back_colour(), box.fore_colour());
-    QString state;
-    const bool unconfirmed = box.unconfirmed() && !box.is_pending();
-    if (box.unread()) {
-        QPixmap hatched(8, 8);
-        hatched.fill(palette.color(QPalette::Base));
-        QPainter(&hatched).fillRect(hatched.rect(), theme::hatching());
-        QBrush brush(palette.color(QPalette::Base));
-        brush.setTexture(hatched);
-        palette.setBrush(QPalette::Base, brush);
-        state = QStringLiteral("not read");
-    } else if (box.unconfirmed() && box.is_pending() && !platform::is_number(box.text())) {
-        palette.setColor(QPalette::Active, QPalette::Text, theme::wrong_text);
-        palette.setColor(QPalette::Inactive, QPalette::Text, theme::wrong_text);
-        state = QStringLiteral("pending, no number");
-    } else if (unconfirmed) {
-        state = QStringLiteral("not confirmed by the controller");
-    } else if (box.unconfirmed()) {
-        state = QStringLiteral("pending");
-    }
-    widget.setPalette(palette);
-    if (QFont font = widget.font(); font.underline() != unconfirmed) {
-        font.setUnderline(unconfirmed);
-        widget.setFont(font);
-    }
-    if (widget.accessibleDescription() != state) {
-        widget.setAccessibleDescription(state);
-    }
-    const QString tip = qt(box.tool_tip());
-    const QString whole = state.isEmpty() || tip.isEmpty() ? tip + state : tip + '\n' + state;
-    if (widget.toolTip() != whole) {
-        widget.setToolTip(whole);
-    }
 }
 
 // Focus as the forms know it: it stays with a control while another window or a menu is in front.

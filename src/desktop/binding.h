@@ -61,7 +61,6 @@ private:
     void refresh_common(platform::Control& control, Bound& bound, platform::Property property);
     static void name_by_text(const platform::Control& control, Bound& bound);
     void paint_colours(platform::Control& control, QWidget& widget);
-    static void paint_box(const platform::TextBox& box, QWidget& widget);
     void move_focus(platform::Control* to);
     void mark(const platform::MenuItem& item, QAction& action);
 

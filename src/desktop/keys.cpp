@@ -17,7 +17,7 @@ int code_of(int key) {
     if (key >= Qt::Key_F1 && key <= Qt::Key_F12) {
         return 112 + key - Qt::Key_F1;
     }
-    constexpr std::array<std::pair<int, int>, 17> codes{{{Qt::Key_Backspace, 8},
+    constexpr std::array<std::pair<int, int>, 18> codes{{{Qt::Key_Backspace, 8},
                                                          {Qt::Key_Tab, 9},
                                                          {Qt::Key_Backtab, 9},
                                                          {Qt::Key_Return, platform::key::enter},
@@ -33,7 +33,8 @@ int code_of(int key) {
                                                          {Qt::Key_Up, platform::key::up},
                                                          {Qt::Key_Right, platform::key::right},
                                                          {Qt::Key_Down, platform::key::down},
-                                                         {Qt::Key_Delete, 46}}};
+                                                         {Qt::Key_Delete, 46},
+                                                         {Qt::Key_Period, platform::key::period}}};
     for (const auto& [qt_key, code] : codes) {
         if (qt_key == key) {
             return code;

@@ -103,10 +103,17 @@ void NinePlot::lay_out() {
 void NinePlot::place_captions() {
     const int height = line();
     const int below = field_.bottom() + marker_size + 2;
-    const int width = std::max(cell_.width(), fontMetrics().horizontalAdvance(QStringLiteral("00000")));
+    QFont small = font();
+    small.setPixelSize(std::max(fontInfo().pixelSize(), smallest_figures));
+    while (small.pixelSize() > smallest_figures &&
+           QFontMetrics(small).horizontalAdvance(QStringLiteral("000000")) > cell_.width()) {
+        small.setPixelSize(small.pixelSize() - 1); // neighbours keep a blank between them
+    }
+    const int width = std::max(cell_.width(), QFontMetrics(small).horizontalAdvance(QStringLiteral("000000")));
     for (int i = 0; i < cells_per_side; ++i) {
         const auto at = static_cast<std::size_t>(i);
         y_captions_[at]->setGeometry(0, row_middle(i) - height / 2, caption_width(), height);
+        x_captions_[at]->setFont(small);
         x_captions_[at]->setGeometry(column_middle(i) - width / 2, below, width, height);
         x_captions_[at]->setVisible(i < laid_out_columns_);
     }

@@ -218,6 +218,7 @@ void Editor::update() {
     {
         const link::Pause pause(state_);
         ports_.wait_seconds(window_.update_waits.before);
+        const EditorLink::ToOneController to_one(link_);
         int opening = opening_;
         do {
             update_again_ = false;
@@ -237,7 +238,7 @@ void Editor::update() {
 
 void Editor::walk(int opening) {
     Walk context{.link = link_,
-                 .go_on = [this, opening] { return !replaced(opening); },
+                 .go_on = [this, opening] { return !replaced(opening) && !link_.lost(); },
                  .note_fate = [this](Fate fate) { note_fate(fate); }};
     for (const Entry& entry : items_) {
         if (!context.go_on()) {

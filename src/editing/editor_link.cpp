@@ -17,6 +17,10 @@ void EditorLink::Place::replace(std::string_view text) const {
 
 Answer EditorLink::say(const Place& place, std::string_view text, platform::Buttons buttons) {
     platform::MessageBox box{.text = std::string(text), .buttons = buttons};
+    if (buttons != platform::Buttons::ok) { // a second Enter behind that of the Update is no consent
+        box.icon = platform::Icon::warning;
+        box.preset = Answer::no;
+    }
     if (show_place) {
         box.details = show_place(place.control, place.row, place.column);
     }
@@ -73,8 +77,24 @@ bool EditorLink::out_of_range(const calibration::Table& row, std::string_view te
     return entry.held || !entry.refusal.empty();
 }
 
+link::Outcome EditorLink::send(const link::Message& message, int expected_length) {
+    return one_ != nullptr ? one_->send(message, expected_length) : comm_.send_ecu_message(message, expected_length);
+}
+
 Fate EditorLink::write(const link::Message& message, int expected_length) {
-    switch (comm_.send_ecu_message(message, expected_length)) {
+    if (lost()) {
+        return Fate::skipped;
+    }
+    const link::Outcome outcome = send(message, expected_length);
+    if (lost()) {
+        ports_.dialogs.message_box(
+            {.text = "The update has stopped: " + one_->trouble() +
+                     ".\nWhat was sent before stays in the controller that was there. Check which "
+                     "controller is connected, then leave this window and open it again.",
+             .icon = platform::Icon::warning});
+        return Fate::skipped;
+    }
+    switch (outcome) {
     case link::Outcome::accepted:
         return Fate::accepted;
     case link::Outcome::unanswered:

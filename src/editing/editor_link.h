@@ -6,6 +6,7 @@
 #include "calibration/encoding.h"
 #include "link/ecu_comm.h"
 #include "link/pause.h"
+#include "link/same_controller.h"
 #include "platform/grid.h"
 #include "platform/ports.h"
 
@@ -20,7 +21,7 @@ enum class Fate : std::uint8_t {
     unanswered, // sent, but the controller did not take it
     not_sent,   // the link let no message through, or there is none (demo mode)
     refused,    // by its range, which was said
-    skipped,    // by the user's answer, or because it was no longer wanted when the user had answered
+    skipped,    // by the user's answer, because it was no longer wanted when the user had answered, or lost()
 };
 
 // Asked after whatever let events through: is the value still to be sent? Empty: always.
@@ -39,6 +40,23 @@ public:
     Fate send_entry(const calibration::Table& row, int index, platform::Grid& grid, const GoOn& go_on = {});
     // A value that is no text: switches, options, a word made of several controls.
     Fate write(const link::Message& message, int expected_length);
+
+    // For the time of an Update's walk: its values go to the controller that is there now. When the port is lost and
+    // what answers then cannot be shown to be the same one, this is said and nothing more is sent.
+    class ToOneController {
+    public:
+        explicit ToOneController(EditorLink& link)
+            : link_(link), controller_(link.comm_, link.state_), before_(std::exchange(link.one_, &controller_)) {}
+        ~ToOneController() { link_.one_ = before_; }
+        ToOneController(const ToOneController&) = delete;
+        ToOneController& operator=(const ToOneController&) = delete;
+
+    private:
+        EditorLink& link_;
+        link::SameController controller_;
+        link::SameController* before_;
+    };
+    bool lost() const { return one_ != nullptr && one_->lost(); }
 
     // Whether an entry would be refused or held.
     bool out_of_range(const calibration::Table& row, std::string_view text) const;
@@ -69,12 +87,14 @@ private:
     };
     Fate settle(const calibration::EncodedEntry& entry, const Place& place, const GoOn& go_on,
                 const link::Message& message, int expected_length);
+    link::Outcome send(const link::Message& message, int expected_length);
     platform::Answer say(const Place& place, std::string_view text, platform::Buttons buttons = platform::Buttons::ok);
 
     const platform::Ports& ports_;
     link::SharedState& state_;
     link::EcuComm& comm_;
     const calibration::Scales& scales_;
+    link::SameController* one_ = nullptr; // while a walk runs
 };
 
 } // namespace ecu::editing

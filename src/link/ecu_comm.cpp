@@ -84,6 +84,7 @@ Outcome EcuComm::send_ecu_message(const Message& message, int expected_length) {
     }
     const Nesting nesting(depth_);
     drain_input();
+    const std::string server = state_.remote_server_ip;
     Try now{.frame = build_request(message), .wanted_count = expected_length + static_cast<int>(checksum_size)};
     while (now.number < tries_before_dialog) {
         ports_.waiting.process_events();
@@ -106,6 +107,11 @@ Outcome EcuComm::send_ecu_message(const Message& message, int expected_length) {
         state_.reply_accepted = verdict == Verdict::accepted;
         if (state_.reply_accepted) {
             return Outcome::accepted;
+        }
+        if (state_.remote_server_ip != server) {
+            // The user has turned to another link meanwhile; this message was not for it.
+            tell(now, {}, Verdict::given_up);
+            return Outcome::unanswered;
         }
         now.last_verdict = verdict;
         if (now.number >= first_try_shown) {
@@ -139,10 +145,7 @@ void EcuComm::drain_input() {
         comm1_.discard_input();
         return;
     }
-    while (outgoing_sock_.available() > 0) {
-        ports_.waiting.process_events();
-        outgoing_sock_.read(1);
-    }
+    outgoing_sock_.discard_input();
 }
 
 void EcuComm::write(const Try& now) {
@@ -171,8 +174,8 @@ Verdict EcuComm::take_reply(Try& now) {
 }
 
 // A frame of another message came in this one's place, so the answer may be on its way behind it, and behind that the
-// answers of tries that were thought lost. They have the time of one try to arrive and are received like any other;
-// what is left then is dropped, so that the next try meets a line at rest.
+// answers of tries that were thought lost. They have the time of one try to arrive and are received like any other, so
+// that the next try meets a line at rest.
 Verdict EcuComm::let_line_rest(Try& now) {
     const float start = ports_.now();
     for (;;) {
@@ -185,7 +188,6 @@ Verdict EcuComm::let_line_rest(Try& now) {
             return Verdict::accepted;
         }
     }
-    drain_input();
     return Verdict::foreign;
 }
 

@@ -26,7 +26,7 @@ void LinkSelection::open_comm_link() {
     state_.last_activity_time = ports_.now();
     if (!state_.demo_mode) {
         if (!state_.remote_server_ip.empty()) {
-            state_.comm_ready = true;
+            state_.comm_ready = !state_.remote_connecting; // the greeting comes before any message
             return;
         }
         if (!comm1_.is_open()) {

@@ -36,8 +36,7 @@ Outcome SameController::send(const Message& message, int expected_length) {
 }
 
 bool SameController::confirm() {
-    comm_.hold_to(comm_.this_opening());
-    state_.identity = {};
+    comm_.hold_to(comm_.this_opening()); // with it went what was known of who answers
     comm_.poll({firmware_revision}, firmware_reply);
     comm_.poll({serial_number}, serial_reply);
     const ControllerIdentity& now = state_.identity;

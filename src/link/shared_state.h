@@ -49,6 +49,7 @@ struct SharedState {
     std::int16_t comm_port_number = 0;
     std::string link_title_suffix;               // " ->COM3", behind the title of every view
     std::string remote_server_ip;                // empty for the serial port
+    bool remote_connecting = false;              // a server has been greeted and has not answered yet
     bool remote_answering = false;               // the last remote receive saw more than one byte
     bool reply_accepted = false;                 // a decoder recognised the reply of the last try
     bool reset_comm_watch = false;               // the next look at the activity watch counts as none elapsed

@@ -1,5 +1,6 @@
 #include "maps/basic_mapping.h"
 
+#include "maps/map_axes.h"
 #include "platform/display_mask.h"
 
 #include <algorithm>
@@ -136,7 +137,7 @@ void BasicMapping::wire_grids() {
         const MapRow& map = map_rows[n];
         editor_.add(*map.table, *form_.grids[n],
                     {.group = map.group, .demo = map.default_text, .place = [this, n](int row, int column) {
-                         return place(n, row, column);
+                         return cell_place(row, column, n < 2, scales_);
                      }});
         wire_grid(*form_.grids[n], {.block_table_id = map.id, .step = map.step}, selection_,
                   [this] { form_.Command3d2.press(); });
@@ -156,8 +157,7 @@ void BasicMapping::prepare_window() {
     }
     label_map_axis(0);
     for (int i = 0; i < 9; ++i) {
-        const double rpm = i / 8.0 * static_cast<double>(scales_.full_scale_rpm);
-        form_.Label6[static_cast<std::size_t>(i)].set_text(std::to_string(static_cast<long>(rpm)));
+        form_.Label6[static_cast<std::size_t>(i)].set_text(std::to_string(speed_mark(i / 8.0, scales_)));
     }
     form_.show_map_type[0].set_checked(true);
     form_.inj_map.set_visible(true);
@@ -218,23 +218,10 @@ void BasicMapping::label_map_axis(int index) {
         return;
     }
     const bool pressure = index < 2;
-    const double span = pressure ? scales_.map_span : 100.0F;
-    const double base = pressure ? scales_.map_base : 0.0F;
     for (int i = 0; i < 17; ++i) {
-        const auto load = static_cast<long>(i / 16.0 * span + base);
-        form_.Label5[static_cast<std::size_t>(i)].set_text(std::to_string(load));
+        form_.Label5[static_cast<std::size_t>(i)].set_text(std::to_string(load_mark(i / 16.0, pressure, scales_)));
     }
     form_.Map_dims[0].set_text(pressure ? "kPa" : "% TPS");
-}
-
-// By the captions of the axes: a cell stands at the mark before it.
-std::string BasicMapping::place(std::size_t map, int row, int column) const {
-    const bool pressure = map < 2;
-    const double load = (16 - row) / 16.0;
-    const auto rpm = static_cast<long>((column - 1) / 16.0 * static_cast<double>(scales_.full_scale_rpm));
-    return std::to_string(pressure ? static_cast<long>(load * double{scales_.map_span} + double{scales_.map_base})
-                                   : static_cast<long>(load * 100)) +
-           (pressure ? " kPa, " : " % TPS, ") + std::to_string(rpm) + " rpm";
 }
 
 void BasicMapping::reveal(const platform::Control& control) {

@@ -47,7 +47,6 @@ private:
     void show_map(int index);
     void show_graph(std::size_t map);
     void reset_map(std::size_t map, std::string_view question);
-    std::string place(std::size_t map, int row, int column) const;
     void reveal(const platform::Control& control);
     void move_markers();
 

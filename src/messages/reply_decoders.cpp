@@ -10,7 +10,6 @@ namespace {
 
 using calibration::Parameter;
 using calibration::value_at;
-using calibration::Width;
 using calibration::word_at;
 
 constexpr std::size_t code_at = 2;

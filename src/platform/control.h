@@ -79,6 +79,7 @@ inline constexpr int left = 37;
 inline constexpr int up = 38;
 inline constexpr int right = 39;
 inline constexpr int down = 40;
+inline constexpr int period = 190;
 } // namespace key
 
 // The properties that every control has. `index` is -1 for a control that is not in an array.

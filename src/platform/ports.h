@@ -8,9 +8,20 @@
 #include "platform/timers.h"
 #include "platform/waiting.h"
 
+#include <cstdlib>
 #include <filesystem>
+#include <functional>
+#include <string>
 
 namespace ecu::platform {
+
+// A variable of the program's surroundings; an empty text when it is not set.
+using Environment = std::function<std::string(const char* name)>;
+
+inline std::string process_environment(const char* name) {
+    const char* value = std::getenv(name);
+    return value != nullptr ? value : "";
+}
 
 struct Ports {
     const Clock& clock;
@@ -21,6 +32,7 @@ struct Ports {
     SerialPorts& serial_ports;
     DatagramSockets& datagram_sockets;
     std::filesystem::path folder = "."; // the working directory: port.cfg, lambda.txt, OEM.JPG, ...
+    Environment environment = process_environment;
 
     float now() const { return clock.seconds_since_midnight(); }
     float elapsed_since(float start) const { return elapsed_between(start, now()); }

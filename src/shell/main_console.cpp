@@ -2,6 +2,8 @@
 
 #include "messages/reply_decoders.h"
 
+#include <utility>
+
 namespace ecu::shell {
 
 namespace {
@@ -33,7 +35,7 @@ MainConsole::MainConsole(const Use& use) : use_(use) {
     form.form.on_close = instead_of_a_view([this] { ask_to_quit(); });
     form.form.on_unload = [this] { use_.ports.program.end(0); };
     form.menu_file_exit.clicked = form.Command3d5.clicked = instead_of_a_view([this] { ask_to_quit(); });
-    form.menu_about.clicked = form.Command3d6.clicked = instead_of_a_view([this] { use_.about.open(); });
+    form.menu_about.clicked = form.Command3d6.clicked = over_the_link([this] { use_.about.open(); });
     wire_views();
     wire_ports();
     wire_tools();
@@ -41,7 +43,10 @@ MainConsole::MainConsole(const Use& use) : use_(use) {
 
 void MainConsole::wire_views() {
     for (const ViewEntry& entry : view_entries) {
-        const auto open = [this, view = entry.view] { use_.navigation.open(view); };
+        const auto open = [this, view = entry.view] {
+            waiting_ = nullptr;
+            use_.navigation.open(view);
+        };
         (use_.form.*entry.item).clicked = open;
         (use_.form.*entry.button).clicked = open;
     }
@@ -57,12 +62,12 @@ void MainConsole::wire_ports() {
 
 void MainConsole::wire_tools() {
     FrmEcu& form = use_.form;
-    form.menu_tool_reset.clicked = instead_of_a_view([this] { reset_controller(); });
-    form.menu_tool_reflash.clicked = instead_of_a_view([this] { prepare_to_reflash(); });
-    form.menufileopen.clicked = instead_of_a_view([this] { on_upload(); });
-    form.menufilesave.clicked = instead_of_a_view([this] { on_download(); });
-    form.menu_remote_setup_start_server.clicked = instead_of_a_view([this] { on_start_server(); });
-    form.menu_remote_setup_start_client.clicked = instead_of_a_view([this] { on_start_client(); });
+    form.menu_tool_reset.clicked = over_the_link([this] { reset_controller(); });
+    form.menu_tool_reflash.clicked = over_the_link([this] { prepare_to_reflash(); });
+    form.menufileopen.clicked = over_the_link([this] { on_upload(); });
+    form.menufilesave.clicked = over_the_link([this] { on_download(); });
+    form.menu_remote_setup_start_server.clicked = between_messages([this] { on_start_server(); });
+    form.menu_remote_setup_start_client.clicked = between_messages([this] { on_start_client(); });
     form.menu_remote_setup_halt_client.clicked = instead_of_a_view([this] { on_halt_client(); });
     form.menu_tool_flash_utility.clicked = instead_of_a_view([this] { on_flash_utility(); });
     offer_what_exists();
@@ -71,8 +76,41 @@ void MainConsole::wire_tools() {
 std::function<void()> MainConsole::instead_of_a_view(std::function<void()> action) {
     return [this, action = std::move(action)] {
         use_.state.drop_view_requests();
+        waiting_ = nullptr;
         action();
     };
+}
+
+std::function<void()> MainConsole::over_the_link(std::function<void()> action) {
+    return instead_of_a_view(
+        [this, action = std::move(action)] { when_settled(!use_.state.remote_connecting, action); });
+}
+
+std::function<void()> MainConsole::between_messages(std::function<void()> action) {
+    return instead_of_a_view([this, action = std::move(action)] {
+        when_settled(!use_.state.remote_connecting && !use_.comm.busy(), action);
+    });
+}
+
+void MainConsole::when_settled(bool settled, const std::function<void()>& action) {
+    if (settled) {
+        action();
+    } else {
+        waiting_ = action;
+        waiting_for_ = use_.state.remote_server_ip;
+    }
+}
+
+// A tick comes neither inside a message nor inside another tick. What was meant for the controller behind a server does
+// not go to the one at this machine's own port.
+void MainConsole::look_around() {
+    show_link_state();
+    if (waiting_ && !use_.state.remote_connecting) {
+        const auto action = std::exchange(waiting_, nullptr);
+        if (waiting_for_ == use_.state.remote_server_ip) {
+            use_.ports.timers.post(action);
+        }
+    }
 }
 
 void MainConsole::offer_what_exists() {
@@ -102,6 +140,8 @@ void MainConsole::show_link_state() {
     std::string text = port + " is opened with the first view";
     if (state.demo_mode) {
         text = "Demo mode, no controller";
+    } else if (!state.remote_server_ip.empty() && state.remote_connecting) {
+        text = "Asking the console at " + state.remote_server_ip + "...";
     } else if (!state.remote_server_ip.empty()) {
         text = "Through the console at " + state.remote_server_ip;
     } else if (state.comm_aborted) {
@@ -147,7 +187,24 @@ void MainConsole::reset_controller() {
     use_.comm.poll({restart.code, messages::restart_now, 0, 0}, restart.reply);
 }
 
+// The flash utility writes through a cable; over the network it would leave the far engine with a stopped controller.
+bool MainConsole::confirm_reflash_far_away() {
+    const std::string& server = use_.state.remote_server_ip;
+    return server.empty() ||
+           use_.ports.dialogs.message_box(
+               {.text = "The flash utility needs the controller's cable at this machine. The controller behind " +
+                        server +
+                        " would be stopped and could not be re-flashed over the network.\nGo on only if its cable is "
+                        "going to be moved to this machine; otherwise re-flash it from the console there.",
+                .buttons = platform::Buttons::ok_cancel,
+                .icon = platform::Icon::warning,
+                .preset = platform::Answer::cancel}) == platform::Answer::ok;
+}
+
 void MainConsole::prepare_to_reflash() {
+    if (!confirm_reflash_far_away()) {
+        return;
+    }
     const platform::Answer answer =
         use_.ports.dialogs.message_box({.text = "Do you really want to stop the controller and re-flash its memory?",
                                         .buttons = platform::Buttons::ok_cancel,

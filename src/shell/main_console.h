@@ -32,7 +32,9 @@ public:
     std::function<void()> on_start_client;
     std::function<void()> on_halt_client; // its item starts disabled: there is no client yet
 
-    // Says in the main window how the controller is reached; run with each tick while no view is open.
+    // Run with each tick while no view is open: what waited for the link to settle, and show_link_state.
+    void look_around();
+    // Says in the main window how the controller is reached.
     void show_link_state();
     // Enables what leads to an existing view or a hook and disables the rest; called once all of them are there.
     void offer_what_exists();
@@ -43,6 +45,12 @@ private:
     void wire_tools();
     // Whatever else the user turns to takes the place of a view that still waits to be opened.
     std::function<void()> instead_of_a_view(std::function<void()> action);
+    // The same for what sends messages: it waits while a server is being greeted.
+    std::function<void()> over_the_link(std::function<void()> action);
+    // The same for what changes the link: it also waits for the end of a message under way.
+    std::function<void()> between_messages(std::function<void()> action);
+    void when_settled(bool settled, const std::function<void()>& action);
+    bool confirm_reflash_far_away();
     void activate();
     void name_ports();
     void choose_port(std::size_t index);
@@ -51,6 +59,8 @@ private:
     void ask_to_quit();
 
     Use use_;
+    std::function<void()> waiting_; // chosen by the user while it could not run
+    std::string waiting_for_;       // the server that it was meant for, or empty
     bool activated_ = false;
 };
 

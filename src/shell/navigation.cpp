@@ -68,7 +68,7 @@ void Navigation::open(View view) {
         return;
     }
     state_.drop_view_requests();
-    if (comm_.busy()) {
+    if (comm_.busy() || state_.remote_connecting) {
         state_.request_view(request_of(view));
         return;
     }

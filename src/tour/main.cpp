@@ -1,14 +1,18 @@
 // Opens every view of the console, one after the other, and writes a picture of each: `ecu-tour OUT_FOLDER [demo]`.
 // It is the same console as ecu-console, driven by its own buttons instead of a mouse; started with
-// QT_QPA_PLATFORM=offscreen it needs no display.
+// QT_QPA_PLATFORM=offscreen it needs no display. Questions are printed and answered, as nobody sits there.
 #include "desktop/form_window.h"
 #include "desktop/theme.h"
 #include "desktop/windows/desktop_console.h"
+#include "desktop/without_display.h"
+#include "shell/start_up.h"
+#include "tour/box_answers.h"
 
 #include <QApplication>
 
 #include <filesystem>
 #include <iostream>
+#include <memory>
 
 namespace {
 
@@ -17,10 +21,23 @@ using ecu::platform::Form;
 
 constexpr float settle_seconds = 2.5F;
 constexpr float longest_read_seconds = 10;
+constexpr int smallest_file = 0; // Qt's word for the PNG writer that takes its time
+
+constexpr const char* usage = R"(Usage: ecu-tour OUT_FOLDER [demo]
+
+Opens every view of the console, one after the other, and writes a picture of each to OUT_FOLDER, which is made if need
+be. It reads the files of the folder that it is started in, as the console does. Message boxes and questions are
+printed and answered. Status 1: something failed, or a picture is missing.
+
+  demo         no controller: made-up values
+  --help       this text
+  --version    the version
+)";
 
 class Tour {
 public:
-    Tour(DesktopConsole& desktop, std::filesystem::path folder) : desktop_(desktop), folder_(std::move(folder)) {}
+    Tour(DesktopConsole& desktop, std::filesystem::path folder)
+        : desktop_(desktop), folder_(std::move(folder)), answers_(desktop.console().forms.frm_dialog, std::cout) {}
 
     int run() {
         ecu::console::Forms& forms = desktop_.console().forms;
@@ -30,10 +47,17 @@ public:
         view(forms.frm_ecu.Command3d4, forms.frm_mon.form);
         view(forms.frm_ecu.Command1, forms.frm_dashboard.form);
         view(forms.frm_ecu.Command3d2, forms.frm_3d.form, [&] { maps(forms); });
+        view(forms.frm_ecu.Command3d7, forms.frm_2d.form, [&] { corrections(forms); });
         view(forms.frm_ecu.Command2, forms.frm_sup.form, [&] { outputs(forms); });
+        view(forms.frm_ecu.Command3d1, forms.frm_tool.form, [&] { configuration(forms); });
+        view(forms.frm_ecu.Command3d7, forms.frm_2d.form);
         view(forms.frm_ecu.Command3d3, forms.frm_plotter.form, [&] { chart(forms); });
-        std::cout << pictures_ << " pictures in " << folder_.string() << '\n';
-        return missing_ == 0 ? 0 : 1;
+        view(forms.frm_ecu.Command3, forms.frm_diagnostics.form);
+        std::cout << pictures_ << " pictures in " << std::filesystem::weakly_canonical(folder_).string() << '\n';
+        if (answers_.failures() > 0) {
+            std::cerr << "ecu-tour: " << answers_.failures() << " time(s) something failed, as told above\n";
+        }
+        return missing_ == 0 && answers_.failures() == 0 ? 0 : 1;
     }
 
 private:
@@ -41,7 +65,8 @@ private:
 
     void picture(Form& form, const std::string& suffix = "") {
         const std::filesystem::path path = folder_ / (form.name() + suffix + ".png");
-        if (form.visible() && desktop_.host().window_of(form).grab().save(QString::fromStdString(path.string()))) {
+        if (form.visible() &&
+            desktop_.host().window_of(form).grab().save(QString::fromStdString(path.string()), "PNG", smallest_file)) {
             ++pictures_;
             return;
         }
@@ -63,9 +88,14 @@ private:
 
     void view(ecu::platform::Button& button, Form& form, const std::function<void()>& look = {}) {
         if (!button.enabled()) {
-            return;
+            return; // not part of this version
         }
         button.press();
+        if (!form.visible()) {
+            ++missing_;
+            std::cerr << "ecu-tour: " << form.name() << " did not open\n";
+            return;
+        }
         desktop_.host().window_of(form).resize(1280, 800);
         wait(settle_seconds);
         ecu::platform::wait_until(desktop_.ports().waiting, desktop_.ports().clock, longest_read_seconds,
@@ -98,6 +128,21 @@ private:
             picture(forms.frm_sup.form, "_" + std::to_string(page));
         }
     }
+    void configuration(ecu::console::Forms& forms) {
+        for (int page = 1; page < static_cast<int>(ecu::calibration::tab_captions.size()); ++page) {
+            forms.frm_tool.tool_tab.set_current(page);
+            wait(0.2F);
+            picture(forms.frm_tool.form, "_" + std::to_string(page));
+        }
+    }
+
+    void corrections(ecu::console::Forms& forms) {
+        for (int page = 1; page < 3; ++page) {
+            forms.frm_2d.map_tabs.set_current(page);
+            wait(0.3F);
+            picture(forms.frm_2d.form, "_" + std::to_string(page));
+        }
+    }
 
     void chart(ecu::console::Forms& forms) {
         forms.frm_plotter.menu_log_int[7].click();
@@ -110,6 +155,7 @@ private:
 
     DesktopConsole& desktop_;
     std::filesystem::path folder_;
+    ecu::tour::BoxAnswers answers_;
     int pictures_ = 0;
     int missing_ = 0;
 };
@@ -117,22 +163,32 @@ private:
 } // namespace
 
 int main(int argc, char** argv) {
-    QApplication application(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
-    const QStringList words = QApplication::arguments().mid(1);
-    if (words.isEmpty() || words.size() > 2) {
+    const std::string first = argc > 1 ? argv[1] : "";
+    if (first == "--help" || first == "-h") {
+        std::cout << usage;
+        return 0;
+    }
+    if (first == "--version") {
+        std::cout << "ecu-tour " << ecu::shell::console_version << '\n';
+        return 0;
+    }
+    if (first.empty() || first.starts_with('-') || argc > 3 || (argc == 3 && std::string(argv[2]) != "demo")) {
         std::cerr << "usage: ecu-tour OUT_FOLDER [demo]\n";
         return 2;
     }
+    auto without_display = std::make_unique<ecu::desktop::WithoutDisplay>("ecu-tour");
+    QApplication application(argc, argv);
+    without_display.reset();
+    QApplication::setQuitOnLastWindowClosed(false);
     std::error_code error;
-    std::filesystem::create_directories(words[0].toStdString(), error);
+    std::filesystem::create_directories(first, error);
     if (error) {
-        std::cerr << "ecu-tour: " << words[0].toStdString() << " cannot be made: " << error.message() << '\n';
+        std::cerr << "ecu-tour: " << first << " cannot be made: " << error.message() << '\n';
         return 4;
     }
     ecu::desktop::theme::apply(application);
     DesktopConsole desktop;
-    Tour tour(desktop, words[0].toStdString());
-    desktop.console().start(words.size() == 2 ? words[1].toStdString() : "");
+    Tour tour(desktop, first);
+    desktop.console().start(argc == 3 ? "demo" : "");
     return tour.run();
 }

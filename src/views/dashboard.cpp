@@ -263,9 +263,10 @@ void Dashboard::send_trims() {
     const link::Pause pause(state_);
     tally_ = {};
     ports_.wait_seconds(0.1F);
+    const editing::EditorLink::ToOneController to_one(link_);
     for (editing::BoxItem& trim : trims_) {
         editing::Walk walk{.link = link_,
-                           .go_on = [this] { return !opening_; },
+                           .go_on = [this] { return !opening_ && !link_.lost(); },
                            .note_fate =
                                [&](editing::Fate fate) {
                                    tally_.sent += fate == editing::Fate::accepted ? 1 : 0;

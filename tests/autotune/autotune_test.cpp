@@ -50,6 +50,25 @@ TEST_F(Autotune, FactorsMultiplyTheMapCellsAndAppearAsTyped) {
     EXPECT_EQ(screen.autotune_inj_factors.cell_text(16, 1) + screen.autotune_tps_factors.cell_text(1, 16), "");
 }
 
+TEST_F(Autotune, TellsHowManyCellsWereAppliedToAndHowOften) {
+    screen.form.load();
+    screen.apply_to_maps.press();
+    EXPECT_EQ(screen.applied.text(), "No cell has a factor to apply");
+    editing::write_all(frm_3d.inj_map, "1.000");
+    editing::write_at(screen.autotune_inj_factors, 3, "1.1");
+    editing::write_at(screen.autotune_inj_factors, 7, "X");
+    screen.apply_to_maps.press();
+    EXPECT_EQ(screen.applied.text(), "Applied to 1 cell");
+    screen.apply_to_maps.press();
+    EXPECT_EQ(screen.applied.text(), "Applied to 1 cell (2nd time)");
+    for (int i = 0; i < 9; ++i) {
+        screen.apply_to_maps.press();
+    }
+    EXPECT_EQ(screen.applied.text(), "Applied to 1 cell (11th time)");
+    screen.reset_autotune_params.press();
+    EXPECT_EQ(screen.applied.text(), "");
+}
+
 TEST_F(Autotune, NoFactorMakesZeroFuelOfWhatIsInfiniteOrWasNeverRead) {
     open_offline();
     screen.form.load();

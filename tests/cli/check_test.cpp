@@ -1,9 +1,11 @@
-#include "cli/check.h"
+#include "cli/reports.h"
 
 #include <gmock/gmock.h>
 
 namespace ecu::cli {
 namespace {
+
+using namespace calibration;
 
 using testing::ElementsAre;
 using testing::IsEmpty;

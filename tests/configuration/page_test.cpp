@@ -308,6 +308,7 @@ TEST_F(ConfigurationPage, APhaseCountsItsDisabledBoxesAndAnyClickMarksIt) {
     EXPECT_FALSE(page.inj_ph[5][7].enabled());
     page.inj_ph[5][3].click();
     EXPECT_EQ(page.inj_ph[5][0].tag(), "X");
+    EXPECT_EQ(page.inj_ph[5][3].fore_colour(), pending) << "so that it can be seen which";
     EXPECT_THAT(update(), ElementsAre(Bytes{128, 5, 0xC9, 0}));
     EXPECT_EQ(page.inj_ph[5][3].fore_colour(), platform::black);
     page.inj_ph[5][3].click();
@@ -352,6 +353,17 @@ TEST_F(ConfigurationPage, DuringAnUpdateTheWayOutWaitsAndWhatIsTypedBehindTheWal
     EXPECT_FALSE(page.form.visible()) << "closed when the walk was over";
     EXPECT_TRUE(page.update_button.enabled() && page.exit_button.enabled() && page.menu_mon.enabled());
     EXPECT_FALSE(page.menu_diag.enabled()) << "what leads nowhere stays disabled";
+}
+
+TEST_F(ConfigurationPage, ActivatedAgainItReadsAgainAndLeavesDisabledWhatTheControllerHasNot) {
+    open();
+    console.live_decoder.decode({2, 7, 179, 0x88, 0x06}, 5); // no idle control
+    page.form.activate();
+    EXPECT_EQ(std::ranges::count(codes(sent), 38), 1);
+    EXPECT_FALSE(page.box("IAC_OPEN").enabled());
+    EXPECT_TRUE(page.box("RLI_HRD1").enabled());
+    page.form.close_requested();
+    EXPECT_FALSE(page.form.visible());
 }
 
 TEST_F(ConfigurationPage, AbortInTheOpeningReadClosesThePage) {

@@ -1,5 +1,6 @@
 // What the live replies tell must fit together as on an engine, over minutes of it.
 #include "console_end.h"
+#include "controller/engine_calibration.h"
 
 #include <cmath>
 #include <utility>
@@ -121,6 +122,37 @@ TEST(Engine, outputs_follow_their_modes) {
     EXPECT_NEAR(block.at(19), 127, 2);
     console.send({226, 0, 0, 100});
     EXPECT_EQ(console.send({129}).at(18), 0);
+}
+
+// A tuner sees the effect of each correction curve; the rest of the engine is as it was.
+TEST(Engine, every_correction_curve_and_the_targets_act_where_the_engine_runs) {
+    const OperatingPoint at{.rpm = 900, .manifold_kpa = 40, .coolant = 24, .battery = 13.9, .aux_volts = 1.2};
+    const auto works = [&at](std::size_t changed) {
+        ControllerMemory memory;
+        for (std::size_t k = 0; k < 81 && (changed == 0 || k < 9); ++k) {
+            memory.store_cell(changed + k, static_cast<std::uint8_t>(memory.cell(changed + k) + 8));
+        }
+        const EngineCalibration engine(memory);
+        return std::vector<double>{engine.fuelling(at).pulse_ms, engine.timing(at),   engine.dwell_ms(at),
+                                   engine.lambda_setpoint(at),   engine.idle_rpm(at), engine.accel_gain(at)};
+    };
+    const std::vector<double> before = works(table_base("CLTF")); // of no curve
+    const auto expect_effect = [&](std::initializer_list<std::size_t> tables, std::size_t what) {
+        for (const std::size_t base : tables) {
+            const std::vector<double> after = works(base);
+            for (std::size_t k = 0; k < before.size(); ++k) {
+                EXPECT_EQ(after[k] != before[k], k == what) << base << ' ' << k;
+            }
+        }
+    };
+    expect_effect({table_base("CLTM"), table_base("MATM"), table_base("BARG"), table_base("AUXM")}, 0);
+    expect_effect({table_base("IGNM"), table_base("IGNR"), table_base("IGNT"), table_base("IGNC"), table_base("BARI"),
+                   table_base("IGNA")},
+                  1);
+    expect_effect({table_base("DWEL"), table_base("BATD")}, 2);
+    expect_effect({table_base("EGOL")}, 3);
+    expect_effect({table_base("IDLE")}, 4);
+    expect_effect({table_base("ACCC")}, 5);
 }
 
 // The mean pressure at the upper end of the pulls through the revs, in kPa.

@@ -100,14 +100,16 @@ TEST_F(Program, the_link_replaces_its_own_kind_only) {
     EXPECT_THAT(make_device_link(link, "/dev/pts/9"), HasSubstr("left alone"));
 }
 
-// Sends a request and waits for so many bytes, a second at most.
+constexpr int patience_ms = 20000; // before what is awaited counts as lost
+
+// Sends a request and waits for so many bytes.
 std::size_t ask(int line, std::uint8_t command, std::size_t wanted) {
     const link::Request request = link::build_request(Bytes{command});
     EXPECT_EQ(write(line, request.data(), request.size()), 8);
     Bytes bytes(256);
     std::size_t got = 0;
     pollfd waiting{line, POLLIN, 0};
-    while (got < wanted && poll(&waiting, 1, 1000) > 0) {
+    while (got < wanted && poll(&waiting, 1, patience_ms) > 0) {
         const ssize_t count = read(line, bytes.data(), bytes.size());
         if (count <= 0) {
             break;
@@ -120,7 +122,7 @@ std::size_t ask(int line, std::uint8_t command, std::size_t wanted) {
 TEST(Terminal, clients_come_and_go_and_replies_take_their_wire_time_until_the_plug_is_pulled) {
     Settings settings;
     settings.pace_baud = 38400;
-    settings.faults.unplug_after = 6;
+    settings.faults.unplug_after = 1 + 20;
     VirtualController controller(settings);
     PtyServer server(controller);
     std::array<int, 2> end_pipe{};
@@ -129,16 +131,19 @@ TEST(Terminal, clients_come_and_go_and_replies_take_their_wire_time_until_the_pl
     const auto client = [&] { return Descriptor(open(server.device().c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK)); };
     EXPECT_EQ(ask(client().get(), 'A', 65), 65U);
     const Descriptor line = client();
-    const auto start = std::chrono::steady_clock::now();
-    for (int i = 0; i < 5; ++i) {
+    const double wire_time = 73 * 10 / 38400.0;
+    double quickest = 1;
+    for (int i = 0; i < 20; ++i) {
+        const auto start = std::chrono::steady_clock::now();
         EXPECT_EQ(ask(line.get(), 'A', 65), 65U);
+        const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
+        EXPECT_GE(taken.count(), wire_time);
+        quickest = std::min(quickest, taken.count());
     }
-    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
-    EXPECT_GE(taken.count(), 5 * 73 * 10 / 38400.0);
-    EXPECT_LT(taken.count(), 5 * 73 * 10 / 38400.0 * 1.5); // a busy machine is forgiven
+    EXPECT_LT(quickest, wire_time * 1.5) << "one of twenty at least, on however busy a machine";
     EXPECT_EQ(ask(line.get(), 'A', 65), 0U);
     pollfd hung_up{line.get(), POLLIN, 0};
-    EXPECT_EQ(poll(&hung_up, 1, 1000), 1);
+    EXPECT_EQ(poll(&hung_up, 1, patience_ms), 1);
     EXPECT_TRUE(hung_up.revents & POLLHUP);
     close(end_pipe[1]);
     thread.join();

@@ -244,12 +244,16 @@ struct LostPortBench : CellBench {
 
 TEST(SameController, AsksNothingWhileThePortStaysOpen) {
     LostPortBench bench;
-    SameController controller(bench.comm, bench.state);
-    for (std::uint8_t cell = 0; cell < 5; ++cell) {
-        EXPECT_EQ(controller.send({'e', cell, 1, 9}, 6), Outcome::accepted);
+    {
+        SameController controller(bench.comm, bench.state);
+        for (std::uint8_t cell = 0; cell < 5; ++cell) {
+            EXPECT_EQ(controller.send({'e', cell, 1, 9}, 6), Outcome::accepted);
+        }
+        EXPECT_EQ(bench.controller.sent_codes(), "eeeee");
+        EXPECT_FALSE(controller.lost());
     }
-    EXPECT_EQ(bench.controller.sent_codes(), "eeeee");
-    EXPECT_FALSE(controller.lost());
+    bench.replug();
+    EXPECT_EQ(bench.write(1, 9), Outcome::accepted) << "the sequence is over";
 }
 
 TEST(SameController, GoesOnWithTheSameOneAfterAskingWhoItIs) {

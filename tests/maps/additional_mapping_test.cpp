@@ -94,6 +94,7 @@ TEST_F(AdditionalMapping, OpeningReadsScalesThenFourteenTablesInTheirOrderThenTh
         pages[request[3] + 256 * request[4]] = frm_2d.map_tabs.current();
         polled_between = polled_between || !console.state.polling_paused;
         EXPECT_FALSE(frm_2d.Command3d2.enabled() || frm_2d.map_tabs.enabled());
+        EXPECT_TRUE(request[2] == 'C' || frm_2d.lambda_sp_table.locked());
     };
     const auto messages = sent_by([this] {
         console.navigation.open(link::View::additional_mapping);
@@ -299,6 +300,34 @@ TEST_F(AdditionalMapping, FailedWritesKeepABoxYellowButNotATargetAndWhatIsTypedB
     EXPECT_EQ(box("clt_map", 0).text(), "1.25");
     EXPECT_FALSE(frm_2d.lambda_sp_table.cell_pending(1, 9)); // the shading took it
     EXPECT_EQ(frm_2d.lambda_sp_table.cell_text(1, 9), "0.5");
+    EXPECT_TRUE(frm_2d.lambda_sp_table.cell_unconfirmed(1, 9)); // and its mark stays
+}
+
+TEST_F(AdditionalMapping, ATableThatWasNotReadIsNeverSentNorDrawnAndIsReadAgainOnThePageThatShows) {
+    fill_memory(0);
+    on_request = [this](const Request& request) {
+        if (request[2] == 'r' && request[3] == 0x10) {
+            controller.silence();
+        }
+    };
+    desktop.on_modal("frm_Dialog", [this](platform::Form&) {
+        controller.speak();
+        on_request = nullptr;
+        console.forms.frm_dialog.dialog_button[0].press(); // Try Again
+    });
+    console.navigation.open(link::View::additional_mapping);
+    desktop.run_for(8);
+    ASSERT_TRUE(frm_2d.form.visible());
+    EXPECT_TRUE(box("ign_rpm", 0).unread() && box("ign_rpm", 8).unread());
+    EXPECT_EQ(frm_2d.rpm_ign_graph.strokes().size(), 9U); // no curve
+    frm_2d.map_tabs.set_current(1);
+    box("ign_rpm", 3).set_text("7");
+    EXPECT_THAT(update(), ElementsAre(Bytes{'e', 0x13, 2, 92}));
+    frm_2d.tab_status[0].set_text("");
+    EXPECT_THAT(sent_by([this] { frm_2d.read_again.press(); }), ElementsAre(Bytes{'r', 0x10, 2, 0}));
+    EXPECT_EQ(frm_2d.map_tabs.current(), 1);
+    EXPECT_EQ(desktop.changes("frm_2d", "ign_map(0)", platform::Property::focus), 1);
+    expect_screen_equals_memory();
 }
 
 TEST_F(AdditionalMapping, OpeningReadsButNeverEnablesWhatTheControllerDoesNotHave) {

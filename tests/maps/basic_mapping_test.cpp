@@ -176,6 +176,31 @@ TEST_F(BasicMapping, CellTypedBehindTheWalkStaysYellowAndOneAheadOfItIsSent) {
     EXPECT_THAT(update(), ElementsAre(Bytes{'e', 0, 1, 64}));
 }
 
+TEST_F(BasicMapping, UpdateSendsNothingToAnotherControllerThatWasPluggedInMeanwhile) {
+    open();
+    for (const int column : {1, 2, 3}) {
+        frm_3d.inj_map.set_cell_text(1, column, "0.5");
+    }
+    on_request = [&, writes = 0](const test::Request& request) mutable {
+        if (request[2] == 'e' && ++writes == 2) { // its reply is lost with the port
+            desktop.line().unplug();
+            desktop.line().plug_in();
+            memory.fill(0);
+        }
+    };
+    controller.reply_to('R', test::reply_frame({'R', 100, 0}));
+    controller.reply_to('-', test::reply_frame({'-', 5, 0, 0}));
+    desktop.expect_box("The update has stopped: the port was lost");
+    const std::vector<test::Bytes> sent = update();
+    ASSERT_EQ(sent.size(), 4U);
+    EXPECT_EQ(sent[2][0], 'R');
+    EXPECT_EQ(sent[3][0], '-');
+    EXPECT_EQ(std::ranges::count(memory, 64), 1) << "the write whose reply was lost; the cell behind it never";
+    EXPECT_FALSE(console.state.polling_paused);
+    on_request = nullptr;
+    EXPECT_EQ(update().front()[0], 'e') << "asked for again it goes to the one that is there";
+}
+
 TEST_F(BasicMapping, LeavingDuringAnUpdateSendsItsRestAndOpeningAgainReadsInstead) {
     open();
     on_request = [&](const Request& request) {

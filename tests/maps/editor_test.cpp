@@ -1,4 +1,5 @@
 // What every editor owes the engine beside its order: what was never read, never arrived, was held, or is no number.
+#include "link/link_bench.h"
 #include "maps/map_bench.h"
 
 #include <gtest/gtest.h>
@@ -175,6 +176,39 @@ TEST_F(Editor, ARefusedValueIsShownAndItsBoxSaysWhereItStands) {
     EXPECT_EQ(frm_3d.inj_map.active_row() * 100 + frm_3d.inj_map.active_column(), 402);
 }
 
+// The one order of all entries: question, replaced text, notice, message; and nothing of it for values that are gone.
+TEST_F(Editor, AnEntryIsAskedForReplacedNoticedAndSentInThisOrder) {
+    open();
+    editing::EditorLink link(console.ports, console.state, console.comm, console.scales);
+    auto& pulses = console.forms.registry.get<platform::TextBox>("frm_tool", "num_pulses_hot");
+    auto& gain = console.forms.registry.get<platform::TextBox>("frm_tool", "min_ego_gain");
+    const auto send = [&](const calibration::Parameter& row, platform::TextBox& box, const char* text,
+                          const editing::GoOn& go_on = {}) {
+        box.set_text(text);
+        controller.clear_sent();
+        return link.send_entry(row, 0, box, go_on);
+    };
+    const auto& hot = calibration::parameter("HOT_#P");
+    const auto& low = calibration::parameter("EGO_A_LO");
+    lost = [](const Request& request) { return request[2] == 't' || request[2] == '<'; };
+    for (const platform::Answer answer : {platform::Answer::no, platform::Answer::cancel}) {
+        desktop.answer_box("more than 1 hot priming pulse", answer);
+        EXPECT_EQ(send(hot, pulses, "2"), editing::Fate::skipped);
+        EXPECT_THAT(controller.messages(), IsEmpty());
+    }
+    desktop.answer_box("more than 1 hot priming pulse", platform::Answer::yes);
+    EXPECT_EQ(send(hot, pulses, "2", [] { return false; }), editing::Fate::skipped); // closed behind the question
+    EXPECT_EQ(desktop.boxes().back().preset, platform::Answer::no);
+    desktop.answer_box("more than 1 hot priming pulse", platform::Answer::yes);
+    press_in_failure_dialog(0);
+    EXPECT_EQ(send(hot, pulses, "2"), editing::Fate::unanswered);
+    EXPECT_EQ(controller.messages().front(), (Bytes{'t', 2, 0, 0}));
+    desktop.expect_box("The Minimum EGO Gain has been altered to within limits");
+    EXPECT_EQ(send(low, gain, ".5", [] { return false; }), editing::Fate::skipped);
+    EXPECT_EQ(gain.text(), ".614"); // before the notice
+    EXPECT_THAT(controller.messages(), IsEmpty());
+}
+
 TEST_F(Editor, SilentHoldsAreToldAfterTheUpdateUntilTheNextEntry) {
     open();
     frm_3d.ign_map.set_cell_text(16, 1, "99");
@@ -197,6 +231,92 @@ TEST_F(Editor, APasteTellsWhatItLeftOutAndWhatWouldNotArriveAsItIs) {
                                      "first 60.5 at 10 kPa, 1250 rpm; 3 values pending: Ignition 3"));
     EXPECT_THAT(update(), ElementsAre(Bytes{'e', 0, 6, 104}, Bytes{'e', 32, 6, 255}, Bytes{'e', 64, 6, 0}));
     EXPECT_THAT(status(), EndsWith("3 sent, 2 held to their limits: 60.5 is 47.75"));
+}
+
+// An editor of one box, one value of another kind, and nothing read that is not answered.
+struct SmallEditor : LinkBench, testing::Test {
+    calibration::Scales scales;
+    shell::Navigation navigation{ports, state, comm, selection, main_form};
+    platform::Form form{"frm_small", "Small"};
+    platform::TextBox box{form, "box"};
+    platform::Button update_button{form, "update"};
+    platform::Button exit_button{form, "leave"};
+    platform::Label status{form, "status"};
+    int left_to_send = 1;
+    int calls = 0;
+    std::function<void()> behind_the_box; // while its message is under way
+    editing::Editor editor{ports,
+                           state,
+                           comm,
+                           scales,
+                           navigation,
+                           {.form = form,
+                            .title = "Small",
+                            .update_button = update_button,
+                            .exit_button = exit_button,
+                            .status = status,
+                            .blanks = false,
+                            .reads_each_time = true,
+                            .read = [] { return true; }}};
+
+    SmallEditor() {
+        form.set_host(&desktop);
+        editor.add(calibration::parameter("FUEL_MX"), 0, box, {.group = "Box"});
+        editor.add({.pending = [this] { return left_to_send; }, .send = [this](editing::Walk&) { ++calls; }},
+                   {.group = "Other"});
+        sizes['m'] = 5;
+        controller.responder = [this](const Request& request) {
+            if (behind_the_box) {
+                desktop.post(behind_the_box);
+            }
+            return reply_frame({request[2]}, sizes[request[2]]);
+        };
+        form.show();
+        desktop.run_for(1);
+        box.set_text("1");
+    }
+    int calls_after_update() {
+        calls = 0;
+        update_button.press();
+        desktop.run_for(1);
+        return calls;
+    }
+};
+
+TEST_F(SmallEditor, TheWalkEndsWhereItsValuesAreGoneAndGoesOnBehindAClosedWindow) {
+    EXPECT_EQ(calls_after_update(), 1);
+    behind_the_box = [this] { exit_button.press(); };
+    EXPECT_EQ(calls_after_update(), 1) << "the tuner asked for all of it";
+    form.show();
+    desktop.run_for(1);
+    box.set_text("1");
+    behind_the_box = [this] {
+        state.comm_aborted = true;
+        exit_button.press();
+        state.comm_aborted = false; // another view has opened the link
+    };
+    EXPECT_EQ(calls_after_update(), 0) << "closed with the link lost";
+    form.show();
+    desktop.run_for(1);
+    box.set_text("1");
+    behind_the_box = [this] {
+        exit_button.press();
+        form.show();
+    };
+    EXPECT_EQ(calls_after_update(), 0) << "opened anew";
+    EXPECT_FALSE(state.polling_paused);
+}
+
+TEST_F(SmallEditor, APageThatIsNotBlankedKeepsItsLookAndItsEntriesAndSendsNoOldText) {
+    EXPECT_EQ(status.text(), "1 value not read: read again; 1 value pending: Other 1"); // as the opening left it
+    box.confirm("2");
+    editor.open();
+    EXPECT_EQ(box.text(), "2");
+    EXPECT_TRUE(box.unread() && !box.is_pending());
+    EXPECT_EQ(status.text(), "1 value not read: read again; 1 value pending: Other 1");
+    box.set_text("3");
+    editor.open();
+    EXPECT_TRUE(box.to_be_sent());
 }
 
 } // namespace

@@ -231,6 +231,8 @@ TEST_F(GpoMapping, AxesFollowTheModeByClickAndByReply) {
         }
     }
     EXPECT_EQ(form.gpo_x_text[1].text(), "MAT"); // the others stayed
+    form.gpo_mode[1][2].click();
+    EXPECT_EQ(console.gpo_mapping.gpo_mode_byte(1), 128 + 2); // with its box
 }
 
 TEST_F(GpoMapping, TheFirstChannelsStoredFlagGovernsAllBoostCellsAndEachBoxItsOwnAxes) {
@@ -300,6 +302,19 @@ TEST_F(GpoMapping, MarksCountOnTheirPageAndGoWithTheEchoOrTheNextOpening) {
     EXPECT_EQ(pending_everywhere(), 0U);
     EXPECT_TRUE(form.gpo_mode[1][5].checked());
     EXPECT_TRUE(update().empty());
+}
+
+TEST_F(GpoMapping, SwitchesThatNoReplyHasToldAreNotSentWithTheirUnknownHalf) {
+    console.link_selection.open_comm_link();
+    form.dont_interpolate[0].click();
+    form.use_as_pwm[1].click();
+    EXPECT_TRUE(update().empty());
+    EXPECT_THAT(form.map_status.text(), HasSubstr("8 values not read"));
+    exchange({170, 0, 0, 0}, 7);
+    exchange({217, 0, 0, 0}, 43);
+    form.dont_interpolate[0].click();
+    form.use_as_pwm[1].click();
+    EXPECT_THAT(update(), ElementsAre(Bytes{171, 0, 128 + 1, 0}, Bytes{224, 1, 3, 0}));
 }
 
 TEST_F(GpoMapping, ExitAndAbortEndTheReadAndTheClosedWindowIsBlankAfterAbort) {

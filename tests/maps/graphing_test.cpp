@@ -82,17 +82,17 @@ TEST_F(Graphing, FrameLeansWithTheSurfaceAndTellsTheScale) {
 
 TEST_F(Graphing, NothingIsDrawnToACellThatWasNeverRead) {
     open_offline();
-    frm_3d.inj_map.blank_cell(16, 1);
+    frm_3d.inj_map.blank_cell(8, 8);
     frm_3d.inj_map.set_cell_text(1, 1, "2");
     frm_3d.show_this_graph.press();
     const auto lines = graph.Picture1.strokes().size();
-    frm_3d.inj_map.confirm_cell(16, 1, "1");
+    frm_3d.inj_map.confirm_cell(8, 8, "1");
     desktop.run_for(0.1);
-    EXPECT_EQ(graph.Picture1.strokes().size(), lines + 2); // to its two neighbours
-    frm_3d.inj_map.blank_cell(16, 1);
+    EXPECT_EQ(graph.Picture1.strokes().size(), lines + 4); // to its four neighbours
+    frm_3d.inj_map.blank_cell(8, 8);
     console.basic_mapping.shade_fuel_map(0, 0);
-    EXPECT_TRUE(frm_3d.inj_map.cell_pending(16, 1)); // no value to be shaded by, nor in the range of the others
-    EXPECT_EQ(frm_3d.inj_map.cell_back(8, 8), frm_3d.bk_color[7].back_colour());
+    EXPECT_TRUE(frm_3d.inj_map.cell_pending(8, 8)); // no value to be shaded by, nor in the range of the others
+    EXPECT_EQ(frm_3d.inj_map.cell_back(9, 9), frm_3d.bk_color[7].back_colour());
     maps::Frm2d form;
     form.clt_enr_graph.resize(600, 400);
     for (platform::TextBox& box : form.clt_map) {

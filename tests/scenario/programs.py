@@ -19,13 +19,18 @@ class Scenario(unittest.TestCase):
         self.folder = pathlib.Path(folder.name)
 
     def controller(self, *options):
-        """Starts a virtual controller; returns its device. It ends with the test."""
+        """Starts a virtual controller; returns its device. It ends with the test.
+
+        The device stays open here so long: the number of a controller that ended, or pulled its plug, is not given to
+        a controller of another test, which the command line would then find in its place.
+        """
         process = subprocess.Popen([BIN / "ecu-controller", *options], stdout=subprocess.PIPE, text=True)
         self.addCleanup(process.stdout.close)
         self.addCleanup(process.wait)
         self.addCleanup(process.terminate)
         device = process.stdout.readline().strip()
         self.assertTrue(device.startswith("/dev/"), "the controller did not start")
+        self.addCleanup(os.close, os.open(device, os.O_RDWR | os.O_NOCTTY))
         return device
 
     def start(self, *arguments, **kwargs):

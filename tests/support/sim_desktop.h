@@ -30,7 +30,13 @@ public:
     SimDesktop(const SimDesktop&) = delete;
     SimDesktop& operator=(const SimDesktop&) = delete;
 
-    platform::Ports ports() { return {*this, *this, *this, *this, *this, *this, *this, folder_}; }
+    platform::Ports ports() {
+        return {*this, *this, *this, *this, *this, *this, *this, folder_, [this](const char* name) {
+                    const auto found = environment.find(name);
+                    return found == environment.end() ? std::string() : found->second;
+                }};
+    }
+    std::map<std::string, std::string> environment; // what the program's surroundings say
 
     // The working directory, made for this desktop and removed with it.
     const std::filesystem::path& folder() const { return folder_; }
@@ -40,6 +46,7 @@ public:
 
     // The line of the console's serial port; usable before that is made.
     SimSerialLine& line() { return line_; }
+    SimNetwork& network() { return network_; }
 
     // Answers the first box yet to come whose text contains this.
     void answer_box(std::string text, platform::Answer answer) { answers_.emplace_back(std::move(text), answer); }
@@ -63,7 +70,7 @@ public:
     [[noreturn]] void end(int status) override { throw ProgramEnded{status}; }
     std::unique_ptr<platform::SerialPort> make_serial_port() override { return std::make_unique<SimSerialPort>(line_); }
     std::unique_ptr<platform::DatagramSocket> make_datagram_socket() override {
-        return std::make_unique<SimDatagramSocket>();
+        return std::make_unique<SimDatagramSocket>(&network_);
     }
     void form_shown(platform::Form& form) override {
         post([&form] { form.activate(); });
@@ -80,6 +87,7 @@ private:
 
     std::filesystem::path folder_;
     SimSerialLine line_{*this};
+    SimNetwork network_{*this};
     std::vector<std::pair<std::string, platform::Answer>> answers_;
     std::deque<std::string> files_;
     std::vector<platform::MessageBox> boxes_;

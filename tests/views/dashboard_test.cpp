@@ -251,6 +251,21 @@ TEST(Trims, AHeldKeyUpdatesOneAfterTheOtherAndTheEngineFollowsIt) {
     EXPECT_EQ(messages.back(), (Bytes{'m', 0x17, 0x11, 0})); // 7.0 ms
     EXPECT_FALSE(bench.state.polling_paused);
     EXPECT_EQ(bench.form.ecu_pgm[0].text(), "7.000");
+    // The last press of all, made while its forerunner was on the line.
+    int requests = 0;
+    bench.controller.responder = [&](const test::Request& request) {
+        if (++requests == 1) {
+            bench.desktop.post([&] {
+                platform::KeyPress up{.code = platform::key::up, .shift = true};
+                bench.form.ecu_pgm[0].key_down(up);
+            });
+        }
+        return test::reply_frame({request[2]}, bench.sizes[request[2]]);
+    };
+    bench.form.base_offset_deg.set_text("2");
+    bench.form.Command2.press();
+    bench.desktop.run_for(2);
+    EXPECT_THAT(bench.sent(), testing::Contains(Bytes{'m', 0x56, 0x11, 0})); // 7.1 ms
 }
 
 TEST(Trims, WhatWasNeverReadIsToldHatchedAndReadAgain) {

@@ -78,5 +78,60 @@ TEST_F(ConfigurationWindow, every_control_stands_in_it_and_every_page_scrolls_ra
     pictures("large", {1180, 720});
 }
 
+TEST_F(ConfigurationWindow, pages_are_reached_by_keys_from_wherever_the_keyboard_is) {
+    auto& first = named<QLineEdit>(*window, "full_scale_rpm");
+    first.setFocus();
+    QTest::keyClick(&first, Qt::Key_PageDown, Qt::ControlModifier);
+    EXPECT_EQ(form.tool_tab.current(), 1);
+    EXPECT_EQ(window->focusWidget(), tabs.tabBar());
+    QTest::keyClick(tabs.tabBar(), Qt::Key_Down);
+    EXPECT_EQ(form.tool_tab.current(), 2);
+    QTest::keyClick(tabs.tabBar(), Qt::Key_Up);
+    QTest::keyClick(tabs.tabBar(), Qt::Key_PageUp, Qt::ControlModifier);
+    QTest::keyClick(tabs.tabBar(), Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(form.tool_tab.current(), 12);
+    QTest::keyClick(tabs.tabBar(), Qt::Key_Tab, Qt::ControlModifier);
+    EXPECT_EQ(form.tool_tab.current(), 0);
+    form.tool_tab.set_current(7);
+    EXPECT_EQ(tabs.currentIndex(), 7);
+    QTest::keyClick(tabs.tabBar(), Qt::Key_Tab);
+    EXPECT_TRUE(tabs.currentWidget()->isAncestorOf(window->focusWidget())) << "the page follows its tab";
+}
+
+TEST_F(ConfigurationWindow, pending_values_mark_their_tab_and_their_switch) {
+    const auto at_dot = [&](int page) {
+        const QRect field = tabs.tabBar()->tabRect(page);
+        const QImage picture = tabs.tabBar()->grab().toImage();
+        return picture.pixelColor(
+            (QPointF(field.right() - 10, field.center().y()) * picture.devicePixelRatio()).toPoint());
+    };
+    EXPECT_NE(at_dot(8), QColor(0xFF, 0xFF, 0x55));
+    form.tool_tab.set_pending_on(8, 2);
+    EXPECT_EQ(at_dot(8), QColor(0xFF, 0xFF, 0x55));
+    EXPECT_EQ(tabs.tabBar()->tabToolTip(8).toStdString(), "Engine Startup: 2 values pending");
+    form.tool_tab.set_pending_on(8, 0);
+    EXPECT_NE(at_dot(8), QColor(0xFF, 0xFF, 0x55));
+
+    QWidget& driver = named<QWidget>(*window, "ign_ph_15(7)");
+    form.ign_ph[15][7].set_fore_colour(platform::pending);
+    EXPECT_EQ(driver.palette().color(QPalette::Base), QColor(0xFF, 0xFF, 0x55));
+    EXPECT_EQ(driver.accessibleName().toStdString(), "Eng. Phase 16, ignition driver 8");
+    form.ign_ph[15][7].set_fore_colour(platform::black);
+    EXPECT_NE(driver.palette().color(QPalette::Base), QColor(0xFF, 0xFF, 0x55));
+}
+
+TEST_F(ConfigurationWindow, stutter_marks_follow_their_boxes) {
+    QWidget* marks = named<QLineEdit>(*window, "stutter_table(3)").parentWidget()->findChildren<QWidget*>().last();
+    const auto full = [&](int event) {
+        const QImage picture = marks->grab().toImage();
+        const QColor inside =
+            picture.pixelColor((QPointF(event * 9 + event / 8 * 6 + 3, 6) * picture.devicePixelRatio()).toPoint());
+        return inside != picture.pixelColor(picture.width() - 1, 0);
+    };
+    QTest::keyClicks(&named<QLineEdit>(*window, "stutter_table(3)"), "65");
+    EXPECT_TRUE(full(24) && full(30));
+    EXPECT_FALSE(full(25) || full(31) || full(0));
+}
+
 } // namespace
 } // namespace ecu::desktop

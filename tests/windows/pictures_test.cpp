@@ -1,5 +1,5 @@
-#include "calibration/frm_wait.h"
 #include "adapters/qt_timers.h"
+#include "calibration/frm_wait.h"
 #include "desktop/windows/windows.h"
 #include "link/frm_dialog.h"
 #include "link/frm_retries.h"

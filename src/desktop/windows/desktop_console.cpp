@@ -31,6 +31,8 @@ void DesktopConsole::add_windows() {
     add(forms.frm_cellblock_modifier, make_frm_cellblock_modifier_window);
     add(forms.frm_sup, make_frm_sup_window);
     add(forms.frm_autotune, make_frm_autotune_window);
+    add(forms.frm_remote_ip, make_frm_remote_ip_window);
+    add(forms.frm_server, make_frm_server_window);
 }
 
 } // namespace ecu::desktop

@@ -22,6 +22,7 @@ public:
 
     console::Console& console() { return console_; }
     QtHost& host() { return host_; }
+    adapters::QtProgram& program() { return program_; }
     const platform::Ports& ports() const { return console_.ports; }
 
 private:

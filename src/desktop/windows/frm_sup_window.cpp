@@ -151,7 +151,7 @@ private:
 Panel output_panel(FormWindow& window, FrmSup& f, std::size_t n, Page& page) {
     Panel panel = window.panel(numbered("Output driver ", n).c_str());
     panel.add(words(window, f.gpo_words[n], numbered("What output does ", n), 2));
-    panel.add(words(window, f.gpo_now[n], numbered("Output now ", n), 1));
+    panel.add(words(window, f.gpo_now[n], numbered("Output now ", n), 1))->setContentsMargins(0, 0, 0, theme::gap);
     Rows rows(window);
     rows.add(new QLabel(QStringLiteral("Mapping Input Source")));
     for (platform::OptionButton& option : f.gpo_mode[n]) {

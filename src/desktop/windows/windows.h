@@ -8,7 +8,9 @@
 
 namespace ecu::link {
 struct FrmDialog;
+struct FrmRemoteIp;
 struct FrmRetries;
+struct FrmServer;
 } // namespace ecu::link
 namespace ecu::calibration {
 struct FrmWait;
@@ -56,5 +58,7 @@ std::unique_ptr<FormWindow> make_frm_3d_graph_window(maps::Frm3dGraph& form, QtH
 std::unique_ptr<FormWindow> make_frm_cellblock_modifier_window(maps::FrmCellblockModifier& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_sup_window(maps::FrmSup& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_autotune_window(autotune::FrmAutotune& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_remote_ip_window(link::FrmRemoteIp& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_server_window(link::FrmServer& form, QtHost& host);
 
 } // namespace ecu::desktop

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-namespace ecu::cli {
+namespace ecu::calibration {
 
 struct Finding {
     int line = 0;
@@ -26,7 +26,4 @@ struct CheckReport {
 
 CheckReport check(std::string_view text);
 
-std::string as_text(const CheckReport& report, const std::string& name);
-std::string as_json(const CheckReport& report);
-
-} // namespace ecu::cli
+} // namespace ecu::calibration

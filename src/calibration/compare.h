@@ -1,21 +1,21 @@
 // What differs between two calibrations: changed, missing and unknown keys, counted apart.
 #pragma once
 
-#include "cli/calibration_values.h"
+#include "calibration/snapshot.h"
 
 #include <string>
 
-namespace ecu::cli {
+namespace ecu::calibration {
 
 enum class Side : std::uint8_t { a, b };
 
 struct ChangedValue {
-    calibration::FileKey key;
+    FileKey key;
     std::int32_t a = 0;
     std::int32_t b = 0;
 };
 struct MissingValue {
-    calibration::FileKey key;
+    FileKey key;
     Side missing_in = Side::a;
 };
 struct UnknownValue {
@@ -36,11 +36,6 @@ struct Comparison {
     bool same = true;
 };
 
-Comparison compare(const CalibrationValues& a, const CalibrationValues& b);
+Comparison compare(const Snapshot& a, const Snapshot& b);
 
-// One line a difference, then the counts. `name_a` and `name_b` as the user gave them.
-std::string as_text(const Comparison& comparison, const CalibrationValues& a, const CalibrationValues& b,
-                    const std::string& name_a, const std::string& name_b);
-std::string as_json(const Comparison& comparison, const CalibrationValues& a, const CalibrationValues& b);
-
-} // namespace ecu::cli
+} // namespace ecu::calibration

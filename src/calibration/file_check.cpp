@@ -1,27 +1,16 @@
-#include "cli/check.h"
+#include "calibration/file_check.h"
 
 #include "calibration/encoding.h"
-#include "cli/calibration_values.h"
-#include "cli/json.h"
+#include "calibration/snapshot.h"
 #include "platform/rounding.h"
 #include "platform/text_encoding.h"
-
-#include <QJsonArray>
 
 #include <algorithm>
 #include <limits>
 
-namespace ecu::cli {
+namespace ecu::calibration {
 
 namespace {
-
-using calibration::Entry;
-using calibration::FileKey;
-using calibration::LineMessage;
-using calibration::LineStop;
-using calibration::Scales;
-using calibration::UnknownLine;
-using calibration::Width;
 
 struct Limits {
     std::int32_t low;
@@ -47,8 +36,8 @@ Limits entry_limits(const FileKey& key, Limits width, const Scales& scales) {
     const Entry& entry = entry_of(key);
     Limits limits{std::max(width.low, entry.raw_low), std::min(width.high, entry.raw_high)};
     const auto raw_of = [&](std::string_view text) {
-        return key.table != nullptr ? calibration::raw_from_entry(*key.table, text, scales).raw
-                                    : calibration::raw_from_entry(*key.parameter, text, scales).raw;
+        return key.table != nullptr ? raw_from_entry(*key.table, text, scales).raw
+                                    : raw_from_entry(*key.parameter, text, scales).raw;
     };
     if (!entry.lowest.text.empty()) {
         limits.low = std::max(limits.low, raw_of(entry.lowest.text));
@@ -60,7 +49,7 @@ Limits entry_limits(const FileKey& key, Limits width, const Scales& scales) {
 }
 
 bool refused(const FileKey& key, std::int32_t raw, const Scales& scales) {
-    const calibration::Refusal& refusal = entry_of(key).refusal;
+    const Refusal& refusal = entry_of(key).refusal;
     const double tested =
         refusal.of_entry && key.parameter != nullptr ? shown_value(key.parameter->shown, raw, scales) : raw;
     return tested < refusal.below || tested >= refusal.from;
@@ -93,13 +82,13 @@ std::int32_t sent_value(const LineMessage& known) {
         return message[3];
     }
     switch (known.key.parameter->write.file_form) {
-    case calibration::WriteForm::byte:
+    case WriteForm::byte:
         return message[1];
-    case calibration::WriteForm::word:
+    case WriteForm::word:
         return message[1] + 256 * message[2];
-    case calibration::WriteForm::element_byte:
+    case WriteForm::element_byte:
         return message[2];
-    case calibration::WriteForm::element_word:
+    case WriteForm::element_word:
         return message[2] + 256 * message[3];
     }
     return 0;
@@ -135,12 +124,11 @@ std::string range_fault(const FileKey& key, std::int32_t raw, std::int32_t sent,
 class Checker {
 public:
     CheckReport check(std::string_view text) {
-        const std::vector<std::string> lines = calibration::split_lines(text);
+        const std::vector<std::string> lines = split_lines(text);
         report_.lines = static_cast<int>(lines.size());
         // The spans that later lines set hold for earlier ones too.
         for (const std::string& line : lines) {
-            if (const auto meaning = calibration::read_line(line);
-                const auto* known = std::get_if<LineMessage>(&meaning)) {
+            if (const auto meaning = read_line(line); const auto* known = std::get_if<LineMessage>(&meaning)) {
                 scales_of_.put(known->key, {known->value, 0});
             }
         }
@@ -161,19 +149,18 @@ private:
     }
 
     void look_at(const std::string& line) {
-        const auto meaning = calibration::read_line(line);
+        const auto meaning = read_line(line);
         if (const auto* stop = std::get_if<LineStop>(&meaning)) {
             find(stop->key, stop_text(*stop) + "; an upload would stop here");
         } else if (const auto* unknown = std::get_if<UnknownLine>(&meaning)) {
-            find(unknown->texts.front().substr(calibration::unknown_variable.size()),
-                 "is not known; an upload would pass over it");
+            find(unknown->texts.front().substr(unknown_variable.size()), "is not known; an upload would pass over it");
         } else if (const auto* known = std::get_if<LineMessage>(&meaning)) {
             look_at_value(line, *known);
         }
     }
 
     void look_at_value(const std::string& line, const LineMessage& known) {
-        const std::string key = calibration::key_text(known.key);
+        const std::string key = key_text(known.key);
         if (const auto earlier = seen_.find(known.key)) {
             find(key, "stands in line " + std::to_string(earlier->line) + " already; the later value holds");
         }
@@ -193,15 +180,15 @@ private:
 
     // As printed_value() takes it: of a doubled line what stands behind its second "=".
     static std::string_view value_text(std::string_view line, const FileKey& key) {
-        std::string_view text = line.substr(std::min(calibration::value_column, line.size()));
-        const bool doubled = key.parameter != nullptr && key.parameter->file == calibration::FileForm::vector_doubled;
+        std::string_view text = line.substr(std::min(value_column, line.size()));
+        const bool doubled = key.parameter != nullptr && key.parameter->file == FileForm::vector_doubled;
         const std::size_t sign = text.find_first_not_of(' ');
         return doubled && sign != std::string_view::npos && text[sign] == '=' ? text.substr(sign + 1) : text;
     }
 
     void add_notes() {
         report_.values = static_cast<int>(seen_.size());
-        if (const std::size_t all = CalibrationValues::all_keys().size(); seen_.size() < all) {
+        if (const std::size_t all = Snapshot::all_keys().size(); seen_.size() < all) {
             report_.notes.push_back(std::to_string(all - seen_.size()) + " of " + std::to_string(all) +
                                     " values are not in the file; an upload leaves them as the controller has them");
         }
@@ -213,8 +200,8 @@ private:
     }
 
     CheckReport report_;
-    CalibrationValues scales_of_;
-    CalibrationValues seen_;
+    Snapshot scales_of_;
+    Snapshot seen_;
     int number_ = 0;
     int lost_ = 0;
 };
@@ -223,32 +210,4 @@ private:
 
 CheckReport check(std::string_view text) { return Checker().check(text); }
 
-std::string as_text(const CheckReport& report, const std::string& name) {
-    std::string text;
-    for (const Finding& finding : report.findings) {
-        text += name + ":" + std::to_string(finding.line) + ": " + finding.key + (finding.key.empty() ? "" : ": ") +
-                finding.text + "\n";
-    }
-    for (const std::string& note : report.notes) {
-        text += "note: " + note + "\n";
-    }
-    using calibration::counted;
-    return text + counted(static_cast<std::size_t>(report.lines), "line") + ", " +
-           counted(static_cast<std::size_t>(report.values), "value") + ", " +
-           counted(report.findings.size(), "finding") + "\n";
-}
-
-std::string as_json(const CheckReport& report) {
-    QJsonArray findings;
-    for (const Finding& finding : report.findings) {
-        findings.append(
-            QJsonObject{{"line", finding.line}, {"key", json_text(finding.key)}, {"text", json_text(finding.text)}});
-    }
-    QJsonArray notes;
-    for (const std::string& note : report.notes) {
-        notes.append(json_text(note));
-    }
-    return json_line({{"findings", findings}, {"notes", notes}, {"lines", report.lines}, {"values", report.values}});
-}
-
-} // namespace ecu::cli
+} // namespace ecu::calibration

@@ -1,18 +1,18 @@
-#include "cli/compare.h"
+#include "cli/reports.h"
 
+#include "calibration/encoding.h"
+#include "cli/failure.h"
 #include "cli/json.h"
 
 #include <QJsonArray>
 
 #include <algorithm>
-#include <set>
 
 namespace ecu::cli {
 
-namespace {
+using namespace calibration;
 
-using calibration::FileKey;
-using calibration::key_text;
+namespace {
 
 std::string padded(std::string text, std::size_t width) {
     text.resize(std::max(text.size(), width), ' ');
@@ -20,7 +20,7 @@ std::string padded(std::string text, std::size_t width) {
 }
 
 // "66 (.516)"
-std::string value_text(const FileKey& key, std::int32_t raw, const CalibrationValues& values) {
+std::string value_text(const FileKey& key, std::int32_t raw, const Snapshot& values) {
     const std::string shown = shown_text(key, raw, values.scales());
     return std::to_string(raw) + (shown.empty() || shown == std::to_string(raw) ? "" : " (" + shown + ")");
 }
@@ -37,7 +37,7 @@ QJsonObject key_object(const FileKey& key) {
     return object;
 }
 
-QJsonObject value_object(const FileKey& key, std::int32_t raw, const CalibrationValues& values) {
+QJsonObject value_object(const FileKey& key, std::int32_t raw, const Snapshot& values) {
     QJsonObject object{{"raw", raw}};
     if (const std::string shown = shown_text(key, raw, values.scales()); !shown.empty()) {
         object["shown"] = json_text(shown);
@@ -47,42 +47,8 @@ QJsonObject value_object(const FileKey& key, std::int32_t raw, const Calibration
 
 } // namespace
 
-Comparison compare(const CalibrationValues& a, const CalibrationValues& b) {
-    Comparison out;
-    std::set<std::pair<std::string, Side>> unreadable; // these are there, in their way
-    const auto note_unreadable = [&](const CalibrationValues& values, Side side) {
-        for (const UnreadableLine& line : values.unreadable) {
-            out.unreadable.push_back({line, side});
-            unreadable.emplace(line.key, side);
-        }
-    };
-    note_unreadable(a, Side::a);
-    note_unreadable(b, Side::b);
-    for (const FileKey& key : CalibrationValues::all_keys()) {
-        const auto in_a = a.find(key);
-        const auto in_b = b.find(key);
-        if (in_a && in_b && in_a->raw != in_b->raw) {
-            out.changed.push_back({key, in_a->raw, in_b->raw});
-        } else if (in_a.has_value() != in_b.has_value()) {
-            const Side side = in_a ? Side::b : Side::a;
-            if (!unreadable.contains({key_text(key), side})) {
-                out.missing.push_back({key, side});
-            }
-        }
-    }
-    for (const UnknownKey& key : a.unknown) {
-        out.unknown.push_back({key, Side::a});
-    }
-    for (const UnknownKey& key : b.unknown) {
-        out.unknown.push_back({key, Side::b});
-    }
-    out.same = out.changed.empty() && out.missing.empty() && out.unreadable.empty() &&
-               std::ranges::is_permutation(a.unknown, b.unknown, std::equal_to<>());
-    return out;
-}
-
-std::string as_text(const Comparison& comparison, const CalibrationValues& a, const CalibrationValues& b,
-                    const std::string& name_a, const std::string& name_b) {
+std::string as_text(const Comparison& comparison, const Snapshot& a, const Snapshot& b, const std::string& name_a,
+                    const std::string& name_b) {
     std::string text;
     for (const ChangedValue& value : comparison.changed) {
         const std::string place = place_text(value.key);
@@ -110,7 +76,7 @@ std::string as_text(const Comparison& comparison, const CalibrationValues& a, co
     return text + "\n";
 }
 
-std::string as_json(const Comparison& comparison, const CalibrationValues& a, const CalibrationValues& b) {
+std::string as_json(const Comparison& comparison, const Snapshot& a, const Snapshot& b) {
     QJsonArray changed;
     for (const ChangedValue& value : comparison.changed) {
         QJsonObject object = key_object(value.key);
@@ -141,6 +107,41 @@ std::string as_json(const Comparison& comparison, const CalibrationValues& a, co
                       {"missing", missing},
                       {"unknown", unknown},
                       {"unreadable", unreadable}});
+}
+
+std::string as_text(const CheckReport& report, const std::string& name) {
+    std::string text;
+    for (const Finding& finding : report.findings) {
+        text += name + ":" + std::to_string(finding.line) + ": " + finding.key + (finding.key.empty() ? "" : ": ") +
+                finding.text + "\n";
+    }
+    for (const std::string& note : report.notes) {
+        text += "note: " + note + "\n";
+    }
+    return text + counted(static_cast<std::size_t>(report.lines), "line") + ", " +
+           counted(static_cast<std::size_t>(report.values), "value") + ", " +
+           counted(report.findings.size(), "finding") + "\n";
+}
+
+std::string as_json(const CheckReport& report) {
+    QJsonArray findings;
+    for (const Finding& finding : report.findings) {
+        findings.append(
+            QJsonObject{{"line", finding.line}, {"key", json_text(finding.key)}, {"text", json_text(finding.text)}});
+    }
+    QJsonArray notes;
+    for (const std::string& note : report.notes) {
+        notes.append(json_text(note));
+    }
+    return json_line({{"findings", findings}, {"notes", notes}, {"lines", report.lines}, {"values", report.values}});
+}
+
+std::string text_of_file(const std::string& name) {
+    calibration::FileText file = calibration::read_whole_file(name);
+    if (!file.failure.empty()) {
+        throw Failure(Status::file, name + " cannot be read: " + file.failure + ". Name another file");
+    }
+    return std::move(file.text);
 }
 
 } // namespace ecu::cli

@@ -1,13 +1,15 @@
-#include "cli/compare.h"
+#include "cli/reports.h"
 
 #include <gmock/gmock.h>
 
 namespace ecu::cli {
 namespace {
 
+using namespace calibration;
+
 std::string compared(std::string_view a, std::string_view b) {
-    const CalibrationValues left = values_of(a);
-    const CalibrationValues right = values_of(b);
+    const Snapshot left = values_of(a);
+    const Snapshot right = values_of(b);
     return as_text(compare(left, right), left, right, "a.set", "b.set");
 }
 
@@ -36,8 +38,8 @@ TEST(Compare, TakesBoostGainsFromBehindTheirSecondSign) {
 }
 
 TEST(Compare, CallsFilesTheSameWhoseUnknownKeysAreTheSame) {
-    const CalibrationValues a = values_of("ABCD[003]=5\nACC_RATE= 12\n");
-    const CalibrationValues b = values_of("ACC_RATE= 11\nACC_RATE= 12\nABCD[003]=6\n");
+    const Snapshot a = values_of("ABCD[003]=5\nACC_RATE= 12\n");
+    const Snapshot b = values_of("ACC_RATE= 11\nACC_RATE= 12\nABCD[003]=6\n");
     EXPECT_TRUE(compare(a, b).same);
     EXPECT_FALSE(compare(a, values_of("ACC_RATE= 12\n")).same);
 }
