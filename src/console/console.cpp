@@ -40,8 +40,10 @@ Console::Console(const platform::Ports& machine)
       plotter(ports, state, comm, navigation, polling.timer3(), scales, live,
               {forms.frm_mon.inj_duty[0], forms.frm_mon.ign_duty[0], forms.frm_mon.wheel_idx_num}, forms.frm_plotter),
       autotune(ports, state, forms.frm_autotune, forms.frm_3d, scales),
-      transfer(
-          {ports, state, comm, link_selection, image, forms.frm_wait, forms.frm_ecu.form, shell::console_version}) {
+      transfer({ports, state, comm, link_selection, image, forms.frm_wait, forms.frm_ecu.form, shell::console_version}),
+      diagnostics({ports, state, comm, navigation, polling.timer1(), live, reply_decoders.wheel_samples(),
+                   forms.frm_diagnostics}),
+      flash_utility(ports, state, *comm1, forms.frm_ecu.form, forms.sflash) {
     wire();
 }
 
@@ -57,6 +59,7 @@ shell::Navigation Console::with_views(const platform::Ports& ports, link::Shared
     navigation.add_view(View::gpo_mapping, forms.frm_sup.form);
     navigation.add_view(View::additional_mapping, forms.frm_2d.form);
     navigation.add_view(View::plotter, forms.frm_plotter.form);
+    navigation.add_view(View::diagnostics, forms.frm_diagnostics.form);
     return navigation;
 }
 
@@ -87,6 +90,9 @@ void Console::wire() {
     main_console.on_start_server = [this] { remote_server.start(); };
     main_console.on_start_client = [this] { remote_client.start(); };
     main_console.on_halt_client = [this] { remote_client.halt(); };
+    live_decoder.on_dyno_row = [this] { diagnostics.dyno().on_row(); };
+    live_decoder.on_dyno_finish = [this] { diagnostics.dyno().on_finish(); };
+    main_console.on_flash_utility = [this] { flash_utility.open(); };
     main_console.offer_what_exists();
 }
 
@@ -101,6 +107,8 @@ void Console::start(std::string_view command_line) {
 void Console::before_end() {
     transfer.abandon();
     comm1->close();
+    flash_utility.close_port();
+    diagnostics.dyno().close_file();
 }
 
 } // namespace ecu::console

@@ -8,6 +8,8 @@
 #include "calibration/transfer.h"
 #include "configuration/configuration_page.h"
 #include "console/forms.h"
+#include "diagnostics/diagnostics.h"
+#include "flash/flash_utility.h"
 #include "link/ecu_comm.h"
 #include "link/link_selection.h"
 #include "link/remote_client.h"
@@ -81,6 +83,8 @@ public:
     logging::Plotter plotter;
     autotune::Autotune autotune;
     calibration::Transfer transfer;
+    diagnostics::Diagnostics diagnostics;
+    flash::FlashUtility flash_utility;
 
 private:
     static shell::Navigation with_views(const platform::Ports& ports, link::SharedState& state, link::EcuComm& comm,

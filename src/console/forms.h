@@ -6,6 +6,7 @@
 #include "calibration/frm_wait.h"
 #include "configuration/frm_tool.h"
 #include "diagnostics/frm_diagnostics.h"
+#include "flash/frm_sflash.h"
 #include "link/frm_dialog.h"
 #include "link/frm_remote_ip.h"
 #include "link/frm_retries.h"
@@ -30,7 +31,7 @@ struct Forms {
              {&frm_ecu.form, &frm_about.form, &frm_dialog.form, &frm_retries.form, &frm_wait.form, &frm_mon.form,
               &frm_dashboard.form, &frm_tool.form, &frm_3d.form, &frm_3d_graph.form, &frm_cellblock_modifier.form,
               &frm_2d.form, &frm_sup.form, &frm_plotter.form, &frm_diagnostics.form, &frm_autotune.form,
-              &frm_remote_ip.form, &frm_server.form}) {
+              &frm_remote_ip.form, &frm_server.form, &sflash.form}) {
             registry.add(*form);
         }
     }
@@ -53,6 +54,7 @@ struct Forms {
     autotune::FrmAutotune frm_autotune;
     link::FrmRemoteIp frm_remote_ip;
     link::FrmServer frm_server;
+    flash::FrmSflash sflash;
     views::HeldNote held_note{frm_dashboard,
                               {&frm_mon.form, &frm_dashboard.form, &frm_tool.form, &frm_3d.form, &frm_2d.form,
                                &frm_sup.form, &frm_plotter.form, &frm_diagnostics.form}};

@@ -133,7 +133,7 @@ std::optional<Data> Firmware::diagnostics(std::uint8_t command, Arguments argume
         arguments[0] == 1 ? dyno_.arm() : dyno_.disarm();
         return Data{arguments[0]};
     case 247:
-        wheel_.capture(engine_.state().at.rpm, noise_);
+        wheel_.capture(engine_.state().at.rpm, noise_, wheel_fault_);
         return Data{0};
     case 248: { // periods high byte first
         Data data{arguments[0]};

@@ -42,6 +42,8 @@ public:
 
     ControllerMemory& memory() { return memory_; }
     void set_serial_number(std::uint32_t number) { settings_.serial_number = number; }
+    void set_revision(std::uint16_t revision) { settings_.revision = revision; }
+    void set_wheel_fault(WheelFault fault) { wheel_fault_ = fault; }
     const EngineModel& engine() const { return engine_; }
     const DynoRun& dyno() const { return dyno_; }
     // The drivers that the last test fired, bit n for channel n + 1.
@@ -67,6 +69,7 @@ private:
     EngineModel engine_;
     DynoRun dyno_;
     WheelCapture wheel_;
+    WheelFault wheel_fault_ = WheelFault::none;
     Noise noise_;
     std::array<std::uint8_t, 3> scratch_{};
     std::uint16_t fired_injectors_ = 0;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "controller/noise.h"
+#include "controller/wheel_capture.h"
 
 #include <array>
 #include <cstdint>
@@ -22,6 +23,9 @@ struct FaultPlan {
     bool silent = false;                       // hears nothing, says nothing
     std::optional<std::uint64_t> unplug_after; // so many replies; the request after them pulls the plug
     std::optional<std::uint32_t> replug_as;    // then another controller is plugged in, of this serial number
+
+    WheelFault wheel = WheelFault::none;
+    std::optional<std::uint64_t> flash_error_at_line; // counted from 1; the first run that reaches it, and no other
 
     double& operator[](Fault fault) { return rate[static_cast<std::size_t>(fault)]; }
 };

@@ -32,17 +32,23 @@ unsigned address_bytes(char type) {
 } // namespace
 
 void FlashMonitor::start() {
+    const std::optional<std::uint64_t> fail_at_line = fail_at_line_;
     *this = FlashMonitor();
+    fail_at_line_ = fail_at_line;
     running_ = true;
 }
 
 std::string FlashMonitor::receive(std::uint8_t byte) {
     const char character = static_cast<char>(byte);
+    if (character == 'q') {
+        record_.clear();
+        received_.clear();
+        lines_ = 0;
+        failed_ = false;
+        return "\r\nBoot monitor 1.0\r\n";
+    }
+    received_ += character;
     if (record_.empty()) {
-        if (character == 'q') {
-            failed_ = false;
-            return "\r\nBoot monitor 1.0\r\n";
-        }
         if (character == 'S') {
             record_ += character;
         }
@@ -77,6 +83,14 @@ std::string FlashMonitor::finish_record() {
     if ((sum & 0xFFU) != 0xFFU) {
         return refuse();
     }
+    if (fail_at_line_ && lines_ + 1 == *fail_at_line_) {
+        fail_at_line_.reset();
+        return refuse();
+    }
+    ++lines_;
+    if (record_[1] == '0') {
+        read_header();
+    }
     const char type = record_[1];
     const unsigned count = *hex_byte(record_, 2);
     record_.clear();
@@ -94,7 +108,26 @@ std::string FlashMonitor::finish_record() {
     return "\r\ndone, starting\r\n";
 }
 
+// The header's data is text: behind count and address, before the checksum.
+void FlashMonitor::read_header() {
+    std::string text;
+    for (std::size_t at = 8; at + 4 <= record_.size(); at += 2) {
+        text += static_cast<char>(hex_byte(record_, at).value_or(0));
+    }
+    const std::size_t v = text.find('V');
+    if (v == std::string::npos || text.size() < v + 8 || text[v + 2] != '.' || text[v + 5] != '.') {
+        return;
+    }
+    const std::string digits = text.substr(v + 1, 1) + text.substr(v + 3, 2) + text.substr(v + 6, 2);
+    std::uint16_t revision = 0;
+    const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), revision);
+    if (result.ec == std::errc() && result.ptr == digits.data() + digits.size()) {
+        revision_ = revision;
+    }
+}
+
 std::string FlashMonitor::refuse() {
+    ++lines_;
     record_.clear();
     failed_ = true;
     return "E";

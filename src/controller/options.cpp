@@ -64,6 +64,22 @@ std::string read_fault(std::string_view item, FaultPlan& plan) {
         }
         return refused("--faults", item, "a serial number up to 16777215 is wanted");
     }
+    if (name == "wheel") {
+        constexpr std::array<std::string_view, 4> kinds{"good", "missing-tooth", "noise", "dead"};
+        for (std::size_t i = 0; i < kinds.size(); ++i) {
+            if (value == kinds[i]) {
+                plan.wheel = static_cast<WheelFault>(i);
+                return "";
+            }
+        }
+        return refused("--faults", item, "good, missing-tooth, noise or dead is wanted");
+    }
+    if (name == "flash-error-at-line") {
+        plan.flash_error_at_line = whole_number(value, UINT32_MAX);
+        return plan.flash_error_at_line.value_or(0) > 0
+                   ? ""
+                   : refused("--faults", item, "the number of a line, counted from 1, is wanted");
+    }
     if (item == "silent") {
         plan.silent = true;
         return "";
@@ -71,7 +87,7 @@ std::string read_fault(std::string_view item, FaultPlan& plan) {
     return refused(
         "--faults", item,
         "known are lost, late, cut, corrupted, surplus, foreign (each =RATE), late-by=SECONDS, unplug-after=N, "
-        "replug-as=SERIAL and silent");
+        "replug-as=SERIAL, wheel=KIND, flash-error-at-line=N and silent");
 }
 
 std::string read_faults(std::string_view list, FaultPlan& plan) {
@@ -180,7 +196,9 @@ until it is ended (Ctrl+C).
   --faults LIST         what goes wrong with replies, separated by commas: lost=RATE, late=RATE, cut=RATE,
                         corrupted=RATE, surplus=RATE, foreign=RATE (rates from 0 to 1; foreign: the reply of the
                         message before), late-by=SECONDS (0.15 without), unplug-after=N replies, replug-as=SERIAL
-                        (with --link: then another controller is plugged in there), silent
+                        (with --link: then another controller is plugged in there), wheel=missing-tooth, =noise or
+                        =dead (captures of the crank wheel), flash-error-at-line=N (the flash monitor refuses that
+                        record, once), silent
   --serial N            the serial number (104077)
   --capabilities WORD   the word of drivers and functions (0x3F88: all of them)
   --compatibility N     the protocol revision (20003)

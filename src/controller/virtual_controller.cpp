@@ -13,7 +13,10 @@ constexpr std::size_t fifo_chunk = 14;
 } // namespace
 
 VirtualController::VirtualController(const Settings& settings)
-    : pace_baud_(settings.pace_baud), faults_(settings.faults, settings.firmware.seed), firmware_(settings.firmware) {}
+    : pace_baud_(settings.pace_baud), faults_(settings.faults, settings.firmware.seed), firmware_(settings.firmware) {
+    firmware_.set_wheel_fault(settings.faults.wheel);
+    flash_monitor_.fail_at_line(settings.faults.flash_error_at_line);
+}
 
 double VirtualController::byte_time() const {
     if (pace_baud_ == 0) {
@@ -72,6 +75,9 @@ void VirtualController::serve_monitor(std::uint8_t byte, double arrival) {
     const std::string said = flash_monitor_.receive(byte);
     send(std::vector<std::uint8_t>(said.begin(), said.end()), arrival);
     if (!flash_monitor_.running()) {
+        if (const std::optional<std::uint16_t> revision = flash_monitor_.revision()) {
+            firmware_.set_revision(*revision);
+        }
         firmware_.restart();
     }
 }

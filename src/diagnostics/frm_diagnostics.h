@@ -39,6 +39,7 @@ struct FrmDiagnostics {
     Channels ign_chan_test{form, "ign_chan_test", channel_captions};
     platform::Button Command1{form, "Command1", "Test"};
     platform::Button Command2{form, "Command2", "Test"};
+    platform::ControlArray<platform::Label, 2> test_result{form, "test_result"}; // what the last press has done
 
     // Crank wheel
     platform::Button arm_capture{form, "arm_capture", "Arm Capture"};
@@ -47,6 +48,9 @@ struct FrmDiagnostics {
     platform::Button wheel_diag_halt{form, "wheel_diag_halt", "Halt"};
     platform::Picture wheel_speed_plot{form, "wheel_speed_plot"};
     platform::Label crank_target_rpm{form, "crank_target_rpm", "XXXXX"};
+    platform::Label wheel_summary{form, "wheel_summary", "No capture has been read yet."};
+    platform::Label wheel_reading{form, "wheel_reading"}; // the tooth that is pointed at
+    platform::Button wheel_save_picture{form, "wheel_save_picture", "Save Picture..."};
 
     // Dyno: "Trig RPM" and "End RPM", "Sample rate MS", "Dyno Status", "Samples", "File Name", "Series"
     platform::ControlArray<platform::TextBox, 2> dyno_trig_rpm{form, "dyno_trig_rpm",
@@ -62,12 +66,47 @@ struct FrmDiagnostics {
     platform::TextBox dyno_file_name{form, "dyno_file_name", "dyno"};
     platform::TextBox dyno_series{form, "dyno_series", "001"};
     platform::Picture dyno_plot_screen{form, "dyno_plot_screen"};
+    platform::Label dyno_note{form, "dyno_note"};           // what has become of the run
+    platform::Label dyno_save_note{form, "dyno_save_note"}; // what "Save" would write
+    platform::Label dyno_peaks{form, "dyno_peaks"};
+    platform::Label dyno_reading{form, "dyno_reading"}; // the place that is pointed at
+    platform::Button dyno_save_picture{form, "dyno_save_picture", "Save Picture..."};
+
+    bool diagnostics_open = false;
 
     FrmDiagnostics() {
         show_demo_mode.set_visible(false);
         Command1.set_enabled(false);
         Command2.set_enabled(false);
         wheel_diag_halt.set_enabled(false);
+        dyno_cancel.set_enabled(false);
+        dyno_save.set_enabled(false);
+        dyno_ref_file.set_enabled(false);
+        for (platform::Button& unlock : Command3) {
+            unlock.set_tool_tip("Click once the engine stands still; both panels are unlocked until the window closes");
+        }
+        Command1.set_tool_tip("Click to fire the ticked injector channels once");
+        Command2.set_tool_tip("Click to fire the ticked ignition channels once");
+        arm_capture.set_tool_tip("Click to let the controller capture one revolution of the crank wheel");
+        get_wheel_plot_data.set_tool_tip("Click to read the last capture and draw it");
+        wheel_diag_continuous.set_tool_tip("Click to capture and draw again and again");
+        wheel_diag_halt.set_tool_tip("Click to end the continuous capture");
+        wheel_speed_plot.set_tool_tip("Point at a tooth, or move along the teeth with the arrow keys");
+        crank_target_rpm.set_tool_tip("Engine speed as the capture was read");
+        dyno_trig_rpm[0].set_tool_tip("Engine speed at which the run begins, 0 to 65535");
+        dyno_trig_rpm[1].set_tool_tip("Engine speed at which the run ends, 0 to 65535");
+        dyno_sample_rate.set_tool_tip("Milliseconds from one row of the run to the next, as fast as the link allows");
+        dyno_arm.set_tool_tip("Click to begin a new run file and arm the controller");
+        dyno_cancel.set_tool_tip("Click to disarm the controller");
+        dyno_plot.set_tool_tip("Click to draw the newest run and the reference again");
+        dyno_ref_file.set_tool_tip("Click to make the newest run the reference");
+        dyno_save.set_tool_tip("Click to save the newest run under the file name and series number");
+        dyno_file_name.set_tool_tip("Name of saved runs, in front of the series number");
+        dyno_series.set_tool_tip("Number of the next saved run; it counts up with each");
+        dyno_plot_screen.set_tool_tip("Point at the curves, or move along them with the arrow keys");
+        for (platform::Button* save : {&wheel_save_picture, &dyno_save_picture}) {
+            save->set_tool_tip("Click to save the drawing with its axes as a picture");
+        }
         Command3d2.set_tool_tip("Click to exit back to the console");
     }
 };

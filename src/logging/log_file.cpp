@@ -1,5 +1,7 @@
 #include "logging/log_file.h"
 
+#include "platform/safe_file.h"
+
 #include <cerrno>
 #include <system_error>
 
@@ -53,6 +55,12 @@ std::string LogFile::write(std::string_view text) {
         std::filesystem::resize_file(path_, length_, error); // part of a row helps nobody
     }
     return failure;
+}
+
+void LogFile::sync() {
+    if (is_open()) {
+        platform::sync_file(path_);
+    }
 }
 
 void LogFile::close() {

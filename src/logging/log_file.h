@@ -19,6 +19,8 @@ public:
     // Adds one row, given with its line end. Returns an empty text, or the reason why not, such as a full disk, or that
     // the file is no longer there; the file is then closed and rows() still tells how many it kept.
     std::string add(std::string_view row);
+    // Brings what was added onto the disk itself, which takes some milliseconds.
+    void sync();
     void close();
     bool is_open() const { return file_.is_open(); }
     std::int32_t rows() const { return rows_; }

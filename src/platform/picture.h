@@ -5,6 +5,7 @@
 
 #include "platform/control.h"
 
+#include <optional>
 #include <variant>
 #include <vector>
 
@@ -19,7 +20,8 @@ public:
         friend bool operator==(const Line&, const Line&) = default;
     };
     struct Circle {
-        int x, y, radius;
+        int x, y;
+        double radius;
         Colour colour;
         friend bool operator==(const Circle&, const Circle&) = default;
     };
@@ -53,7 +55,7 @@ public:
         strokes_.emplace_back(Line{x1, y1, x2, y2, colour, line_width_});
     }
     void point(int x, int y, Colour colour) { line(x, y, x, y, colour); }
-    void circle(int x, int y, int radius, Colour colour) { strokes_.emplace_back(Circle{x, y, radius, colour}); }
+    void circle(int x, int y, double radius, Colour colour) { strokes_.emplace_back(Circle{x, y, radius, colour}); }
     void print(int x, int y, std::string_view text, Colour colour) {
         strokes_.emplace_back(Text{x, y, std::string(text), colour});
     }
@@ -61,6 +63,32 @@ public:
 
     const std::vector<Stroke>& strokes() const { return strokes_; }
     std::function<void()> resized;
+
+    // What stands around the drawing: captions, and numbers at shares of its width from the left and of its height from
+    // the bottom.
+    struct Tick {
+        double at;
+        std::string text;
+    };
+    struct Axis {
+        std::string caption;
+        std::vector<Tick> ticks;
+    };
+    void set_axes(Axis bottom, Axis left) {
+        bottom_ = std::move(bottom);
+        left_ = std::move(left);
+        announce(Property::scale);
+    }
+    const Axis& bottom_axis() const { return bottom_; }
+    const Axis& left_axis() const { return left_; }
+    // A fine upright line over the drawing, no stroke of it, at the place that is being told of.
+    void set_marker(std::optional<int> x) {
+        marker_ = x;
+        announce(Property::content);
+    }
+    std::optional<int> marker() const { return marker_; }
+    std::function<void(int x, int y)> pointed_at;          // by the mouse, over the drawing
+    std::function<bool(const std::string&)> save_as_image; // set by the desktop: drawing and axes to a file
 
     // A picture from a file instead of strokes (the installer's picture); the desktop shows it scaled to fit.
     void load_image(std::string_view path) {
@@ -74,6 +102,9 @@ private:
     int height_;
     int line_width_ = 1;
     std::vector<Stroke> strokes_;
+    Axis bottom_;
+    Axis left_;
+    std::optional<int> marker_;
     std::string image_path_;
 };
 

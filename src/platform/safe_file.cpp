@@ -213,6 +213,19 @@ bool SafeFile::fail(std::string reason) {
     return false;
 }
 
+bool sync_file(const fs::path& path) {
+#ifdef _WIN32
+    std::FILE* file = _wfopen(path.c_str(), L"r+b");
+#else
+    std::FILE* file = std::fopen(path.c_str(), "r+b");
+#endif
+    if (file == nullptr) {
+        return false;
+    }
+    const bool there = put_on_disk(file);
+    return std::fclose(file) == 0 && there;
+}
+
 std::string replace_file(const fs::path& path, std::string_view text) {
     SafeFile file(path);
     file.write(text);

@@ -42,6 +42,9 @@ private:
     std::string failure_;
 };
 
+// Brings what was written to a file so far onto the disk, past the system's buffers. False when that cannot be done.
+bool sync_file(const std::filesystem::path& path);
+
 // The whole of a small file at once. Returns an empty text, or the reason why it could not be written. Line ends are
 // written as given.
 std::string replace_file(const std::filesystem::path& path, std::string_view text);
