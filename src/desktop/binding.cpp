@@ -23,6 +23,7 @@
 #include <QRadioButton>
 #include <QScrollBar>
 #include <QSignalBlocker>
+#include <QTextCursor>
 #include <QToolTip>
 
 #include <array>
@@ -376,8 +377,22 @@ QWidget* Binding::make_text_area(platform::TextBox& control) {
     area->setReadOnly(true);
     area->setTabChangesFocus(true);
     bind_custom(control, area, [&control, area](Property property) {
-        if (property == Property::text && area->toPlainText() != qt(control.text())) {
-            area->setPlainText(qt(control.text()));
+        if (property != Property::text) {
+            return;
+        }
+        const QString text = qt(control.text());
+        const QString shown = area->toPlainText();
+        if (!shown.isEmpty() && text.startsWith(shown)) { // what is selected or scrolled to stays so
+            const QScrollBar* bar = area->verticalScrollBar();
+            const bool at_end = bar->value() == bar->maximum();
+            QTextCursor end(area->document());
+            end.movePosition(QTextCursor::End);
+            end.insertText(text.mid(shown.size()));
+            if (at_end) {
+                area->verticalScrollBar()->setValue(bar->maximum());
+            }
+        } else if (text != shown) {
+            area->setPlainText(text);
         }
     });
     return area;

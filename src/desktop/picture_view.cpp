@@ -3,6 +3,7 @@
 #include "desktop/qt_text.h"
 #include "desktop/theme.h"
 
+#include <QMouseEvent>
 #include <QPainter>
 #include <QResizeEvent>
 
@@ -57,7 +58,16 @@ private:
 
 } // namespace
 
-PictureView::PictureView(Picture& picture) : picture_(picture) { setMinimumSize(80, 60); }
+PictureView::PictureView(Picture& picture) : picture_(picture) {
+    setMinimumSize(80, 60);
+    setMouseTracking(static_cast<bool>(picture_.pointed_at));
+}
+
+void PictureView::mouseMoveEvent(QMouseEvent* event) {
+    if (picture_.pointed_at) {
+        picture_.pointed_at(event->pos().x(), event->pos().y());
+    }
+}
 
 void PictureView::resizeEvent(QResizeEvent* event) { picture_.resize(event->size().width(), event->size().height()); }
 
@@ -91,6 +101,9 @@ void PictureView::paint_strokes(QPainter& painter) {
     Replay replay(painter, devicePixelRatioF());
     for (const Picture::Stroke& stroke : picture_.strokes()) {
         std::visit(replay, stroke);
+    }
+    if (picture_.marker()) {
+        replay(Picture::Line{*picture_.marker(), 0, *picture_.marker(), picture_.height(), platform::palette[7], 1});
     }
 }
 

@@ -312,7 +312,7 @@ void Dyno::show_axes() {
     const DynoLimits limits = drawn_ ? drawn_->limits : limits_;
     const float scale = drawn_ ? drawn_->scale : first_scale * headroom;
     platform::Picture::Axis rpm{"Engine speed, rpm", {}};
-    platform::Picture::Axis figure{"Torque figure, rpm/s, and power figure", {}};
+    platform::Picture::Axis figure{"Torque and power figures", {}};
     constexpr int parts = 5;
     for (int i = 0; i <= parts; ++i) {
         const double at = static_cast<double>(i) / parts;

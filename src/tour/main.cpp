@@ -53,6 +53,7 @@ public:
         view(forms.frm_ecu.Command3d7, forms.frm_2d.form);
         view(forms.frm_ecu.Command3d3, forms.frm_plotter.form, [&] { chart(forms); });
         view(forms.frm_ecu.Command3, forms.frm_diagnostics.form);
+        view(forms.frm_ecu.Command3, forms.frm_diagnostics.form, [&] { diagnostics(forms); });
         std::cout << pictures_ << " pictures in " << std::filesystem::weakly_canonical(folder_).string() << '\n';
         if (answers_.failures() > 0) {
             std::cerr << "ecu-tour: " << answers_.failures() << " time(s) something failed, as told above\n";
@@ -151,6 +152,18 @@ private:
         }
         wait(8);
         picture(forms.frm_plotter.form, "_running");
+    }
+
+    void diagnostics(ecu::console::Forms& forms) {
+        forms.frm_diagnostics.diags_tab.set_current(2);
+        forms.frm_diagnostics.arm_capture.press();
+        forms.frm_diagnostics.get_wheel_plot_data.press();
+        wait(0.5F);
+        picture(forms.frm_diagnostics.form, "_wheel");
+        forms.frm_diagnostics.diags_tab.set_current(3);
+        forms.frm_diagnostics.dyno_plot.press();
+        wait(0.5F);
+        picture(forms.frm_diagnostics.form, "_dyno");
     }
 
     DesktopConsole& desktop_;

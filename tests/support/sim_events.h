@@ -40,6 +40,9 @@ public:
     std::string date_text() const override { return "03-05-2021"; }
     std::string time_text() const override;
 
+    // Time passes with nothing happening in it: what falls due waits for the next call that lets events through.
+    void let_time_pass(Microseconds time) { move_clock(now_ + time); }
+
     void process_events() override;                    // what is due now, in order
     void wait_for_events(float wait_seconds) override; // to the next event or the time-out, and what is due then
 

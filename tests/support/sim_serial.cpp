@@ -1,6 +1,7 @@
 #include "support/sim_serial.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace ecu::test {
 
@@ -11,7 +12,7 @@ Bytes take_front(std::deque<std::uint8_t>& from, std::size_t at_most) {
     return bytes;
 }
 
-std::string SimSerialLine::open(int number, int baud) {
+std::string SimSerialLine::open(int number, int baud, const void* owner) {
     tried_.push_back(number);
     if (open_) {
         return "the port is open already";
@@ -23,6 +24,7 @@ std::string SimSerialLine::open(int number, int baud) {
         return "there is no device";
     }
     open_ = true;
+    owner_ = owner;
     lost_ = false;
     number_ = number;
     ++openings_;
@@ -40,11 +42,14 @@ void SimSerialLine::unplug() {
 
 void SimSerialLine::reopen_lost() {
     if (lost_ && !open_) {
-        open(number_, baud_);
+        open(number_, baud_, owner_);
     }
 }
 
-void SimSerialLine::close() {
+void SimSerialLine::close(const void* owner) {
+    if (owner != owner_) {
+        return;
+    }
     open_ = false;
     lost_ = false;
     ++opening_;
@@ -66,9 +71,36 @@ void SimSerialLine::receive(std::span<const std::uint8_t> bytes, double after_se
     input_free_ = due;
 }
 
+std::size_t SimSerialLine::waiting() const {
+    if (stalled_) {
+        return waiting_at_stall_ + held_.size();
+    }
+    const Microseconds left = std::max(Microseconds{0}, output_free_ - events_.now());
+    return pace_ == 0 ? 0 : static_cast<std::size_t>((left + byte_time() - 1) / byte_time());
+}
+
+void SimSerialLine::stall() {
+    waiting_at_stall_ = waiting();
+    stalled_ = true;
+}
+
+void SimSerialLine::go_on() {
+    stalled_ = false;
+    write(std::exchange(held_, {}));
+}
+
+void SimSerialLine::drain(double seconds) {
+    const Microseconds whole = to_microseconds(seconds);
+    events_.let_time_pass(stalled_ ? whole : std::clamp(output_free_ - events_.now(), Microseconds{0}, whole));
+}
+
 void SimSerialLine::write(std::span<const std::uint8_t> bytes) {
-    reopen_lost();
-    if (!open_ || !peer) {
+    if (!open_ || !peer || bytes.empty()) {
+        return;
+    }
+    most_waiting_ = std::max(most_waiting_, waiting());
+    if (stalled_) {
+        held_.insert(held_.end(), bytes.begin(), bytes.end());
         return;
     }
     if (pace_ == 0) {

@@ -39,9 +39,19 @@ public:
     int baud() const { return baud_; }
     const std::vector<int>& tried() const { return tried_; } // port numbers in the order of open calls
 
-    // The console's side.
-    std::string open(int number, int baud);
-    void close();
+    // The wire takes nothing more, until it goes on with what waits.
+    void stall();
+    void go_on();
+    std::size_t waiting() const; // towards the peer
+    // The most that waited as a write came.
+    std::size_t most_waiting() const { return most_waiting_; }
+
+    // The console's side. Of several ports on the line the one that opened it has it, until that one closes it.
+    std::string open(int number, int baud, const void* owner = nullptr);
+    void close(const void* owner);
+    void close() { close(owner_); }
+    bool is_open(const void* owner) const { return open_ && owner == owner_; }
+    void drain(double seconds);
     void write(std::span<const std::uint8_t> bytes);
     std::size_t available() const { return input_.size(); }
     Bytes read(std::size_t at_most) { return take_front(input_, at_most); }
@@ -58,6 +68,11 @@ private:
     std::uint32_t openings_ = 0;
     int baud_ = 0;
     int opening_ = 0; // counts open and close, so that bytes of an earlier opening are known
+    const void* owner_ = nullptr;
+    bool stalled_ = false;
+    Bytes held_; // written while the wire stalls
+    std::size_t waiting_at_stall_ = 0;
+    std::size_t most_waiting_ = 0;
     std::map<int, std::string> failures_;
     std::vector<int> tried_;
     std::deque<std::uint8_t> input_;
@@ -68,16 +83,21 @@ private:
 class SimSerialPort final : public platform::SerialPort {
 public:
     explicit SimSerialPort(SimSerialLine& line) : line_(line) {}
-    std::string open(int number, int baud) override { return line_.open(number, baud); }
-    void close() override { line_.close(); }
-    bool is_open() const override { return line_.is_open(); }
-    void write(std::span<const std::uint8_t> bytes) override { line_.write(bytes); }
+    std::string open(int number, int baud) override { return line_.open(number, baud, this); }
+    void close() override { line_.close(this); }
+    bool is_open() const override { return line_.is_open(this); }
+    void write(std::span<const std::uint8_t> bytes) override {
+        line_.reopen_lost();
+        if (is_open()) {
+            line_.write(bytes);
+        }
+    }
     void reopen_lost() override { line_.reopen_lost(); }
     std::uint32_t openings() const override { return line_.openings(); }
-    std::size_t available() const override { return line_.available(); }
-    Bytes read(std::size_t at_most) override { return line_.read(at_most); }
-    std::size_t output_pending() const override { return 0; }
-    void drain_output(int) override {}
+    std::size_t available() const override { return is_open() ? line_.available() : 0; }
+    Bytes read(std::size_t at_most) override { return is_open() ? line_.read(at_most) : Bytes(); }
+    std::size_t output_pending() const override { return is_open() ? line_.waiting() : 0; }
+    void drain_output(int milliseconds) override { line_.drain(milliseconds / 1000.0); }
     std::string device_of(int number) const override { return "/dev/sim" + std::to_string(number); }
 
 private:

@@ -33,6 +33,8 @@ void DesktopConsole::add_windows() {
     add(forms.frm_autotune, make_frm_autotune_window);
     add(forms.frm_remote_ip, make_frm_remote_ip_window);
     add(forms.frm_server, make_frm_server_window);
+    add(forms.frm_diagnostics, make_frm_diagnostics_window);
+    add(forms.sflash, make_sflash_window);
 }
 
 } // namespace ecu::desktop

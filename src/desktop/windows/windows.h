@@ -40,6 +40,12 @@ struct FrmAutotune;
 namespace ecu::configuration {
 struct FrmTool;
 }
+namespace ecu::diagnostics {
+struct FrmDiagnostics;
+}
+namespace ecu::flash {
+struct FrmSflash;
+}
 
 namespace ecu::desktop {
 
@@ -60,5 +66,7 @@ std::unique_ptr<FormWindow> make_frm_sup_window(maps::FrmSup& form, QtHost& host
 std::unique_ptr<FormWindow> make_frm_autotune_window(autotune::FrmAutotune& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_remote_ip_window(link::FrmRemoteIp& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_server_window(link::FrmServer& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_diagnostics_window(diagnostics::FrmDiagnostics& form, QtHost& host);
+std::unique_ptr<FormWindow> make_sflash_window(flash::FrmSflash& form, QtHost& host);
 
 } // namespace ecu::desktop
