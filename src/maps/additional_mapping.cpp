@@ -180,6 +180,8 @@ void AdditionalMapping::prepare_window() {
     }
     form_.ego_sp_graph.clear();
     form_.ego_sp_graph.refresh();
+    form_.inj_pw.set_text("");
+    form_.ign_deg.set_text("");
 }
 
 bool AdditionalMapping::read_everything() {
@@ -205,8 +207,13 @@ bool AdditionalMapping::read_everything() {
 void AdditionalMapping::focus_shown_page() {
     const auto shown = static_cast<std::size_t>(form_.map_tabs.current());
     for (const std::string_view key : reading_order) {
-        if (const CorrectionCurve& curve = curve_of(key); curve.page == shown) {
-            (form_.*curve.boxes)[0].set_focus();
+        const CorrectionCurve& curve = curve_of(key);
+        if (curve.page != shown) {
+            continue;
+        }
+        Frm2d::Nine& boxes = form_.*curve.boxes;
+        if (const auto box = std::ranges::find_if(boxes, &platform::TextBox::enabled); box != boxes.end()) {
+            box->set_focus();
             return;
         }
     }
@@ -242,6 +249,9 @@ void AdditionalMapping::offer_resets() {
 }
 
 void AdditionalMapping::reset_curve(const CorrectionCurve& curve) {
+    if (!(form_.*curve.boxes)[0].enabled()) { // the controller does not have this function
+        return;
+    }
     if (ask_caution(ports_.dialogs, question)) {
         for (platform::TextBox& box : form_.*curve.boxes) {
             box.set_text(curve.reset_text);

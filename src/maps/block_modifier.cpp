@@ -112,6 +112,9 @@ void BlockModifier::apply(CellOperation operation) {
         return;
     }
     platform::Grid& grid = *grids_[static_cast<std::size_t>(table - block_tables.begin())];
+    if (grid.locked()) { // it is being read
+        return;
+    }
     const Repaint repaint(grid);
     for (int i = 0; i < cells_of(grid); ++i) {
         if (!selection_.contains(row_of(grid, i), column_of(grid, i)) ||

@@ -112,6 +112,18 @@ struct FrmSup {
         for (auto& modes : gpo_mode) {
             tip(modes, "Mapping Input Source");
         }
+        tip(dont_interpolate, "If checked, the duty steps from cell to cell instead of changing smoothly between them");
+        tip(GPO_tbl, "The duty of the output, in percent, at each point of its two axes");
+        tip(boost_gpo, "What the boost control aims at, in kPa or % duty, at each point of its two axes");
+        tip(gpo_words, "What the output does, as the choices on this page stand");
+        tip(gpo_now, "What the output did at the last reply of the controller");
+        tip(boost_words, "What the boost control does, as the choices on this page stand");
+        tip(pending_on_page, "Values of this page that Update will send");
+        tip(gpo_map_holder, "The duty map of the output");
+        tip(GPO_params, "An output driver and its boost control");
+        for (platform::Shape* marker : {&supp_x_ptr, &supp_y_ptr, &boost_x_ptr, &boost_y_ptr}) {
+            marker->set_tool_tip("Where the engine runs now");
+        }
         tip(cool_rly_temp, "The coolant temperature at which the relay switches");
         tip(rpm_switch, "GPO will turn full on at or above this RPM");
         tip(boost_p, "Servo proportional term.");

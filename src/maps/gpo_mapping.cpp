@@ -19,8 +19,7 @@ constexpr int cells_per_side = 9;
 
 constexpr const calibration::Parameter& modes = parameter("GPOS");
 constexpr const calibration::Parameter& flags = parameter("BOFG");
-// What the values of a page are counted under.
-constexpr std::array<std::string_view, 4> pages{"GPO1", "GPO2", "GPO3", "GPO4"};
+constexpr auto& pages = FrmSup::tab_captions; // what the values of a page are counted under
 constexpr std::int32_t invert_flag = 1;
 constexpr std::int32_t as_pwm_flag = 2;
 
@@ -64,6 +63,11 @@ GpoMapping::GpoMapping(const platform::Ports& ports, link::SharedState& state, l
                .update_waits = {.before = 0.1F, .after = 0.1F},
                .prepare = [this] { prepare_window(); },
                .read = [this] { return read_everything(); },
+               .allow =
+                   [this](bool allowed) {
+                       allowed_ = allowed;
+                       lock_what_is_unread();
+                   },
                .redraw = [this] { show_pages(); },
                .ready =
                    [this] {
@@ -91,6 +95,7 @@ GpoMapping::GpoMapping(const platform::Ports& ports, link::SharedState& state, l
         wire_switches(n);
         wire_tables(n, selection);
     }
+    lock_what_is_unread();
     relabel_gpo_axes();
 }
 
@@ -183,18 +188,15 @@ CustomItem GpoMapping::mode_item(std::size_t n) {
                 },
             .open =
                 [this, n](bool demo) {
-                    if (demo && chosen(form_.gpo_mode[n]) < 0) {
+                    if (!demo) { // an earlier reading would look as if it were this controller's
+                        clear_choice(n);
+                        form_.dont_interpolate[n].set_checked(false);
+                        gpo_mode_byte_[n] = 0;
+                    } else if (chosen(form_.gpo_mode[n]) < 0) {
                         form_.gpo_mode[n][0].set_checked(true);
                     }
                     form_.gpo_mode[n][0].set_fore_colour(platform::black);
                     mode_read_[n] = demo;
-                },
-            .lock =
-                [this, n](bool locked) {
-                    for (platform::OptionButton& option : form_.gpo_mode[n]) {
-                        option.set_enabled(!locked);
-                    }
-                    form_.dont_interpolate[n].set_enabled(!locked);
                 },
             .unread = [this, n] { return mode_read_[n] ? 0 : 1; },
             .row = &modes};
@@ -211,16 +213,35 @@ CustomItem GpoMapping::flags_item(std::size_t n) {
                 },
             .open =
                 [this, n](bool demo) {
+                    if (!demo) {
+                        form_.boost_ctrl_invert[n].set_checked(false);
+                        form_.use_as_pwm[n].set_checked(false);
+                    }
                     form_.boost_ctrl_invert[n].set_fore_colour(platform::black);
                     flags_read_[n] = demo;
                 },
-            .lock =
-                [this, n](bool locked) {
-                    form_.boost_ctrl_invert[n].set_enabled(!locked);
-                    form_.use_as_pwm[n].set_enabled(!locked);
-                },
             .unread = [this, n] { return flags_read_[n] ? 0 : 1; },
             .row = &flags};
+}
+
+void GpoMapping::clear_choice(std::size_t n) {
+    for (platform::OptionButton& option : form_.gpo_mode[n]) {
+        option.set_checked(false);
+    }
+}
+
+// What is clicked beside an unknown half would look pending and never go out; and a boost cell whose unit is unknown
+// cannot be entered.
+void GpoMapping::lock_what_is_unread() {
+    for (std::size_t n = 0; n < channels; ++n) {
+        for (platform::OptionButton& option : form_.gpo_mode[n]) {
+            option.set_enabled(allowed_ && mode_read_[n]);
+        }
+        form_.dont_interpolate[n].set_enabled(allowed_ && mode_read_[n]);
+        form_.boost_ctrl_invert[n].set_enabled(allowed_ && flags_read_[n]);
+        form_.use_as_pwm[n].set_enabled(allowed_ && flags_read_[n]);
+        form_.boost_gpo[n].set_locked(!allowed_ || !flags_read_[0]);
+    }
 }
 
 // A mode that no option stands for is the controller's, and stays with it.
@@ -233,10 +254,16 @@ std::int32_t GpoMapping::chosen_mode_byte(std::size_t n) const {
 std::string GpoMapping::cell_place(std::size_t n, bool boost, int row, int column) const {
     const auto x = static_cast<std::size_t>(column - 1);
     const auto y = static_cast<std::size_t>(cells_per_side - row);
-    return boost ? form_.boost_x_text[n].text() + " " + form_.GPO_boost_X_lbl[n][x].text() + ", " +
-                       form_.boost_y_text[n].text() + " " + form_.GPO_boost_Y_lbl[n][y].text()
-                 : form_.gpo_x_text[n].text() + " " + form_.GPO_X_lbl[n][x].text() + ", " + form_.gpo_y_text[n].text() +
-                       " " + form_.GPO_Y_lbl[n][y].text();
+    if (boost) {
+        return form_.boost_x_text[n].text() + " " + form_.GPO_boost_X_lbl[n][x].text() + ", " +
+               form_.boost_y_text[n].text() + " " + form_.GPO_boost_Y_lbl[n][y].text();
+    }
+    const ModeAxes axes = mode_axes(gpo_mode_byte_[n], scales_);
+    if (!axes.has_map()) {
+        return "row " + std::to_string(row) + ", column " + std::to_string(column);
+    }
+    const std::string upward = form_.gpo_y_text[n].text() + " " + form_.GPO_Y_lbl[n][y].text();
+    return axes.one_column() ? upward : form_.gpo_x_text[n].text() + " " + form_.GPO_X_lbl[n][x].text() + ", " + upward;
 }
 
 // -- Opening
@@ -248,6 +275,8 @@ void GpoMapping::prepare_window() {
             label->set_text("");
         }
     }
+    unit_changed_ = {};
+    relabel_gpo_axes();
 }
 
 // The page of a box or map that a message speaks of.
@@ -271,7 +300,11 @@ bool GpoMapping::read_everything() {
         return false;
     }
     relabel_gpo_axes();
-    return read_maps(output_maps) && editor_.ask(read_request(217)) && read_maps(boost_maps);
+    if (!read_maps(output_maps) || !editor_.ask(read_request(217))) {
+        return false;
+    }
+    // Without the flag no one knows what the bytes mean; they wait for the second read that brings it.
+    return !(flags_read_[0] || state_.demo_mode) || read_maps(boost_maps);
 }
 
 // -- Axes
@@ -322,9 +355,7 @@ void GpoMapping::follow_reply(const calibration::Parameter& row, int i) {
         gpo_mode_byte_[n] = image_.raw(row, i);
         mode_read_[n] = true;
         if ((gpo_mode_byte_[n] & calibration::output_mode_mask) > two_wire_idle) {
-            for (platform::OptionButton& option : form_.gpo_mode[n]) {
-                option.set_checked(false); // an older choice would look as if it were the controller's
-            }
+            clear_choice(n); // an older choice would look as if it were the controller's
         }
     } else if (&row == &flags) {
         flags_read_[static_cast<std::size_t>(i)] = true;
@@ -334,7 +365,11 @@ void GpoMapping::follow_reply(const calibration::Parameter& row, int i) {
     if (cells_are_duty_ != scales_.boost_as_pwm) {
         cells_are_duty_ = scales_.boost_as_pwm;
         show_boost_cells_anew();
+        for (std::size_t n = 0; n < channels; ++n) {
+            unit_changed_[n] = pending_cells(form_.boost_gpo[n]) > 0;
+        }
     }
+    lock_what_is_unread();
     relabel_gpo_axes();
     move_markers();
     editor_.changed();
@@ -361,13 +396,7 @@ void GpoMapping::show_pages() {
     const auto groups = editor_.pending_by_group();
     for (std::size_t n = 0; n < channels; ++n) {
         form_.gpo_words[n].set_text(mode_read_[n] ? words_of_output(n) : "Not read yet.");
-        const bool unsent = flags_pending(n) || form_.boost_enable_press[n].is_pending();
-        const std::string boost = boost_in_words({.as_pwm = form_.use_as_pwm[n].checked(),
-                                                  .invert = form_.boost_ctrl_invert[n].checked(),
-                                                  .cells_are_duty = scales_.boost_as_pwm,
-                                                  .first_channel = n == 0,
-                                                  .enable_pressure = form_.boost_enable_press[n].text()});
-        form_.boost_words[n].set_text(!flags_read_[n] ? "Not read yet." : (unsent ? "Not sent yet: " : "") + boost);
+        form_.boost_words[n].set_text(words_of_boost(n));
         const auto group = std::ranges::find(groups, pages[n], &GroupCount::group);
         const int pending = group == groups.end() ? 0 : group->pending;
         form_.pending_on_page[n].set_text(pending == 0 ? "" : std::to_string(pending) + " pending");
@@ -381,11 +410,32 @@ std::string GpoMapping::words_of_output(std::size_t n) const {
     std::string words = unsent ? "Not sent yet: " : "";
     words += output_in_words(mode, form_.dont_interpolate[n].checked(), form_.cool_rly_temp[n].text(),
                              form_.rpm_switch[n].text());
-    const auto stored =
-        static_cast<std::size_t>(image_.raw(modes, static_cast<int>(n)) & calibration::output_mode_mask);
-    if (unsent && !state_.demo_mode && stored != static_cast<std::size_t>(mode) &&
-        stored < FrmSup::mode_captions.size()) {
-        words += " The controller still has \"" + std::string(FrmSup::mode_captions[stored]) + "\".";
+    const int stored = image_.raw(modes, static_cast<int>(n)) & calibration::output_mode_mask;
+    if (unsent && !state_.demo_mode && stored != mode) {
+        words += " The controller still has " +
+                 (stored > two_wire_idle
+                      ? "mode " + std::to_string(stored)
+                      : "\"" + std::string(FrmSup::mode_captions[static_cast<std::size_t>(stored)]) + "\"") +
+                 ".";
+    }
+    return words;
+}
+
+std::string GpoMapping::words_of_boost(std::size_t n) {
+    const int pending = pending_cells(form_.boost_gpo[n]);
+    unit_changed_[n] = unit_changed_[n] && pending > 0;
+    if (!flags_read_[n]) {
+        return "Not read yet.";
+    }
+    std::string words = flags_pending(n) || form_.boost_enable_press[n].is_pending() ? "Not sent yet: " : "";
+    words += boost_in_words({.as_pwm = form_.use_as_pwm[n].checked(),
+                             .invert = form_.boost_ctrl_invert[n].checked(),
+                             .cells_are_duty = scales_.boost_as_pwm,
+                             .first_channel = n == 0,
+                             .enable_pressure = form_.boost_enable_press[n].text()});
+    if (unit_changed_[n]) {
+        words += " " + std::to_string(pending) + (pending == 1 ? " pending cell is" : " pending cells are") +
+                 " now read as " + (scales_.boost_as_pwm ? "% duty." : "kPa.");
     }
     return words;
 }

@@ -39,6 +39,8 @@ private:
     void add_items();
     CustomItem mode_item(std::size_t n);
     CustomItem flags_item(std::size_t n);
+    void clear_choice(std::size_t n);
+    void lock_what_is_unread();
     std::string cell_place(std::size_t n, bool boost, int row, int column) const;
     void prepare_window();
     void reveal(const platform::Control& control);
@@ -56,6 +58,7 @@ private:
     }
     void show_pages(); // words and counts
     std::string words_of_output(std::size_t n) const;
+    std::string words_of_boost(std::size_t n);
     void move_markers();
 
     const platform::Ports& ports_;
@@ -68,7 +71,10 @@ private:
     // Whether a reply has told the modes and flags since the opening. They look alike before and after.
     std::array<bool, channels> mode_read_{};
     std::array<bool, channels> flags_read_{};
+    bool allowed_ = true;         // no opening read runs
     bool cells_are_duty_ = false; // the unit in which the confirmed boost cells are shown
+    // The unit changed under pending boost cells, whose digits stayed.
+    std::array<bool, channels> unit_changed_{};
     Editor editor_;
 };
 

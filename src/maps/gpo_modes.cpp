@@ -2,7 +2,6 @@
 
 #include "calibration/parameters.h"
 #include "platform/display_mask.h"
-#include "platform/rounding.h"
 
 #include <algorithm>
 #include <array>
@@ -126,8 +125,9 @@ std::string output_in_words(int mode, bool dont_interpolate, std::string_view re
 }
 
 std::string output_now_in_words(float duty_percent, float rpm) {
-    const int duty = platform::round_to_even(duty_percent);
-    const std::string state = duty <= 0 ? "off" : duty >= 100 ? "fully on" : "at " + std::to_string(duty) + " % duty";
+    const std::string state = duty_percent <= 0     ? "off"
+                              : duty_percent >= 100 ? "fully on"
+                                                    : "at " + platform::masked(duty_percent, "##0.0") + " % duty";
     return "Now " + state + ", at " + platform::masked(rpm, "####0") + " rpm.";
 }
 

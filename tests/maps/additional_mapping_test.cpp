@@ -343,6 +343,8 @@ TEST_F(AdditionalMapping, OpeningReadsButNeverEnablesWhatTheControllerDoesNotHav
     frm_2d.menureset.click();
     EXPECT_FALSE(frm_2d.menuresetidle.enabled() || frm_2d.menuresetcoolant.enabled());
     EXPECT_TRUE(frm_2d.menuresetaccel.enabled());
+    frm_2d.menuresetcoolant.clicked(); // by what is behind the menu it asks nothing and resets nothing
+    EXPECT_FALSE(box("clt_map", 0).is_pending());
     capabilities.apply(0x0700);
     frm_2d.menureset.click();
     EXPECT_TRUE(frm_2d.menuresetidle.enabled() && box("idle_rpm_map", 0).enabled());

@@ -88,6 +88,10 @@ TEST_F(BlockModifier, WhatWasNeverReadIsNoOperandButCanBeSet) {
     run(CellOperation::set_all);
     EXPECT_EQ(fuel(5, 5), "1.000");
     EXPECT_FALSE(frm_3d.inj_map.cell_unread(5, 5));
+    frm_3d.inj_map.set_locked(true); // while it is being read
+    dialog.set_value.set_text("3");
+    run(CellOperation::set_all);
+    EXPECT_EQ(fuel(5, 5), "1.000");
 }
 
 TEST_F(BlockModifier, TheAnchorIsDrawnUntilTheBlockIsTakenAndAKeyedBlockIsTakenAsItIs) {
@@ -136,6 +140,7 @@ TEST_F(BlockModifier, EachTableWritesBackThroughItsOwnMask) {
          {13, &console.forms.frm_sup.boost_gpo[3], "1.50"}}};
     dialog.set_value.set_text("1.5");
     for (const auto& [id, grid, text] : cases) {
+        grid->set_locked(false); // as after its opening read
         console.block_selection.anchor_at(9, 1);
         console.block_selection.end_at(8, 2);
         console.block_selection.take(id, *grid);

@@ -260,6 +260,9 @@ TEST_F(GpoMapping, TheFirstChannelsStoredFlagGovernsAllBoostCellsAndEachBoxItsOw
     EXPECT_EQ(form.boost_gpo[2].cell_back(5, 5), platform::confirmed);
     EXPECT_EQ(form.boost_gpo[2].cell_text(9, 1), "12"); // the tuner's own
     EXPECT_TRUE(form.boost_gpo[2].cell_pending(9, 1));
+    desktop.run_for(0.01);
+    EXPECT_THAT(form.boost_words[2].text(), testing::EndsWith(" 1 pending cell is now read as % duty."));
+    EXPECT_THAT(form.boost_words[3].text(), testing::Not(HasSubstr("pending cell")));
     EXPECT_THAT(update(), testing::Contains(Bytes{'e', 0, 0x0A, 31})); // 12 % of 255
     EXPECT_EQ(form.boost_gpo[2].cell_text(9, 1), "12.1");
 }
@@ -271,6 +274,10 @@ TEST_F(GpoMapping, AModeThatTheConsoleDoesNotKnowIsToldAndKept) {
     EXPECT_EQ(platform::chosen(form.gpo_mode[0]), -1);
     EXPECT_FALSE(form.gpo_map_holder[0].visible());
     EXPECT_THAT(form.gpo_words[0].text(), HasSubstr("Mode 13 is not known"));
+    form.gpo_mode[0][0].click();
+    desktop.run_for(0.01);
+    EXPECT_EQ(form.gpo_words[0].text(), "Not sent yet: Off at all times. The controller still has mode 13.");
+    exchange({171, 0, 13, 0}, 5);
     form.dont_interpolate[0].click();
     EXPECT_THAT(update(), testing::Contains(Bytes{171, 0, 128 + 13, 0}));
     form.gpo_mode[0][0].click();
@@ -284,7 +291,7 @@ TEST_F(GpoMapping, MarksCountOnTheirPageAndGoWithTheEchoOrTheNextOpening) {
     form.use_as_pwm[3].click();
     form.GPO_tbl[2].set_cell_text(1, 9, "7"); // of a hidden map
     desktop.run_for(0.01);
-    EXPECT_EQ(form.map_status.text(), "4 values pending: GPO2 2, GPO3 1, GPO4 1");
+    EXPECT_EQ(form.map_status.text(), "4 values pending: GPO 2 2, GPO 3 1, GPO 4 1");
     EXPECT_EQ(form.pending_on_page[0].text(), "");
     EXPECT_EQ(form.pending_on_page[1].text(), "2 pending");
     EXPECT_EQ(form.pending_on_page[2].text(), "1 pending");
@@ -307,7 +314,11 @@ TEST_F(GpoMapping, MarksCountOnTheirPageAndGoWithTheEchoOrTheNextOpening) {
 TEST_F(GpoMapping, SwitchesThatNoReplyHasToldAreNotSentWithTheirUnknownHalf) {
     console.link_selection.open_comm_link();
     form.dont_interpolate[0].click();
+    form.gpo_mode[2][4].click();
     form.use_as_pwm[1].click();
+    EXPECT_NE(form.gpo_mode[0][0].fore_colour(), pending); // nothing looks pending that would not go out
+    EXPECT_NE(form.gpo_mode[2][0].fore_colour(), pending);
+    EXPECT_NE(form.boost_ctrl_invert[1].fore_colour(), pending);
     EXPECT_TRUE(update().empty());
     EXPECT_THAT(form.map_status.text(), HasSubstr("8 values not read"));
     exchange({170, 0, 0, 0}, 7);
@@ -315,6 +326,89 @@ TEST_F(GpoMapping, SwitchesThatNoReplyHasToldAreNotSentWithTheirUnknownHalf) {
     form.dont_interpolate[0].click();
     form.use_as_pwm[1].click();
     EXPECT_THAT(update(), ElementsAre(Bytes{171, 0, 128 + 1, 0}, Bytes{224, 1, 3, 0}));
+}
+
+TEST_F(GpoMapping, WithoutTheFlagsBoostCellsWaitForTheSecondReadWhichKeepsWhatIsPending) {
+    open();
+    form.Command3d1.press();
+    desktop.run_for(0.2);
+    bool lost = true;
+    wired.controller.on_request = [&](const link::Request& request) {
+        sent.emplace_back(request.begin() + 2, request.begin() + 6);
+        if (lost && request[2] == 217) {
+            wired.controller.faults().strike_next(controller::Fault::lost);
+        }
+    };
+    const auto ignore = [this](platform::Form&) { console.forms.frm_dialog.dialog_button[0].press(); };
+    desktop.on_modal("frm_Dialog", ignore);
+    console.navigation.open(link::View::gpo_mapping);
+    desktop.run_for(30);
+    EXPECT_FALSE(form.use_as_pwm[2].checked() || form.use_as_pwm[2].enabled()); // ticked at the first opening
+    EXPECT_TRUE(form.boost_gpo[3].locked() && form.boost_gpo[3].cell_unread(1, 1));
+    EXPECT_EQ(form.boost_words[2].text(), "Not read yet.");
+    form.gpo_mode[0][4].click();
+    const auto read_again = [this] {
+        sent.clear();
+        form.read_again.press();
+        desktop.run_for(30);
+        EXPECT_EQ(form.gpo_mode[0][0].fore_colour(), pending);
+        EXPECT_TRUE(form.gpo_mode[0][4].checked());
+        return sent;
+    };
+    desktop.on_modal("frm_Dialog", ignore);
+    EXPECT_THAT(read_again(), testing::Each(Bytes{217, 0, 0, 0}));
+    EXPECT_TRUE(form.boost_gpo[3].locked());
+    lost = false;
+    const auto messages = read_again();
+    EXPECT_EQ(messages.size(), 13U); // and the boost maps, whose unit is now known
+    EXPECT_EQ(messages.front(), (Bytes{217, 0, 0, 0}));
+    EXPECT_EQ(cell(form.boost_gpo[1], 40), "141.0");
+    EXPECT_FALSE(form.boost_gpo[3].locked());
+    EXPECT_TRUE(form.use_as_pwm[2].checked() && form.use_as_pwm[2].enabled());
+    EXPECT_EQ(form.map_status.text(), "1 value pending: GPO 1 1");
+}
+
+TEST_F(GpoMapping, WithoutTheModesAPageAssertsNone) {
+    open();
+    form.Command3d1.press();
+    desktop.run_for(0.2);
+    wired.controller.on_request = [&](const link::Request& request) {
+        if (request[2] == 170) {
+            wired.controller.faults().strike_next(controller::Fault::lost);
+        }
+    };
+    desktop.on_modal("frm_Dialog", [this](platform::Form&) { console.forms.frm_dialog.dialog_button[0].press(); });
+    console.navigation.open(link::View::gpo_mapping);
+    desktop.run_for(30);
+    EXPECT_EQ(form.gpo_words[1].text(), "Not read yet.");
+    EXPECT_EQ(platform::chosen(form.gpo_mode[1]), -1);
+    EXPECT_FALSE(form.dont_interpolate[1].checked() || form.gpo_mode[1][5].enabled());
+    EXPECT_EQ(console.gpo_mapping.gpo_mode_byte(1), 0);
+    EXPECT_FALSE(form.gpo_map_holder[1].visible());
+    EXPECT_EQ(form.GPO_tbl[1].place(3, 4), "row 3, column 4");
+}
+
+TEST_F(GpoMapping, ACellIsNamedByTheAxesOfItsMode) {
+    open();
+    EXPECT_EQ(form.GPO_tbl[0].place(9, 3), "RPM 2500, MAP 10.0");
+    EXPECT_EQ(form.GPO_tbl[3].place(9, 1), "IAC 0.0");
+    EXPECT_EQ(form.GPO_tbl[2].place(2, 7), "row 2, column 7");
+}
+
+TEST_F(GpoMapping, UpdateWaitsATenthAroundAndKeepsPollingOutOfIt) {
+    open();
+    form.dont_interpolate[0].click();
+    form.boost_ctrl_invert[3].click();
+    const double pressed = desktop.seconds();
+    double first = 0;
+    wired.controller.on_request = [&](const link::Request& request) {
+        EXPECT_TRUE(console.state.polling_paused);
+        first = request[2] == 171 ? desktop.seconds() : first;
+    };
+    form.Command3d2.press();
+    EXPECT_NEAR(first - pressed, 0.1, 0.02);
+    EXPECT_NEAR(desktop.seconds() - pressed, 0.2, 0.05);
+    EXPECT_FALSE(console.state.polling_paused);
 }
 
 TEST_F(GpoMapping, ExitAndAbortEndTheReadAndTheClosedWindowIsBlankAfterAbort) {
@@ -404,7 +498,11 @@ TEST_F(GpoMapping, MarkersAndDutiesFollowTheLiveValuesOfTheShownPage) {
     EXPECT_EQ(form.boost_x_ptr.left(), 1800);
     EXPECT_EQ(form.gpo_now[0].text(), "Now off, at 5000 rpm.");
     EXPECT_EQ(form.gpo_now[1].text(), "Now fully on, at 5000 rpm.");
-    EXPECT_EQ(form.gpo_now[2].text(), "Now at 45 % duty, at 5000 rpm.");
+    EXPECT_EQ(form.gpo_now[2].text(), "Now at 45.2 % duty, at 5000 rpm.");
+    console.live.gpo_duty = {0.3F, 99.7F, 0, 0}; // neither is off, nor fully on
+    console.gpo_mapping.refresh_live();
+    EXPECT_EQ(form.gpo_now[0].text(), "Now at 0.3 % duty, at 5000 rpm.");
+    EXPECT_EQ(form.gpo_now[1].text(), "Now at 99.7 % duty, at 5000 rpm.");
     form.GPO_tab.set_current(1);
     EXPECT_EQ(form.supp_x_ptr.left(), 1800); // MAT, half of its axis
     EXPECT_EQ(form.supp_y_ptr.top(), 2700);
@@ -433,6 +531,7 @@ TEST_F(GpoMapping, ThePageSaysInWordsWhatItsChannelDoes) {
     EXPECT_EQ(form.gpo_words[2].text(), "Not sent yet: Fully on at or above 6000 rpm, off below.");
     EXPECT_EQ(form.gpo_words[0].text(), "Not sent yet: Switches the coolant fan: on from 10 degrees of coolant. The "
                                         "controller still has \"X=RPM / Y=MAP\".");
+    EXPECT_THAT(form.boost_words[0].text(), testing::StartsWith("Not sent yet: Open loop"));
     EXPECT_THAT(form.boost_words[0].text(), HasSubstr("kPa by what the controller holds of \"Use open loop as PWM\", "
                                                       "until an Update has sent it."));
     update();

@@ -43,11 +43,21 @@ struct GpoWindow : testing::Test {
         window->setObjectName("frm_sup");
     }
     template <typename Widget> Widget& of(const char* name) { return named<Widget>(*window, name); }
+    // Axis captions and the lines of the frame speak for themselves.
+    static bool is_axis(const platform::Control& control) {
+        return control.name().find("_lbl") != std::string::npos || control.name().find("_text") != std::string::npos;
+    }
     std::string focus() const { return QApplication::focusWidget()->objectName().toStdString(); }
 };
 
 TEST_F(GpoWindow, IsCompleteAndEveryPageAndModeCanBeLookedAt) {
     expect_complete(*window);
+    for (const platform::Control* control : form.form.controls()) {
+        if (const QWidget* widget = window->binding().widget_of(*control);
+            widget != nullptr && control->kind() != platform::Kind::tabs && !is_axis(*control)) {
+            EXPECT_FALSE(widget->toolTip().isEmpty()) << control->full_name();
+        }
+    }
     for (std::size_t page = 0; page < 4; ++page) {
         form.GPO_tab.set_current(static_cast<int>(page));
         EXPECT_EQ(of<QTabWidget>("GPO_tab").currentIndex(), static_cast<int>(page));

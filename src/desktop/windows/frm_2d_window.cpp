@@ -202,12 +202,17 @@ void add_shortcuts(FormWindow& window, Frm2d& f) {
     for (int n = 0; n < 3; ++n) {
         auto* choose = new QShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + n)), &window);
         QObject::connect(choose, &QShortcut::activated, &window, [&f, n, box = first[static_cast<std::size_t>(n)]] {
-            f.map_tabs.set_current(n);
-            box->set_focus();
+            if (f.map_tabs.enabled()) { // an opening read leads through the pages itself
+                f.map_tabs.set_current(n);
+                box->set_focus();
+            }
         });
     }
     auto* to_grid = new QShortcut(QKeySequence(Qt::Key_F6), &window);
     QObject::connect(to_grid, &QShortcut::activated, &window, [&window, &f] {
+        if (!f.map_tabs.enabled()) {
+            return;
+        }
         QWidget* grid = window.binding().widget_of(f.lambda_sp_table);
         const bool in_grid = grid->isAncestorOf(window.focusWidget());
         f.map_tabs.set_current(static_cast<int>(maps::target_page));
