@@ -26,8 +26,10 @@
 #include <QTextCursor>
 #include <QToolTip>
 
+#include <algorithm>
 #include <array>
 #include <stdexcept>
+#include <utility>
 
 namespace ecu::desktop {
 
@@ -212,6 +214,23 @@ void Binding::refresh_common(Control& control, Bound& bound, Property property) 
     }
 }
 
+// A box that takes no entry waits for the next events: while many are read, their look takes no time from the line.
+void Binding::paint_later(const platform::TextBox& box) {
+    if (unpainted_.empty()) {
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                for (const platform::TextBox* waiting : std::exchange(unpainted_, {})) {
+                    paint_box(*waiting, *widget_of(*waiting));
+                }
+            },
+            Qt::QueuedConnection);
+    }
+    if (std::ranges::find(unpainted_, &box) == unpainted_.end()) {
+        unpainted_.push_back(&box);
+    }
+}
+
 void Binding::paint_colours(Control& control, QWidget& widget) {
     QPalette palette; // what is not set here comes from the theme
     const auto back = control.back_colour();
@@ -224,7 +243,8 @@ void Binding::paint_colours(Control& control, QWidget& widget) {
         if (static_cast<platform::TextBox&>(control).multi_line) {
             return; // read-only: no edit state to be told
         }
-        paint_box(static_cast<platform::TextBox&>(control), widget);
+        widget.isEnabled() ? paint_box(static_cast<platform::TextBox&>(control), widget)
+                           : paint_later(static_cast<platform::TextBox&>(control));
         return;
     case Kind::label:
     case Kind::check_box:

@@ -61,6 +61,7 @@ private:
     void refresh_common(platform::Control& control, Bound& bound, platform::Property property);
     static void name_by_text(const platform::Control& control, Bound& bound);
     void paint_colours(platform::Control& control, QWidget& widget);
+    void paint_later(const platform::TextBox& box);
     void move_focus(platform::Control* to);
     void mark(const platform::MenuItem& item, QAction& action);
 
@@ -77,6 +78,7 @@ private:
     std::unordered_map<const platform::Control*, Bound> bound_;
     std::unordered_map<const QObject*, platform::Control*> controls_;
     std::map<std::string, QButtonGroup*> groups_; // children of this object
+    std::vector<const platform::TextBox*> unpainted_;
     platform::Control* focused_ = nullptr;
 };
 
