@@ -18,8 +18,10 @@ public:
     // Element `i` of a row; 0 for a scalar. Outside the row throws std::out_of_range.
     std::int32_t raw(const Parameter& row, int i = 0) const;
     void store(const Parameter& row, int i, std::int32_t raw);
-    // Whether a reply has ever brought it.
+    // Whether a reply has brought it since the start, or since it was forgotten: a screen that reads anew must not take
+    // the value of an earlier reading for the controller's.
     bool known(const Parameter& row, int i = 0) const { return known_.at(place(row, i)); }
+    void forget(const Parameter& row, int i) { known_.at(place(row, i)) = false; }
 
     // The last byte that a reply brought for a cell of table memory. The editors show the cells and hold the tuner's
     // entries; this is what a setup file prints. An address outside the tables' memory throws std::out_of_range.

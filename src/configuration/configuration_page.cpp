@@ -26,7 +26,7 @@ std::string_view caption_of(calibration::Tab tab) {
 } // namespace
 
 ConfigurationPage::ConfigurationPage(const platform::Ports& ports, link::SharedState& state, link::EcuComm& comm,
-                                     const calibration::Scales& scales, const calibration::CalibrationImage& image,
+                                     const calibration::Scales& scales, calibration::CalibrationImage& image,
                                      messages::ParameterControls& controls, shell::Navigation& navigation,
                                      FrmTool& frm_tool)
     : state_(state), image_(image), controls_(controls), form_(frm_tool),
@@ -120,6 +120,13 @@ void ConfigurationPage::add_switches(const Parameter& row) {
         editor_.add(editing::CustomItem{
                         .pending = [this, &row, i, unread] { return controls_.pending(row, i) && !unread() ? 1 : 0; },
                         .send = send,
+                        .open =
+                            [this, &row, i](bool demo) {
+                                if (!demo) {
+                                    image_.forget(row, i);
+                                    controls_.choose_none(row, i); // a code may come that no option stands for
+                                }
+                            },
                         .unread = [unread] { return unread() ? 1 : 0; },
                         .row = &row},
                     {.group = caption_of(row.screen.tab)});

@@ -16,7 +16,7 @@ namespace ecu::configuration {
 class ConfigurationPage {
 public:
     ConfigurationPage(const platform::Ports& ports, link::SharedState& state, link::EcuComm& comm,
-                      const calibration::Scales& scales, const calibration::CalibrationImage& image,
+                      const calibration::Scales& scales, calibration::CalibrationImage& image,
                       messages::ParameterControls& controls, shell::Navigation& navigation, FrmTool& frm_tool);
 
     // What the buttons and Enter do. In demo mode nothing.
@@ -41,7 +41,7 @@ private:
     void show_marks();
 
     link::SharedState& state_;
-    const calibration::CalibrationImage& image_;
+    calibration::CalibrationImage& image_;
     messages::ParameterControls& controls_;
     FrmTool& form_;
     editing::Editor editor_;

@@ -196,7 +196,8 @@ CustomItem GpoMapping::mode_item(std::size_t n) {
                     }
                     form_.dont_interpolate[n].set_enabled(!locked);
                 },
-            .unread = [this, n] { return mode_read_[n] ? 0 : 1; }};
+            .unread = [this, n] { return mode_read_[n] ? 0 : 1; },
+            .row = &modes};
 }
 
 CustomItem GpoMapping::flags_item(std::size_t n) {
@@ -218,7 +219,8 @@ CustomItem GpoMapping::flags_item(std::size_t n) {
                     form_.boost_ctrl_invert[n].set_enabled(!locked);
                     form_.use_as_pwm[n].set_enabled(!locked);
                 },
-            .unread = [this, n] { return flags_read_[n] ? 0 : 1; }};
+            .unread = [this, n] { return flags_read_[n] ? 0 : 1; },
+            .row = &flags};
 }
 
 // A mode that no option stands for is the controller's, and stays with it.
@@ -358,12 +360,14 @@ void GpoMapping::show_boost_cells_anew() {
 void GpoMapping::show_pages() {
     const auto groups = editor_.pending_by_group();
     for (std::size_t n = 0; n < channels; ++n) {
-        form_.gpo_words[n].set_text(words_of_output(n));
-        form_.boost_words[n].set_text(boost_in_words({.as_pwm = form_.use_as_pwm[n].checked(),
-                                                      .invert = form_.boost_ctrl_invert[n].checked(),
-                                                      .cells_are_duty = scales_.boost_as_pwm,
-                                                      .first_channel = n == 0,
-                                                      .enable_pressure = form_.boost_enable_press[n].text()}));
+        form_.gpo_words[n].set_text(mode_read_[n] ? words_of_output(n) : "Not read yet.");
+        const bool unsent = flags_pending(n) || form_.boost_enable_press[n].is_pending();
+        const std::string boost = boost_in_words({.as_pwm = form_.use_as_pwm[n].checked(),
+                                                  .invert = form_.boost_ctrl_invert[n].checked(),
+                                                  .cells_are_duty = scales_.boost_as_pwm,
+                                                  .first_channel = n == 0,
+                                                  .enable_pressure = form_.boost_enable_press[n].text()});
+        form_.boost_words[n].set_text(!flags_read_[n] ? "Not read yet." : (unsent ? "Not sent yet: " : "") + boost);
         const auto group = std::ranges::find(groups, pages[n], &GroupCount::group);
         const int pending = group == groups.end() ? 0 : group->pending;
         form_.pending_on_page[n].set_text(pending == 0 ? "" : std::to_string(pending) + " pending");

@@ -219,6 +219,12 @@ void ParameterControls::show_switches(const Parameter& row, const Element& eleme
     }
 }
 
+void ParameterControls::choose_none(const Parameter& row, int i) {
+    for (OptionButton* option : at(row, i).options) {
+        option->set_checked(false);
+    }
+}
+
 bool ParameterControls::pending(const Parameter& row, int i) const {
     const Element& element = at(row, i);
     if (element.box != nullptr) {

@@ -19,6 +19,8 @@ public:
     void show_echo(const calibration::Parameter& row, int i, std::int32_t raw);
     void show_as(const calibration::Parameter& row, int i, std::int32_t raw, const calibration::Conversion& conversion);
 
+    // None of its options is chosen, as before a first reading.
+    void choose_none(const calibration::Parameter& row, int i);
     // Whether the user has changed it since: a yellow box; a yellow foreground or a tag among its switches.
     bool pending(const calibration::Parameter& row, int i) const;
     // The raw number that check boxes and options stand for. Where no option of a group is chosen, the controller's

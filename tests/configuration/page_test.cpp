@@ -301,6 +301,38 @@ TEST_F(ConfigurationPage, AnInputGroupWithNoOptionOfItsCodeKeepsTheCode) {
     EXPECT_THAT(update(), ElementsAre(Bytes{246, 0x93, 0x09, 0})); // 3 + 2 * 8 + 6 * 64 + 4 * 512
 }
 
+TEST_F(ConfigurationPage, NoChoiceOfAnEarlierReadingStandsForWhatTheControllerHoldsNow) {
+    open();
+    EXPECT_TRUE(page.EGO_type[1].checked());
+    page.exit_button.press();
+    desktop.run_for(1);
+    store(parameter("INPT_CGF"), 0, 5 + 2 * 8 + 3 * 64 + 1 * 512); // the first group's code has no option now
+    store(parameter("EGO_FLGS"), 0, 5);
+    open();
+    EXPECT_FALSE(page.EGO_type[0].checked() || page.EGO_type[1].checked() || page.EGO_type[2].checked());
+    page.map_sel_used_as[3].click();
+    const std::vector<Bytes> messages = update();
+    ASSERT_EQ(messages.size(), 1U);
+    EXPECT_EQ(messages[0][1] & 7, 5) << "the code that no option has goes back as it came";
+}
+
+TEST_F(ConfigurationPage, ASwitchWhoseReadingIsLostAtALaterOpeningIsNotSentByTheEarlierOne) {
+    open();
+    page.exit_button.press();
+    desktop.run_for(1);
+    on_request = [this](std::uint8_t code) {
+        if (code == 127) {
+            on_request = nullptr;
+            wired.controller.faults().strike_next(controller::Fault::lost, 10);
+        }
+    };
+    press_in_dialog(0);
+    open();
+    EXPECT_THAT(page.tool_status.text(), HasSubstr("not read"));
+    page.inj_ph[2][0].click();
+    EXPECT_THAT(update(), IsEmpty());
+}
+
 TEST_F(ConfigurationPage, APhaseCountsItsDisabledBoxesAndAnyClickMarksIt) {
     store(parameter("INJP"), 5, 0xC1);
     open();

@@ -61,17 +61,6 @@ TEST(Client, GivesUpWithoutAnAnswerAndUndoesAll) {
     }
 }
 
-TEST(Client, AnswersOfOthersAreNoAnswer) {
-    ClientBench bench;
-    bench.desktop.network().outside = [&](const SimNetwork::Sent&) {
-        bench.desktop.network().arrive({loopback, 1000}, 998, text_bytes("POLO"));
-        bench.desktop.network().arrive({0x0A000009, 999}, 998, text_bytes("POLO"));
-    };
-    bench.enter({"127", "0", "0", "1"});
-    bench.desktop.expect_box("Unable to connect");
-    bench.client.start();
-}
-
 TEST(Client, ARefusedPortIsTold) {
     ClientBench bench;
     bench.desktop.network().refuse(998, {platform::BindFault::not_permitted, "permission denied"});
@@ -115,21 +104,6 @@ TEST(Client, HaltedWhileItWaitsItSaysNothingMore) {
     EXPECT_EQ(bench.state.remote_server_ip, "");
 }
 
-TEST(Client, HaltAndANewStartInsideTheWaitLeaveTheNewOneStanding) {
-    ClientBench bench;
-    bench.answers.clear();
-    bench.enter({"127", "0", "0", "1"});
-    bench.desktop.schedule(bench.desktop.now() + 1'000'000, [&] {
-        bench.client.halt();
-        bench.answers = {text_bytes("POLO")};
-        bench.connect();
-    });
-    bench.client.start();
-    EXPECT_EQ(bench.main_form.caption(), "127.0.0.1 -> ECU System Console");
-    EXPECT_EQ(bench.state.remote_server_ip, "127.0.0.1");
-    EXPECT_FALSE(bench.start_client.enabled());
-}
-
 TEST(Client, TakesAReplyOfItsServerAloneAndForgetsWhatCameBefore) {
     ClientBench bench;
     bench.connect();
@@ -150,16 +124,6 @@ TEST(Client, TakesAReplyOfItsServerAloneAndForgetsWhatCameBefore) {
     EXPECT_LT(bench.desktop.seconds() - start, 0.01);
     EXPECT_THAT(bench.asked, ElementsAre(asking(65, {'A'})));
     EXPECT_THAT(bench.controller.sent(), IsEmpty());
-}
-
-TEST(Client, AnUnreachableServerIsSilenceAndItsReturnIsNoticed) {
-    ClientBench bench;
-    bench.connect();
-    bench.selection.open_comm_link();
-    bench.answers.clear();
-    bench.desktop.schedule(bench.desktop.now() + 3'500'000, [&] { bench.answers = {live_reply()}; });
-    EXPECT_EQ(bench.far_comm.send_ecu_message({'A'}, 63), Outcome::accepted);
-    EXPECT_EQ(bench.asked.size(), 5U);
 }
 
 TEST(Client, HaltEndsTheMessageUnderWayWithoutAQuestion) {

@@ -254,11 +254,5 @@ TEST_F(ServingConsole, tells_of_a_port_that_is_taken_and_stays_a_console) {
     EXPECT_FALSE(forms().frm_server.form.visible());
 }
 
-TEST_F(ServingConsole, the_command_line_says_where_no_console_serves) {
-    const auto [status, said] = run_cli({"--remote", "127.0.0.1", "info"});
-    EXPECT_EQ(status, 3);
-    EXPECT_TRUE(said.contains("no console serves its controller at 127.0.0.1")) << said.toStdString();
-}
-
 } // namespace
 } // namespace ecu::desktop
