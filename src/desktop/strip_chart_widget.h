@@ -39,6 +39,7 @@ public:
     bool save_png(const QString& path); // what is shown, with a legend below, at twice the screen's resolution
     static QString clock_text(double time, int decimals); // the time of day, decimals of the second
     int pictures_drawn() const { return pictures_; }
+    bool picture_due() const { return picture_timer_.isActive(); }
     QString reading() const; // time and values at the pointer's line, as plain text; empty without one
 
     std::function<void()> view_changed; // the user's view of the past: is_live() and is_at_default() may be new
