@@ -59,6 +59,7 @@ shell::Navigation Console::with_views(const platform::Ports& ports, link::Shared
     navigation.add_view(View::gpo_mapping, forms.frm_sup.form);
     navigation.add_view(View::additional_mapping, forms.frm_2d.form);
     navigation.add_view(View::plotter, forms.frm_plotter.form);
+    navigation.add_view(View::diagnostics, forms.frm_diagnostics.form);
     return navigation;
 }
 
@@ -91,6 +92,7 @@ void Console::wire() {
     main_console.on_halt_client = [this] { remote_client.halt(); };
     live_decoder.on_dyno_row = [this] { diagnostics.dyno().on_row(); };
     live_decoder.on_dyno_finish = [this] { diagnostics.dyno().on_finish(); };
+    main_console.on_flash_utility = [this] { flash_utility.open(); };
     main_console.offer_what_exists();
 }
 

@@ -134,14 +134,6 @@ TEST_F(ConsoleTest, TurnsToDemoModeFromTheFailureDialogWithoutLeavingTheView) {
     EXPECT_NEAR(console.live.engine_rpm, 3235, 26);
 }
 
-TEST_F(ConsoleTest, LeavesTheFlashUtilityDisabledWhereThereIsNone) {
-    start();
-    desktop.answer_box("Do you really want to stop the controller", platform::Answer::ok);
-    desktop.expect_box("The controller is now ready to re-flash.");
-    console.forms.frm_ecu.menu_tool_reflash.click();
-    EXPECT_FALSE(console.forms.frm_ecu.menu_tool_flash_utility.enabled());
-}
-
 TEST_F(ConsoleTest, EndsFromTheFailureDialog) {
     start();
     open_monitor();

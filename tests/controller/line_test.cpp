@@ -137,5 +137,46 @@ TEST_F(FlashLine, a_bad_record_is_answered_with_an_error_and_keeps_the_monitor) 
     EXPECT_THAT(console.send({'A'}), IsEmpty());
 }
 
+TEST(Line, captures_of_the_wheel_show_what_is_wrong_with_it) {
+    const auto captured = [](WheelFault fault) {
+        WheelCapture wheel;
+        Noise noise(1);
+        wheel.capture(3000, noise, fault);
+        std::array<int, WheelCapture::periods> periods{};
+        for (std::size_t i = 0; i < periods.size(); ++i) {
+            periods[i] = wheel.period(i);
+        }
+        return periods;
+    };
+    const auto long_ones = [](const auto& periods) {
+        return std::ranges::count_if(periods, [](int period) { return period > 520; }); // 347 is a tooth at 3000 rpm
+    };
+    EXPECT_EQ(long_ones(captured(WheelFault::none)), 3);
+    EXPECT_GE(long_ones(captured(WheelFault::missing_tooth)), 6);
+    EXPECT_LT(*std::ranges::min_element(captured(WheelFault::noise)), 320);
+    EXPECT_EQ(*std::ranges::max_element(captured(WheelFault::dead)), 0);
+}
+
+TEST(Line, flash_monitor_refuses_the_line_that_it_is_told_to_once_and_hears_a_question_in_a_broken_record) {
+    FlashMonitor monitor;
+    monitor.fail_at_line(2);
+    monitor.start();
+    const auto said_to = [&monitor](std::string_view text) {
+        std::string said;
+        for (const char c : text) {
+            said += monitor.receive(static_cast<std::uint8_t>(c));
+        }
+        return said;
+    };
+    const std::string header = "S00B000056312E30332E30304E"; // V1.03.00
+    const std::string end = "S804000000FB";
+    EXPECT_EQ(said_to(header + header), ".E");
+    EXPECT_EQ(said_to(end), "\r\nnot usable, flash again\r\n");
+    EXPECT_EQ(said_to("S00Bq"), "\r\nBoot monitor 1.0\r\n");
+    EXPECT_EQ(said_to(header + header + end), "..\r\ndone, starting\r\n");
+    EXPECT_EQ(monitor.revision(), 10300);
+    EXPECT_EQ(monitor.received(), header + header + end);
+}
+
 } // namespace
 } // namespace ecu::controller
