@@ -1,14 +1,14 @@
 // The flash utility over a real pseudo-terminal at 19200 baud: the rate of record bytes from the first to the monitor's
 // last word, over the wire's. A pseudo-terminal does not tell what waits in its output, so the port here is followed by
 // a clock that does, as a serial driver's queue would.
-#include "bench/controller_process.h"
-#include "cli/terminal_desktop.h"
-#include "console/console.h"
 #include "adapters/qt_clock.h"
 #include "adapters/qt_datagram_socket.h"
 #include "adapters/qt_serial_port.h"
 #include "adapters/qt_timers.h"
 #include "adapters/qt_waiting.h"
+#include "bench/controller_process.h"
+#include "cli/terminal_desktop.h"
+#include "console/console.h"
 
 #include <QCoreApplication>
 
@@ -72,9 +72,7 @@ private:
 };
 
 // Agrees to everything, chooses the record file, and shows nothing.
-class Desktop final : public ecu::platform::Dialogs,
-                      public ecu::platform::FormHost,
-                      public ecu::platform::SerialPorts {
+class Desktop final : public ecu::platform::Dialogs, public ecu::platform::FormHost, public ecu::platform::SerialPorts {
 public:
     explicit Desktop(ecu::platform::Timers& timers) : timers_(timers) {}
     ecu::platform::Answer message_box(const ecu::platform::MessageBox& box) override {

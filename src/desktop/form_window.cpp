@@ -199,6 +199,7 @@ void FormWindow::set_footer(QWidget* footer) { outer_->addWidget(footer); }
 
 void FormWindow::demo_badge(platform::Label& label) {
     QWidget* badge = make(label, "Demo mode");
+    badge->setToolTip("The figures are made up, and nothing is sent. It lasts until the next start");
     QFont bold = badge->font();
     bold.setBold(true);
     badge->setFont(bold);

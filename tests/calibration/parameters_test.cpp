@@ -19,7 +19,7 @@ EncodedEntry encoded(const EntryCase& entry, const Scales& scales) {
                           : raw_from_entry(*find_table(entry.key), entry.text, scales);
 }
 
-TEST(Entries, beyond_a_text_limit_take_the_limits_text) {
+TEST(Entries, BeyondATextLimitTakeTheLimitsText) {
     const std::string_view low = "The Minimum EGO Gain has been altered to within limits";
     const std::string_view high = "The Maximum EGO Gain has been altered to within limits";
     for (const EntryCase& entry : std::vector<EntryCase>{{"EGO_A_LO", ".613", 39, ".614", low},
@@ -60,7 +60,7 @@ TEST(Entries, beyond_a_text_limit_take_the_limits_text) {
     }
 }
 
-TEST(Entries, out_of_range_are_refused_in_their_own_words) {
+TEST(Entries, OutOfRangeAreRefusedInTheirOwnWords) {
     const std::string_view gain =
         "The value for the Ego Proportional Gain is greater than 1.000, Parameter will not be updated";
     const std::string_view phase =
@@ -95,7 +95,7 @@ TEST(Entries, out_of_range_are_refused_in_their_own_words) {
     }
 }
 
-TEST(Entries, are_held_or_masked_to_what_the_message_carries) {
+TEST(Entries, AreHeldOrMaskedToWhatTheMessageCarries) {
     for (const EntryCase& entry :
          std::vector<EntryCase>{{"ACC_RATE", "0", 1},        {"EGO_RATE", "300", 127}, {"MIN_PRES", "5", 0},
                                 {"ACC_MINP", "105", 65535},  {"TMP_THRS", "-30", 243}, {"TMP_THRS", "130", 127},
@@ -111,14 +111,14 @@ TEST(Entries, are_held_or_masked_to_what_the_message_carries) {
     }
 }
 
-TEST(Entries, on_a_decimal_tie_go_to_the_even_raw_number) {
+TEST(Entries, OnADecimalTieGoToTheEvenRawNumber) {
     const Scales scales;
     EXPECT_EQ(raw_from_entry(parameter("ACC_MINP"), "0.204", scales).raw, 128); // 127.5 ticks
     EXPECT_EQ(raw_from_entry(parameter("ACC_MINP"), "0.0024", scales).raw, 2);  // 1.5 ticks
     EXPECT_EQ(raw_from_entry(parameter("ACC_MINP"), "0.0008", scales).raw, 0);  // 0.5 ticks
 }
 
-TEST(Entries, of_more_than_one_priming_pulse_are_questioned) {
+TEST(Entries, OfMoreThanOnePrimingPulseAreQuestioned) {
     EXPECT_EQ(raw_from_entry(parameter("HOT_#P"), "1", {}).question, "");
     EXPECT_EQ(raw_from_entry(parameter("CLD_#P"), "2", {}).question,
               "You have specified more than 1 cold priming pulse.\n"
@@ -126,7 +126,7 @@ TEST(Entries, of_more_than_one_priming_pulse_are_questioned) {
               "Are you certain that this is what you want to do?");
 }
 
-TEST(SetupFileMessages, differ_from_the_screens_for_the_oxygen_limits_and_the_phases) {
+TEST(SetupFileMessages, DifferFromTheScreensForTheOxygenLimitsAndThePhases) {
     EXPECT_EQ(write_message(parameter("EGO_A_LO"), 0, 300), (link::Message{'<', 44, 0, 0}));
     EXPECT_EQ(file_message(parameter("EGO_A_LO"), 0, 300), (link::Message{'<', 44, 1, 0}));
     EXPECT_EQ(parameter("EGO_A_HI").write.reply, 4);
@@ -137,7 +137,7 @@ TEST(SetupFileMessages, differ_from_the_screens_for_the_oxygen_limits_and_the_ph
     EXPECT_EQ(file_message(parameter("INJO"), 0, -1), (link::Message{205, 0, 255, 255}));
 }
 
-TEST(CalibrationImage, keeps_the_scales_in_step_and_the_full_scale_only_there) {
+TEST(CalibrationImage, KeepsTheScalesInStepAndTheFullScaleOnlyThere) {
     Scales scales;
     CalibrationImage image(scales);
     image.store(parameter("FS_RPM"), 0, 8500);

@@ -63,7 +63,7 @@ std::string value_of(const Parameter& row) {
     return row.is_vector() ? std::to_string(row.count) + " " + one + "s" : one;
 }
 
-TEST(WireDocument, says_of_every_item_and_table_what_its_row_says) {
+TEST(WireDocument, SaysOfEveryItemAndTableWhatItsRowSays) {
     std::ifstream in(ECU_DOCUMENTS "/formats/wire.md");
     std::map<std::string, Cells> items;
     std::map<std::string, Cells> tables;

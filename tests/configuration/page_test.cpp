@@ -384,7 +384,6 @@ TEST_F(ConfigurationPage, DuringAnUpdateTheWayOutWaitsAndWhatIsTypedBehindTheWal
     EXPECT_TRUE(page.box("ACC_SEN").is_pending());
     EXPECT_FALSE(page.form.visible()) << "closed when the walk was over";
     EXPECT_TRUE(page.update_button.enabled() && page.exit_button.enabled() && page.menu_mon.enabled());
-    EXPECT_FALSE(page.menu_diag.enabled()) << "what leads nowhere stays disabled";
 }
 
 TEST_F(ConfigurationPage, ActivatedAgainItReadsAgainAndLeavesDisabledWhatTheControllerHasNot) {

@@ -20,7 +20,7 @@ void expect_cells_follow(const Bytes& live) {
     EXPECT_NEAR(position(live, 45), std::clamp(throttle, 0.0, 1.0), 0.002);
 }
 
-TEST(Engine, live_replies_stay_coherent_through_the_whole_cycle) {
+TEST(Engine, LiveRepliesStayCoherentThroughTheWholeCycle) {
     ConsoleEnd console(driving(Driving::cycle));
     unsigned lowest = 65535, highest = 0, enriched = 0;
     bool cut = false;
@@ -54,7 +54,7 @@ TEST(Engine, live_replies_stay_coherent_through_the_whole_cycle) {
     EXPECT_GT(enriched, 5U);
 }
 
-TEST(Engine, it_warms_up_and_idles_slower_when_warm) {
+TEST(Engine, ItWarmsUpAndIdlesSlowerWhenWarm) {
     ConsoleEnd console(driving(Driving::idle));
     const Bytes cold = console.send({'A'});
     const Bytes cold_idle = console.send({129});
@@ -68,7 +68,7 @@ TEST(Engine, it_warms_up_and_idles_slower_when_warm) {
     EXPECT_NEAR(word_at(warm, 30), word_at(warm_idle, 28), 60);
 }
 
-TEST(Engine, more_fuel_makes_it_rich_until_the_feedback_has_worked_it_off) {
+TEST(Engine, MoreFuelMakesItRichUntilTheFeedbackHasWorkedItOff) {
     ConsoleEnd console(driving(Driving::idle));
     console.now = 300;
     console.send({'D'}); // no feedback
@@ -85,7 +85,7 @@ TEST(Engine, more_fuel_makes_it_rich_until_the_feedback_has_worked_it_off) {
     EXPECT_NEAR(live.at(16), 64 / 1.11, 3); // the correction carries it now
 }
 
-TEST(Engine, the_seed_alone_decides_and_polling_does_not_disturb) {
+TEST(Engine, TheSeedAloneDecidesAndPollingDoesNotDisturb) {
     Settings settings = driving(Driving::cruise);
     ConsoleEnd often(settings);
     ConsoleEnd once(settings);
@@ -100,7 +100,7 @@ TEST(Engine, the_seed_alone_decides_and_polling_does_not_disturb) {
     EXPECT_NE(live, other.send({'A'}));
 }
 
-TEST(Engine, a_narrow_band_sensor_tells_oxygen_and_sends_no_frames) {
+TEST(Engine, ANarrowBandSensorTellsOxygenAndSendsNoFrames) {
     ConsoleEnd console(driving(Driving::idle));
     EXPECT_EQ(word_at(console.send({'A'}), 6), 1U);
     console.send({209, 0, 0, 0});
@@ -110,7 +110,7 @@ TEST(Engine, a_narrow_band_sensor_tells_oxygen_and_sends_no_frames) {
     EXPECT_EQ(word_at(before, 4), word_at(after, 4));
 }
 
-TEST(Engine, outputs_follow_their_modes) {
+TEST(Engine, OutputsFollowTheirModes) {
     ConsoleEnd console(driving(Driving::idle));
     console.send({171, 0, 9, 0}); // above an rpm
     console.send({226, 0, 100, 0});
@@ -125,7 +125,7 @@ TEST(Engine, outputs_follow_their_modes) {
 }
 
 // A tuner sees the effect of each correction curve; the rest of the engine is as it was.
-TEST(Engine, every_correction_curve_and_the_targets_act_where_the_engine_runs) {
+TEST(Engine, EveryCorrectionCurveAndTheTargetsActWhereTheEngineRuns) {
     const OperatingPoint at{.rpm = 900, .manifold_kpa = 40, .coolant = 24, .battery = 13.9, .aux_volts = 1.2};
     const auto works = [&at](std::size_t changed) {
         ControllerMemory memory;
@@ -176,7 +176,7 @@ void fill_boost(ControllerMemory& memory, std::uint8_t raw) {
     }
 }
 
-TEST(Engine, boost_follows_the_map_of_the_first_channel_as_target_or_as_duty) {
+TEST(Engine, BoostFollowsTheMapOfTheFirstChannelAsTargetOrAsDuty) {
     const double low = boosted_pressure([](ControllerMemory& memory) { fill_boost(memory, 140); });
     const double high = boosted_pressure([](ControllerMemory& memory) { fill_boost(memory, 190); });
     EXPECT_NEAR(low, 150, 5);

@@ -9,7 +9,7 @@ using testing::SizeIs;
 
 const Bytes good{2, 8, 'R', 48, 48, 48, 0xEC, 0};
 
-TEST(Line, a_request_is_found_behind_noise_and_behind_a_broken_one) {
+TEST(Line, ARequestIsFoundBehindNoiseAndBehindABrokenOne) {
     ConsoleEnd console;
     EXPECT_THAT(console.send_raw({2, 8, 'R', 48, 48, 48, 0xED, 0}), IsEmpty()); // bad checksum
     EXPECT_THAT(console.send_raw(good), SizeIs(7));
@@ -21,7 +21,7 @@ TEST(Line, a_request_is_found_behind_noise_and_behind_a_broken_one) {
     EXPECT_THAT(console.send_raw(noisy), SizeIs(14));
 }
 
-TEST(Line, a_million_random_bytes_leave_it_answering) {
+TEST(Line, AMillionRandomBytesLeaveItAnswering) {
     ConsoleEnd console;
     Noise noise(7);
     Bytes random(1000000);
@@ -30,7 +30,7 @@ TEST(Line, a_million_random_bytes_leave_it_answering) {
     EXPECT_THAT(console.send_raw(good), SizeIs(7));
 }
 
-TEST(Line, paced_bytes_take_ten_bits_each_both_ways) {
+TEST(Line, PacedBytesTakeTenBitsEachBothWays) {
     Settings settings;
     settings.pace_baud = 38400;
     VirtualController controller(settings);
@@ -49,7 +49,7 @@ TEST(Line, paced_bytes_take_ten_bits_each_both_ways) {
     EXPECT_THAT(controller.take_output(6 + (8 + 2 * 65) * byte + 1e-6), SizeIs(9));
 }
 
-TEST(Line, each_fault_does_what_its_name_says) {
+TEST(Line, EachFaultDoesWhatItsNameSays) {
     ConsoleEnd console;
     const Bytes whole = console.send_raw(good);
     Faults& faults = console.controller.faults();
@@ -72,7 +72,7 @@ TEST(Line, each_fault_does_what_its_name_says) {
     EXPECT_THAT(console.send_raw(good), IsEmpty());
 }
 
-TEST(Line, fault_rates_are_kept_and_repeat_with_the_seed) {
+TEST(Line, FaultRatesAreKeptAndRepeatWithTheSeed) {
     Settings settings;
     settings.faults[Fault::lost] = 0.2;
     settings.faults[Fault::corrupted] = 0.1;
@@ -91,7 +91,7 @@ TEST(Line, fault_rates_are_kept_and_repeat_with_the_seed) {
     EXPECT_NE(first, run(settings));
 }
 
-TEST(Line, the_plug_is_pulled_by_the_request_behind_the_last_reply) {
+TEST(Line, ThePlugIsPulledByTheRequestBehindTheLastReply) {
     Settings settings;
     settings.faults.unplug_after = 2;
     ConsoleEnd console(settings);
@@ -117,7 +117,7 @@ protected:
     ConsoleEnd console;
 };
 
-TEST_F(FlashLine, records_run_together_and_the_last_one_starts_the_firmware) {
+TEST_F(FlashLine, RecordsRunTogetherAndTheLastOneStartsTheFirmware) {
     const std::string banner = say("q");
     EXPECT_NE(banner.find('B'), std::string::npos);
     EXPECT_EQ(banner.find('E'), std::string::npos);
@@ -128,7 +128,7 @@ TEST_F(FlashLine, records_run_together_and_the_last_one_starts_the_firmware) {
     EXPECT_THAT(console.send({'A'}), SizeIs(65));
 }
 
-TEST_F(FlashLine, a_bad_record_is_answered_with_an_error_and_keeps_the_monitor) {
+TEST_F(FlashLine, ABadRecordIsAnsweredWithAnErrorAndKeepsTheMonitor) {
     EXPECT_EQ(say("S00600004844521C"), "E");     // checksum
     EXPECT_EQ(say("S006000048\r\n"), "E");       // shorter than its count
     EXPECT_EQ(say("S0xx"), "E");                 // no count
@@ -137,7 +137,7 @@ TEST_F(FlashLine, a_bad_record_is_answered_with_an_error_and_keeps_the_monitor) 
     EXPECT_THAT(console.send({'A'}), IsEmpty());
 }
 
-TEST(Line, captures_of_the_wheel_show_what_is_wrong_with_it) {
+TEST(Line, CapturesOfTheWheelShowWhatIsWrongWithIt) {
     const auto captured = [](WheelFault fault) {
         WheelCapture wheel;
         Noise noise(1);
@@ -153,11 +153,11 @@ TEST(Line, captures_of_the_wheel_show_what_is_wrong_with_it) {
     };
     EXPECT_EQ(long_ones(captured(WheelFault::none)), 3);
     EXPECT_GE(long_ones(captured(WheelFault::missing_tooth)), 6);
-    EXPECT_LT(*std::ranges::min_element(captured(WheelFault::noise)), 320);
-    EXPECT_EQ(*std::ranges::max_element(captured(WheelFault::dead)), 0);
+    EXPECT_LT(std::ranges::min(captured(WheelFault::noise)), 320);
+    EXPECT_EQ(std::ranges::max(captured(WheelFault::dead)), 0);
 }
 
-TEST(Line, flash_monitor_refuses_the_line_that_it_is_told_to_once_and_hears_a_question_in_a_broken_record) {
+TEST(Line, FlashMonitorRefusesTheLineThatItIsToldToOnceAndHearsAQuestionInABrokenRecord) {
     FlashMonitor monitor;
     monitor.fail_at_line(2);
     monitor.start();

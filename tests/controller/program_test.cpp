@@ -34,7 +34,7 @@ protected:
     fs::path folder = fs::temp_directory_path() / ("controller_test_" + std::to_string(getpid()));
 };
 
-TEST_F(Program, options_are_read_and_bad_ones_explained) {
+TEST_F(Program, OptionsAreReadAndBadOnesExplained) {
     const auto parse = [](std::vector<const char*> words) { return parse_options(words); };
     const Options good = parse({"--pace", "38400", "--engine=pull", "--capabilities", "0x3F84", "--faults",
                                 "lost=0.01,late-by=0.3,unplug-after=9,silent"});
@@ -53,7 +53,7 @@ TEST_F(Program, options_are_read_and_bad_ones_explained) {
     EXPECT_THAT(parse({"stray"}).error, HasSubstr("no option stray"));
 }
 
-TEST_F(Program, the_state_file_brings_everything_back) {
+TEST_F(Program, TheStateFileBringsEverythingBack) {
     ControllerMemory memory;
     memory.store_cell(0x0107, 99);
     memory.store_cell(0xFFFF, 7);
@@ -66,7 +66,7 @@ TEST_F(Program, the_state_file_brings_everything_back) {
     EXPECT_THAT(save_state(path("no/such/folder"), memory), HasSubstr("cannot be written"));
 }
 
-TEST_F(Program, a_damaged_or_foreign_state_file_is_named_and_left_alone) {
+TEST_F(Program, ADamagedOrForeignStateFileIsNamedAndLeftAlone) {
     ControllerMemory memory;
     ASSERT_EQ(save_state(path("state"), memory), "");
     const std::string whole = read(path("state"));
@@ -83,7 +83,7 @@ TEST_F(Program, a_damaged_or_foreign_state_file_is_named_and_left_alone) {
     EXPECT_THAT(load_state(folder.string(), memory), HasSubstr("cannot be read"));
 }
 
-TEST_F(Program, the_link_replaces_its_own_kind_only) {
+TEST_F(Program, TheLinkReplacesItsOwnKindOnly) {
     const std::string link = path("ecu");
     write(link, "a file of the user");
     EXPECT_THAT(make_device_link(link, "/dev/pts/9"), HasSubstr("left alone"));
@@ -119,7 +119,7 @@ std::size_t ask(int line, std::uint8_t command, std::size_t wanted) {
     return got;
 }
 
-TEST(Terminal, clients_come_and_go_and_replies_take_their_wire_time_until_the_plug_is_pulled) {
+TEST(Terminal, ClientsComeAndGoAndRepliesTakeTheirWireTimeUntilThePlugIsPulled) {
     Settings settings;
     settings.pace_baud = 38400;
     settings.faults.unplug_after = 1 + 20;

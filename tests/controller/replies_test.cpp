@@ -8,7 +8,7 @@ namespace {
 
 using testing::IsEmpty;
 
-TEST(Replies, frames_are_those_worked_out_by_hand) {
+TEST(Replies, FramesAreThoseWorkedOutByHand) {
     Settings settings;
     settings.firmware.serial_number = 0x030201;
     ConsoleEnd console(settings);
@@ -20,7 +20,7 @@ TEST(Replies, frames_are_those_worked_out_by_hand) {
     EXPECT_EQ(console.send({208}), (Bytes{2, 8, 208, 2, 87, 174, 0xE1, 0x01}));
 }
 
-TEST(Replies, writes_are_stored_and_echoed) {
+TEST(Replies, WritesAreStoredAndEchoed) {
     ConsoleEnd console;
     EXPECT_EQ(console.send({'g', 44, 1, 0}), (Bytes{2, 7, 'g', 44, 1, 0x9D, 0}));
     EXPECT_EQ(word_at(console.send({'C'}), 12), 300U);
@@ -34,7 +34,7 @@ TEST(Replies, writes_are_stored_and_echoed) {
     EXPECT_EQ(word_at(console.send({48}), 7), 0x1234U);
 }
 
-TEST(Replies, an_element_beyond_its_vector_is_echoed_and_stored_nowhere) {
+TEST(Replies, AnElementBeyondItsVectorIsEchoedAndStoredNowhere) {
     ConsoleEnd console;
     const ControllerMemory before = console.controller.memory();
     EXPECT_EQ(console.send({128, 16, 255, 0}), (Bytes{2, 7, 128, 16, 255, 0x98, 0x01}));
@@ -42,7 +42,7 @@ TEST(Replies, an_element_beyond_its_vector_is_echoed_and_stored_nowhere) {
     EXPECT_EQ(console.controller.memory(), before);
 }
 
-TEST(Replies, table_memory_is_read_by_cell_and_by_block) {
+TEST(Replies, TableMemoryIsReadByCellAndByBlock) {
     ConsoleEnd console;
     EXPECT_EQ(console.send({'e', 7, 1, 12}), (Bytes{2, 8, 'e', 7, 1, 12, 0x83, 0}));
     EXPECT_EQ(console.send({'E', 7, 1, 0}).at(5), 12);
@@ -56,7 +56,7 @@ TEST(Replies, table_memory_is_read_by_cell_and_by_block) {
     EXPECT_EQ(console.send({'k', 0xFF, 0xFF, 0}).at(5), 9); // and around to address 0
 }
 
-TEST(Replies, every_command_has_the_length_that_the_console_waits_for) {
+TEST(Replies, EveryCommandHasTheLengthThatTheConsoleWaitsFor) {
     ConsoleEnd console;
     const std::vector<std::pair<int, std::size_t>> payloads{
         {'A', 63}, {129, 30}, {207, 37}, {178, 18}, {152, 9},  {'B', 12}, {'C', 21}, {'D', 3}, {'d', 3},  {'X', 6},
@@ -72,14 +72,14 @@ TEST(Replies, every_command_has_the_length_that_the_console_waits_for) {
     }
 }
 
-TEST(Replies, the_throttle_is_measured_where_it_stands) {
+TEST(Replies, TheThrottleIsMeasuredWhereItStands) {
     ConsoleEnd console(driving(Driving::idle));
     const std::uint8_t closed = console.send({215, 0, 0, 0}).at(3);
     EXPECT_NEAR(closed, 31, 1);
     EXPECT_EQ(console.send({212}).at(3), closed);
 }
 
-TEST(Replies, driver_tests_fire_the_channels_of_the_mask) {
+TEST(Replies, DriverTestsFireTheChannelsOfTheMask) {
     ConsoleEnd console;
     EXPECT_EQ(console.send({1, 0x05, 0, 0}), (Bytes{2, 7, 1, 5, 0, 15, 0}));
     console.send({2, 0x80, 0, 0});
@@ -87,7 +87,7 @@ TEST(Replies, driver_tests_fire_the_channels_of_the_mask) {
     EXPECT_EQ(console.controller.firmware().fired_coils(), 0x80);
 }
 
-TEST(Replies, a_capture_shows_the_missing_tooth_high_byte_first) {
+TEST(Replies, ACaptureShowsTheMissingToothHighByteFirst) {
     ConsoleEnd console(driving(Driving::idle));
     EXPECT_EQ(console.send({248, 0}).at(4), 0); // nothing captured yet
     console.send({247});
@@ -107,7 +107,7 @@ TEST(Replies, a_capture_shows_the_missing_tooth_high_byte_first) {
     EXPECT_NEAR(mean * 1.6e-6 * 35, 60.0 / rpm, 4.0 / rpm);
 }
 
-TEST(Replies, the_dyno_runs_from_trigger_to_end_and_counts_milliseconds) {
+TEST(Replies, TheDynoRunsFromTriggerToEndAndCountsMilliseconds) {
     ConsoleEnd console(driving(Driving::pull));
     EXPECT_EQ(console.send({3, 0, 0xC4, 0x09}), (Bytes{2, 8, 3, 0, 0xC4, 0x09, 0xDA, 0}));
     console.send({3, 1, 0x70, 0x17}); // 6000
@@ -134,7 +134,7 @@ TEST(Replies, the_dyno_runs_from_trigger_to_end_and_counts_milliseconds) {
     EXPECT_EQ(console.send({'A'}).at(47), 0);
 }
 
-TEST(Replies, a_restart_clears_counters_and_latches) {
+TEST(Replies, ARestartClearsCountersAndLatches) {
     ConsoleEnd console;
     console.now = 300;
     console.send({169, 165, 0, 0});

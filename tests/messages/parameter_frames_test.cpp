@@ -136,7 +136,7 @@ Bytes travelling(const link::Message& message) {
     return {request.begin() + 2, request.begin() + 6};
 }
 
-TEST(ParameterFrames, every_item_reads_shows_writes_and_echoes) {
+TEST(ParameterFrames, EveryItemReadsShowsWritesAndEchoes) {
     ParameterBench bench;
     int items = 0;
     for (const FrameLine& line : frame_lines()) {

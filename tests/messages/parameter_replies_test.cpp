@@ -11,7 +11,7 @@ using calibration::table;
 
 class ParameterReplies : public testing::Test, protected ParameterBench {};
 
-TEST_F(ParameterReplies, pressure_is_shown_by_the_sensor_of_its_own_block) {
+TEST_F(ParameterReplies, PressureIsShownByTheSensorOfItsOwnBlock) {
     EXPECT_TRUE(receive({'C', 0, 0, 0, 0, 0, 0, 0xFF, 0x03, 0, 0, 0, 0, 0, 0x40, 0x1F, 0, 36, 0x40 | 2}));
     EXPECT_EQ(tool.box("MIN_PRES").text(), "630.0");
     EXPECT_EQ(scales.map_span, 551);
@@ -24,7 +24,7 @@ TEST_F(ParameterReplies, pressure_is_shown_by_the_sensor_of_its_own_block) {
     EXPECT_TRUE(tool.special_cfg[1].checked());
 }
 
-TEST_F(ParameterReplies, fuel_trims_and_timing_offset_confirm_both_forms) {
+TEST_F(ParameterReplies, FuelTrimsAndTimingOffsetConfirmBothForms) {
     for (platform::TextBox* box : {&mapping.ecu_pgm[0], &dashboard.ecu_pgm[0], &mapping.ecu_pgm[1],
                                    &dashboard.ecu_pgm[1], &tool.box("BASE_DEG"), &dashboard.base_offset_deg}) {
         box->set_back_colour(platform::pending);
@@ -39,7 +39,7 @@ TEST_F(ParameterReplies, fuel_trims_and_timing_offset_confirm_both_forms) {
     EXPECT_FALSE(dashboard.base_offset_deg.is_pending());
 }
 
-TEST_F(ParameterReplies, some_replies_show_what_no_common_scale_does) {
+TEST_F(ParameterReplies, SomeRepliesShowWhatNoCommonScaleDoes) {
     const platform::TextBox& base = tool.box("TPS_BASE");
     const platform::TextBox& full = tool.box("TPS_FS");
     const platform::TextBox& relay = outputs.cool_rly_temp[1];
@@ -66,7 +66,7 @@ TEST_F(ParameterReplies, some_replies_show_what_no_common_scale_does) {
     EXPECT_EQ(image.raw(parameter("TPS_FS")), 201);
 }
 
-TEST_F(ParameterReplies, an_index_that_the_vector_has_not_is_taken_without_effect) {
+TEST_F(ParameterReplies, AnIndexThatTheVectorHasNotIsTakenWithoutEffect) {
     for (const Bytes& echo : {Bytes{128, 16, 255}, Bytes{166, 200, 255}, Bytes{156, 16, 4, 0}, Bytes{173, 4, 9},
                               Bytes{205, 8, 1, 0}, Bytes{224, 255, 2}}) {
         EXPECT_TRUE(receive(echo));
@@ -79,7 +79,7 @@ TEST_F(ParameterReplies, an_index_that_the_vector_has_not_is_taken_without_effec
     EXPECT_FALSE(scales.boost_as_pwm);
 }
 
-TEST_F(ParameterReplies, a_switch_set_by_a_reply_is_not_left_marked) {
+TEST_F(ParameterReplies, ASwitchSetByAReplyIsNotLeftMarked) {
     tool.EGO_type[1].clicked = [&] { tool.EGO_type[0].set_fore_colour(platform::pending); };
     tool.inj_ph[3][6].clicked = [&] { tool.inj_ph[3][0].set_tag("X"); };
     outputs.gpo_mode[2][9].clicked = [&] { outputs.gpo_mode[2][0].set_fore_colour(platform::pending); };
@@ -97,7 +97,7 @@ TEST_F(ParameterReplies, a_switch_set_by_a_reply_is_not_left_marked) {
     EXPECT_FALSE(tool.box("EGO_WBL1").enabled());
 }
 
-TEST_F(ParameterReplies, an_input_code_of_no_option_chooses_nothing) {
+TEST_F(ParameterReplies, AnInputCodeOfNoOptionChoosesNothing) {
     receive({245, 0xFF, 0x0F});
     receive({246, 0b00'101'101, 0b0000'1010}); // codes 5, 5, 0, 5
     EXPECT_TRUE(tool.aux_in_used_as[1].checked());
@@ -107,7 +107,7 @@ TEST_F(ParameterReplies, an_input_code_of_no_option_chooses_nothing) {
     EXPECT_EQ(image.raw(parameter("INPT_CGF")), 0b1010'00'101'101);
 }
 
-TEST_F(ParameterReplies, lambda_cells_follow_the_unit_and_boost_cells_the_first_flag) {
+TEST_F(ParameterReplies, LambdaCellsFollowTheUnitAndBoostCellsTheFirstFlag) {
     receive({'e', 40, 0, 128});
     EXPECT_EQ(corrections.lambda_sp_table.cell_text(5, 5), "1.000");
     receive({'e', 40, 0, 0});
@@ -129,7 +129,7 @@ TEST_F(ParameterReplies, lambda_cells_follow_the_unit_and_boost_cells_the_first_
     EXPECT_EQ(outputs.boost_gpo[3].cell_text(9, 1), "125.0");
 }
 
-TEST_F(ParameterReplies, blocks_fill_a_column_upwards_and_repaint_the_grid_once) {
+TEST_F(ParameterReplies, BlocksFillAColumnUpwardsAndRepaintTheGridOnce) {
     forms.set_host(&desktop);
     Bytes block{'l', 0x10, 0x06};
     for (int i = 0; i < 32; ++i) {
@@ -150,7 +150,7 @@ TEST_F(ParameterReplies, blocks_fill_a_column_upwards_and_repaint_the_grid_once)
     EXPECT_EQ(image.cell(0x0238), 100);
 }
 
-TEST_F(ParameterReplies, cells_outside_all_tables_are_ignored) {
+TEST_F(ParameterReplies, CellsOutsideAllTablesAreIgnored) {
     // Sixteen cells from the end of the coolant's table up into nothing, and addresses beyond the memory of the image.
     EXPECT_TRUE(receive({'q', 0x78, 0x00, 64, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16}));
     EXPECT_EQ(corrections.clt_map[8].text(), "1.000");
@@ -159,7 +159,7 @@ TEST_F(ParameterReplies, cells_outside_all_tables_are_ignored) {
     EXPECT_TRUE(receive({'e', 0xB1, 0x0A, 7}));
 }
 
-TEST_F(ParameterReplies, incompatible_revisions_are_reported_each_time) {
+TEST_F(ParameterReplies, IncompatibleRevisionsAreReportedEachTime) {
     const std::string both = "The ECU reports that there is an incompatibility with some internal features.  ";
     const std::string old_console = both + "This program is older than what is required for your ECU.";
     const std::string old_controller = both + "Your ECU is not up to date with features supported with this program.";
@@ -171,7 +171,7 @@ TEST_F(ParameterReplies, incompatible_revisions_are_reported_each_time) {
     EXPECT_EQ(desktop.box_texts(), (std::vector<std::string>{old_console, old_controller}));
 }
 
-TEST_F(ParameterReplies, restart_is_reported_and_unlocks_the_flash_utility) {
+TEST_F(ParameterReplies, RestartIsReportedAndUnlocksTheFlashUtility) {
     all.frm_ecu.menu_tool_flash_utility.set_enabled(false);
     desktop.expect_box("The controller has been succesfully reset.");
     EXPECT_TRUE(receive({174, 0}));
@@ -184,7 +184,7 @@ TEST_F(ParameterReplies, restart_is_reported_and_unlocks_the_flash_utility) {
     EXPECT_EQ(state.last_reply_time, ports.now());
 }
 
-TEST_F(ParameterReplies, wheel_blocks_are_high_byte_first_and_stay_in_their_array) {
+TEST_F(ParameterReplies, WheelBlocksAreHighByteFirstAndStayInTheirArray) {
     Bytes block{248, 7};
     for (int i = 0; i < 15; ++i) {
         block.insert(block.end(), {0x01, static_cast<std::uint8_t>(i)});
@@ -197,7 +197,7 @@ TEST_F(ParameterReplies, wheel_blocks_are_high_byte_first_and_stay_in_their_arra
     EXPECT_EQ(decoders.wheel_samples().periods[120], 0);
 }
 
-TEST_F(ParameterReplies, bare_acknowledgements_are_taken_by_their_size_only) {
+TEST_F(ParameterReplies, BareAcknowledgementsAreTakenByTheirSizeOnly) {
     for (const Bytes& reply :
          {Bytes{'D'}, Bytes{'d'}, Bytes{'+', 1}, Bytes{'F', 1, 2, 3, 4}, Bytes{'X', 1, 2, 3}, Bytes{1, 1, 0},
           Bytes{2, 1, 0}, Bytes{3, 1, 0, 0}, Bytes{4, 1}, Bytes{169, 1}, Bytes{247, 1}}) {

@@ -41,13 +41,13 @@ void walk_menu(const QMenu& menu, const QString& where) {
     }
 }
 
-TEST(Accelerators, the_first_claim_holds_and_others_move_to_a_free_letter) {
+TEST(Accelerators, TheFirstClaimHoldsAndOthersMoveToAFreeLetter) {
     EXPECT_EQ(distinct_access_keys({"&Reset", "&Remote Setup", "&Edit", "Save && &run"}),
               (QStringList{"&Reset", "Re&mote Setup", "&Edit", "&Save && run"}));
     EXPECT_EQ(distinct_access_keys({"&A", "&A", "plain", "&a-b"}), (QStringList{"&A", "A", "plain", "a-&b"}));
 }
 
-TEST(Accelerators, every_alt_key_of_a_window_and_of_a_menu_stands_once) {
+TEST(Accelerators, EveryAltKeyOfAWindowAndOfAMenuStandsOnce) {
     DesktopConsole desktop;
     int windows = 0;
     for (platform::Form* form : desktop.console().forms.registry.forms()) {

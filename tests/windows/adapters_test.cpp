@@ -86,7 +86,7 @@ protected:
     std::unique_ptr<platform::SerialPort> port_ = QtSerialPorts().make_serial_port();
 };
 
-TEST_F(SerialLine, carries_every_byte_value_both_ways) {
+TEST_F(SerialLine, CarriesEveryByteValueBothWays) {
     ASSERT_EQ(port_->open(3, 38400), "");
     Bytes all(256);
     for (std::size_t i = 0; i < all.size(); ++i) {
@@ -102,7 +102,7 @@ TEST_F(SerialLine, carries_every_byte_value_both_ways) {
     EXPECT_EQ(port_->read_all(), Bytes(all.begin() + 2, all.end()));
 }
 
-TEST_F(SerialLine, transaction_on_an_unpaced_line_costs_microseconds) {
+TEST_F(SerialLine, TransactionOnAnUnpacedLineCostsMicroseconds) {
     ASSERT_EQ(port_->open(3, 38400), "");
     far_end_.answer_each_request_with(Bytes(65, 0x41));
     std::vector<qint64> costs;
@@ -120,7 +120,7 @@ TEST_F(SerialLine, transaction_on_an_unpaced_line_costs_microseconds) {
     EXPECT_LT(costs[40], 500) << "both ends together, in this one event loop";
 }
 
-TEST_F(SerialLine, unplugging_in_mid_transaction_leaves_a_closed_quiet_port) {
+TEST_F(SerialLine, UnpluggingInMidTransactionLeavesAClosedQuietPort) {
     ASSERT_EQ(port_->open(3, 38400), "");
     port_->write(Bytes(8, 0x30));
     far_end_.send(Bytes(20, 0x41)); // a part of the reply, and then nothing more
@@ -137,7 +137,7 @@ TEST_F(SerialLine, unplugging_in_mid_transaction_leaves_a_closed_quiet_port) {
     EXPECT_NE(port_->open(3, 38400), ""); // the device is gone
 }
 
-TEST_F(SerialLine, write_opens_the_port_again_when_the_device_came_back) {
+TEST_F(SerialLine, WriteOpensThePortAgainWhenTheDeviceCameBack) {
     ASSERT_EQ(port_->open(3, 38400), "");
     far_end_.unplug();
     platform::wait_until(waiting_, clock_, patience, [&] { return !port_->is_open(); });
@@ -150,7 +150,7 @@ TEST_F(SerialLine, write_opens_the_port_again_when_the_device_came_back) {
     EXPECT_TRUE(wait_for_bytes(3, patience));
 }
 
-TEST_F(SerialLine, a_lost_port_is_tried_with_every_write_until_the_device_is_back) {
+TEST_F(SerialLine, ALostPortIsTriedWithEveryWriteUntilTheDeviceIsBack) {
     ASSERT_EQ(port_->open(3, 38400), "");
     const std::uint32_t openings = port_->openings();
     far_end_.unplug();
@@ -172,7 +172,7 @@ TEST_F(SerialLine, a_lost_port_is_tried_with_every_write_until_the_device_is_bac
     EXPECT_FALSE(port_->is_open());
 }
 
-TEST_F(SerialLine, a_device_that_another_program_holds_is_said_to_be_in_use) {
+TEST_F(SerialLine, ADeviceThatAnotherProgramHoldsIsSaidToBeInUse) {
     ASSERT_EQ(port_->open(3, 38400), "");
     const auto second = QtSerialPorts().make_serial_port();
     const std::string reason = second->open(3, 38400);
@@ -180,14 +180,14 @@ TEST_F(SerialLine, a_device_that_another_program_holds_is_said_to_be_in_use) {
     EXPECT_NE(reason.find(std::to_string(getpid())), std::string::npos) << "named: " << reason;
 }
 
-TEST_F(SerialLine, missing_device_is_named_in_the_reason) {
+TEST_F(SerialLine, MissingDeviceIsNamedInTheReason) {
     setenv("ECU_PORT_3", "/dev/there-is-no-such-device", 1);
     EXPECT_NE(port_->open(3, 38400).find("there-is-no-such-device"), std::string::npos);
     EXPECT_FALSE(port_->is_open());
     EXPECT_EQ(device_of_port(3), "/dev/there-is-no-such-device");
 }
 
-TEST_F(SerialLine, device_that_the_user_may_not_open_comes_with_the_remedy) {
+TEST_F(SerialLine, DeviceThatTheUserMayNotOpenComesWithTheRemedy) {
     if (geteuid() == 0) {
         GTEST_SKIP() << "root may open everything";
     }
@@ -195,7 +195,7 @@ TEST_F(SerialLine, device_that_the_user_may_not_open_comes_with_the_remedy) {
     EXPECT_NE(port_->open(3, 38400).find("sudo adduser $USER "), std::string::npos);
 }
 
-TEST_F(SerialLine, what_nobody_reads_is_lost_beyond_the_buffer) {
+TEST_F(SerialLine, WhatNobodyReadsIsLostBeyondTheBuffer) {
     ASSERT_EQ(port_->open(3, 38400), "");
     for (int i = 0; i < 6; ++i) {
         far_end_.send(Bytes(256, static_cast<std::uint8_t>(i)));
@@ -207,7 +207,7 @@ TEST_F(SerialLine, what_nobody_reads_is_lost_beyond_the_buffer) {
     EXPECT_EQ(port_->read_all().back(), 3);
 }
 
-TEST(QtWaiting, sleeps_while_nothing_happens_and_wakes_for_a_timer) {
+TEST(QtWaiting, SleepsWhileNothingHappensAndWakesForATimer) {
     QtWaiting waiting;
     const QtClock clock;
     const double before = cpu_seconds();
@@ -232,7 +232,7 @@ TEST(QtWaiting, sleeps_while_nothing_happens_and_wakes_for_a_timer) {
     EXPECT_TRUE(posted);
 }
 
-TEST(QtDatagramSocket, reads_datagrams_as_a_stream_and_one_by_one) {
+TEST(QtDatagramSocket, ReadsDatagramsAsAStreamAndOneByOne) {
     QtWaiting waiting;
     const QtClock clock;
     QtDatagramSockets sockets;

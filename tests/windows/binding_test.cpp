@@ -63,7 +63,7 @@ protected:
     FormWindow window_{form_.form, host_};
 };
 
-TEST_F(SampleWindow, binds_each_control_once_and_no_stranger) {
+TEST_F(SampleWindow, BindsEachControlOnceAndNoStranger) {
     expect_complete(window_);
     EXPECT_EQ(window_.objectName(), "frm_sample");
     EXPECT_THROW(window_.make(form_.shown), std::logic_error);
@@ -71,7 +71,7 @@ TEST_F(SampleWindow, binds_each_control_once_and_no_stranger) {
     EXPECT_THROW(window_.make(other.shown), std::logic_error);
 }
 
-TEST_F(SampleWindow, a_box_shows_and_says_what_its_colour_does_not) {
+TEST_F(SampleWindow, ABoxShowsAndSaysWhatItsColourDoesNot) {
     form_.box[0].set_tool_tip("Milliseconds");
     form_.box[0].blank();
     EXPECT_EQ(edit(0).palette().brush(QPalette::Base).style(), Qt::TexturePattern);
@@ -95,7 +95,7 @@ TEST_F(SampleWindow, a_box_shows_and_says_what_its_colour_does_not) {
     EXPECT_EQ(form_.box[1].text(), "a,b1.0");
 }
 
-TEST_F(SampleWindow, typing_turns_a_box_yellow_and_the_echo_turns_it_white) {
+TEST_F(SampleWindow, TypingTurnsABoxYellowAndTheEchoTurnsItWhite) {
     QTest::keyClicks(&edit(0), "2");
     EXPECT_EQ(form_.box[0].text(), "21.0");
     EXPECT_EQ(edit(0).palette().color(QPalette::Base), theme::to_qt(pending));
@@ -107,7 +107,7 @@ TEST_F(SampleWindow, typing_turns_a_box_yellow_and_the_echo_turns_it_white) {
     EXPECT_EQ(edit(1).palette().color(QPalette::Base), theme::to_qt(confirmed)); // its neighbour is left alone
 }
 
-TEST_F(SampleWindow, typing_into_a_box_that_the_program_focused_or_rewrote_replaces_its_value) {
+TEST_F(SampleWindow, TypingIntoABoxThatTheProgramFocusedOrRewroteReplacesItsValue) {
     form_.box[1].set_text("14.000");
     form_.box[1].set_focus();
     QTest::keyClicks(&edit(1), "12");
@@ -127,12 +127,12 @@ TEST_F(SampleWindow, typing_into_a_box_that_the_program_focused_or_rewrote_repla
     EXPECT_FALSE(edit(0).hasSelectedText());
 }
 
-TEST_F(SampleWindow, cleared_caption_leaves_the_title) {
+TEST_F(SampleWindow, ClearedCaptionLeavesTheTitle) {
     form_.form.set_caption("");
     EXPECT_EQ(window_.windowTitle(), "Sample");
 }
 
-TEST_F(SampleWindow, keys_reach_the_box_first_and_a_consumed_key_goes_no_further) {
+TEST_F(SampleWindow, KeysReachTheBoxFirstAndAConsumedKeyGoesNoFurther) {
     std::vector<int> codes;
     form_.box[0].key_down = [&](platform::KeyPress& key) {
         codes.push_back(key.code);
@@ -150,7 +150,7 @@ TEST_F(SampleWindow, keys_reach_the_box_first_and_a_consumed_key_goes_no_further
     EXPECT_EQ(form_.box[0].text(), "1.0");
 }
 
-TEST_F(SampleWindow, focus_is_told_once_and_survives_a_menu) {
+TEST_F(SampleWindow, FocusIsToldOnceAndSurvivesAMenu) {
     std::string told;
     for (auto& box : form_.box) {
         box.got_focus = [&] { told += "+" + std::to_string(box.index()); };
@@ -166,7 +166,7 @@ TEST_F(SampleWindow, focus_is_told_once_and_survives_a_menu) {
     EXPECT_EQ(told, "+0-0+1");
 }
 
-TEST_F(SampleWindow, options_and_checks_follow_the_model_both_ways) {
+TEST_F(SampleWindow, OptionsAndChecksFollowTheModelBothWays) {
     int clicks = 0;
     form_.option[1].clicked = [&] { ++clicks; };
     named<QRadioButton>(window_, "option(1)").click();
@@ -185,7 +185,7 @@ TEST_F(SampleWindow, options_and_checks_follow_the_model_both_ways) {
     EXPECT_FALSE(named<QCheckBox>(window_, "check").isChecked());
 }
 
-TEST_F(SampleWindow, buttons_bars_and_tabs_work_and_show_what_the_form_sets) {
+TEST_F(SampleWindow, ButtonsBarsAndTabsWorkAndShowWhatTheFormSets) {
     int presses = 0;
     form_.button.clicked = [&] { ++presses; };
     auto& button = named<QPushButton>(window_, "button");
@@ -209,7 +209,7 @@ TEST_F(SampleWindow, buttons_bars_and_tabs_work_and_show_what_the_form_sets) {
     EXPECT_EQ(named<QLabel>(window_, "shown").accessibleName(), "Shown");
 }
 
-TEST_F(SampleWindow, menus_are_built_from_the_items_in_their_order) {
+TEST_F(SampleWindow, MenusAreBuiltFromTheItemsInTheirOrder) {
     const auto top = window_.menuBar()->actions();
     ASSERT_EQ(top.size(), 2);
     EXPECT_EQ(top[0]->text(), "&File");
@@ -228,7 +228,7 @@ TEST_F(SampleWindow, menus_are_built_from_the_items_in_their_order) {
     EXPECT_FALSE(top[1]->isEnabled());
 }
 
-TEST_F(SampleWindow, picture_is_replayed_and_takes_the_size_of_its_widget) {
+TEST_F(SampleWindow, PictureIsReplayedAndTakesTheSizeOfItsWidget) {
     int redraws = 0;
     form_.picture.resized = [&] { ++redraws; };
     auto& view = named<QWidget>(window_, "picture");
@@ -245,7 +245,7 @@ TEST_F(SampleWindow, picture_is_replayed_and_takes_the_size_of_its_widget) {
     EXPECT_EQ(image.pixelColor(static_cast<int>(100 * ratio), y - 2), QColor(Qt::black));
 }
 
-TEST_F(SampleWindow, activation_comes_with_the_next_events_and_closing_is_the_forms_decision) {
+TEST_F(SampleWindow, ActivationComesWithTheNextEventsAndClosingIsTheFormsDecision) {
     int activations = 0;
     form_.form.hide();
     form_.form.on_activate = [&] { ++activations; };
@@ -264,7 +264,7 @@ TEST_F(SampleWindow, activation_comes_with_the_next_events_and_closing_is_the_fo
     EXPECT_FALSE(window_.isVisible());
 }
 
-TEST_F(SampleWindow, modal_form_holds_its_caller_until_it_hides) {
+TEST_F(SampleWindow, ModalFormHoldsItsCallerUntilItHides) {
     form_.form.hide();
     std::string order;
     form_.form.on_activate = [&] {
@@ -279,7 +279,7 @@ TEST_F(SampleWindow, modal_form_holds_its_caller_until_it_hides) {
     EXPECT_EQ(order, "active held returned");
 }
 
-TEST(QtDialogs, message_box_shows_the_exact_text_and_its_default) {
+TEST(QtDialogs, MessageBoxShowsTheExactTextAndItsDefault) {
     QtDialogs dialogs;
     QString text;
     QTimer::singleShot(0, [&] {
@@ -300,7 +300,7 @@ TEST(QtDialogs, message_box_shows_the_exact_text_and_its_default) {
     EXPECT_EQ(text, "this <i>overwrites</i>, continue?");
 }
 
-TEST(QtDialogs, file_dialog_adds_the_suffix_and_filters_both_cases) {
+TEST(QtDialogs, FileDialogAddsTheSuffixAndFiltersBothCases) {
     EXPECT_EQ(qt_filter("Setup Files (*.set)|"), "Setup Files (*.set *.SET)");
     QTemporaryDir folder;
     QtDialogs dialogs;

@@ -54,7 +54,7 @@ struct ConfigurationWindow : testing::Test {
     }
 };
 
-TEST_F(ConfigurationWindow, every_control_stands_in_it_and_every_page_scrolls_rather_than_clips) {
+TEST_F(ConfigurationWindow, EveryControlStandsInItAndEveryPageScrollsRatherThanClips) {
     expect_complete(*window);
     fill();
     for (const platform::Control* control : form.form.controls()) {
@@ -78,7 +78,7 @@ TEST_F(ConfigurationWindow, every_control_stands_in_it_and_every_page_scrolls_ra
     pictures("large", {1180, 720});
 }
 
-TEST_F(ConfigurationWindow, pages_are_reached_by_keys_from_wherever_the_keyboard_is) {
+TEST_F(ConfigurationWindow, PagesAreReachedByKeysFromWhereverTheKeyboardIs) {
     auto& first = named<QLineEdit>(*window, "full_scale_rpm");
     first.setFocus();
     QTest::keyClick(&first, Qt::Key_PageDown, Qt::ControlModifier);
@@ -98,7 +98,7 @@ TEST_F(ConfigurationWindow, pages_are_reached_by_keys_from_wherever_the_keyboard
     EXPECT_TRUE(tabs.currentWidget()->isAncestorOf(window->focusWidget())) << "the page follows its tab";
 }
 
-TEST_F(ConfigurationWindow, pending_values_mark_their_tab_and_their_switch) {
+TEST_F(ConfigurationWindow, PendingValuesMarkTheirTabAndTheirSwitch) {
     const auto at_dot = [&](int page) {
         const QRect field = tabs.tabBar()->tabRect(page);
         const QImage picture = tabs.tabBar()->grab().toImage();
@@ -120,7 +120,7 @@ TEST_F(ConfigurationWindow, pending_values_mark_their_tab_and_their_switch) {
     EXPECT_NE(driver.palette().color(QPalette::Base), QColor(0xFF, 0xFF, 0x55));
 }
 
-TEST_F(ConfigurationWindow, stutter_marks_follow_their_boxes) {
+TEST_F(ConfigurationWindow, StutterMarksFollowTheirBoxes) {
     QWidget* marks = named<QLineEdit>(*window, "stutter_table(3)").parentWidget()->findChildren<QWidget*>().last();
     const auto full = [&](int event) {
         const QImage picture = marks->grab().toImage();

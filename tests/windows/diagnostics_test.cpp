@@ -95,7 +95,7 @@ protected:
 };
 INSTANTIATE_TEST_SUITE_P(Light_and_dark, DiagnosticsWindow, testing::Bool());
 
-TEST_P(DiagnosticsWindow, shows_every_tab_whole_at_each_size_of_screen) {
+TEST_P(DiagnosticsWindow, ShowsEveryTabWholeAtEachSizeOfScreen) {
     FrmDiagnostics form;
     for (Picture* picture : {&form.wheel_speed_plot, &form.dyno_plot_screen}) {
         picture->pointed_at = [](int, int) {};
@@ -123,7 +123,7 @@ TEST_P(DiagnosticsWindow, shows_every_tab_whole_at_each_size_of_screen) {
     }
 }
 
-TEST_P(DiagnosticsWindow, of_the_flash_utility_is_whole_and_its_terminal_can_be_copied_while_it_grows) {
+TEST_P(DiagnosticsWindow, OfTheFlashUtilityIsWholeAndItsTerminalCanBeCopiedWhileItGrows) {
     flash::FrmSflash form;
     const auto window = make_sflash_window(form, host_);
     expect_complete(*window);
@@ -153,7 +153,7 @@ TEST_P(DiagnosticsWindow, of_the_flash_utility_is_whole_and_its_terminal_can_be_
     EXPECT_EQ(area.toPlainText(), "anew");
 }
 
-TEST(PlotView, tells_of_the_place_under_the_mouse_moves_by_keys_and_saves_drawing_and_axes) {
+TEST(PlotView, TellsOfThePlaceUnderTheMouseMovesByKeysAndSavesDrawingAndAxes) {
     QtHost host;
     FrmDiagnostics form;
     QPoint pointed(-1, -1);

@@ -45,7 +45,8 @@ struct GpoWindow : testing::Test {
     template <typename Widget> Widget& of(const char* name) { return named<Widget>(*window, name); }
     // Axis captions and the lines of the frame speak for themselves.
     static bool is_axis(const platform::Control& control) {
-        return control.name().find("_lbl") != std::string::npos || control.name().find("_text") != std::string::npos;
+        const auto has = [&control](const char* part) { return control.name().find(part) != std::string::npos; };
+        return has("_lbl") || has("_text") || has("_beg") || has("_end");
     }
     std::string focus() const { return QApplication::focusWidget()->objectName().toStdString(); }
 };

@@ -49,7 +49,7 @@ protected:
     GridView* view_ = nullptr;
 };
 
-TEST_F(GridWindow, model_cell_is_the_grid_cell_without_headers) {
+TEST_F(GridWindow, ModelCellIsTheGridCellWithoutHeaders) {
     const QModelIndex index = view_->model()->index(2, 1);
     EXPECT_EQ(index.data().toString(), "32");
     form_.grid.set_cell_back(3, 2, platform::light_red);
@@ -60,7 +60,7 @@ TEST_F(GridWindow, model_cell_is_the_grid_cell_without_headers) {
     expect_complete(window_);
 }
 
-TEST_F(GridWindow, typing_replaces_at_once_and_enter_reaches_the_grid) {
+TEST_F(GridWindow, TypingReplacesAtOnceAndEnterReachesTheGrid) {
     int updates = 0;
     form_.grid.key_press = [&](platform::KeyPress& key) {
         if (key.code == platform::key::enter) {
@@ -78,7 +78,7 @@ TEST_F(GridWindow, typing_replaces_at_once_and_enter_reaches_the_grid) {
     EXPECT_FALSE(form_.grid.cell_pending(1, 2));
 }
 
-TEST_F(GridWindow, escape_restores_the_text_typed_over_or_what_was_confirmed_since) {
+TEST_F(GridWindow, EscapeRestoresTheTextTypedOverOrWhatWasConfirmedSince) {
     type(Qt::Key_9);
     EXPECT_EQ(form_.grid.cell_text(1, 1), "9");
     type(Qt::Key_Escape);
@@ -97,7 +97,7 @@ TEST_F(GridWindow, escape_restores_the_text_typed_over_or_what_was_confirmed_sin
     }
 }
 
-TEST_F(GridWindow, reply_during_an_edit_leaves_what_is_being_typed_and_loses_none_of_it) {
+TEST_F(GridWindow, ReplyDuringAnEditLeavesWhatIsBeingTypedAndLosesNoneOfIt) {
     type(Qt::Key_F2);
     ASSERT_NE(editor(), nullptr);
     type(Qt::Key_End);
@@ -110,7 +110,7 @@ TEST_F(GridWindow, reply_during_an_edit_leaves_what_is_being_typed_and_loses_non
     EXPECT_TRUE(form_.grid.cell_pending(1, 1));
 }
 
-TEST_F(GridWindow, locked_grid_takes_nothing_from_the_user) {
+TEST_F(GridWindow, LockedGridTakesNothingFromTheUser) {
     form_.grid.set_locked(true);
     QApplication::clipboard()->setText("9");
     for (const auto& [key, modifier] : {std::pair{Qt::Key_9, Qt::NoModifier},
@@ -126,7 +126,7 @@ TEST_F(GridWindow, locked_grid_takes_nothing_from_the_user) {
     EXPECT_TRUE(form_.grid.cell_pending(1, 1));
 }
 
-TEST_F(GridWindow, tab_and_arrows_move_also_out_of_an_edit) {
+TEST_F(GridWindow, TabAndArrowsMoveAlsoOutOfAnEdit) {
     type(Qt::Key_3);
     type(Qt::Key_Tab);
     type(Qt::Key_4);
@@ -140,7 +140,7 @@ TEST_F(GridWindow, tab_and_arrows_move_also_out_of_an_edit) {
     EXPECT_EQ(view_->currentIndex(), view_->model()->index(3, 4));
 }
 
-TEST_F(GridWindow, consumed_key_does_not_move_the_cursor) {
+TEST_F(GridWindow, ConsumedKeyDoesNotMoveTheCursor) {
     form_.grid.key_down = [&](platform::KeyPress& key) {
         if (key.code == platform::key::down && key.shift) {
             form_.grid.set_cell_text(form_.grid.active_row(), form_.grid.active_column(), "stepped");
@@ -154,7 +154,7 @@ TEST_F(GridWindow, consumed_key_does_not_move_the_cursor) {
     EXPECT_EQ(form_.grid.active_row(), 2);
 }
 
-TEST_F(GridWindow, block_is_copied_and_pasted_as_tab_separated_text) {
+TEST_F(GridWindow, BlockIsCopiedAndPastedAsTabSeparatedText) {
     view_->selectionModel()->select({view_->model()->index(0, 0), view_->model()->index(1, 1)},
                                     QItemSelectionModel::ClearAndSelect);
     type(Qt::Key_C, Qt::ControlModifier);
@@ -175,7 +175,7 @@ TEST_F(GridWindow, block_is_copied_and_pasted_as_tab_separated_text) {
     EXPECT_EQ(form_.grid.cell_text(1, 1) + form_.grid.cell_text(3, 2), "77");
 }
 
-TEST_F(GridWindow, paste_leaves_blanks_and_no_numbers_alone_and_reads_a_decimal_comma) {
+TEST_F(GridWindow, PasteLeavesBlanksAndNoNumbersAloneAndReadsADecimalComma) {
     platform::Grid::Paste told;
     form_.grid.pasted = [&](const platform::Grid::Paste& paste) { told = paste; };
     const auto paste = [&](const char* text) {
@@ -194,7 +194,7 @@ TEST_F(GridWindow, paste_leaves_blanks_and_no_numbers_alone_and_reads_a_decimal_
     EXPECT_EQ(form_.grid.cell_text(1, 1), "0.95");
 }
 
-TEST_F(GridWindow, comma_types_a_point_and_what_is_no_number_is_red) {
+TEST_F(GridWindow, CommaTypesAPointAndWhatIsNoNumberIsRed) {
     form_.grid.cell_changed = [this](int row, int column) { form_.grid.set_cell_back(row, column, pending); };
     type(Qt::Key_1);
     QTest::keyClick(QApplication::focusWidget(), ',');
@@ -210,7 +210,7 @@ TEST_F(GridWindow, comma_types_a_point_and_what_is_no_number_is_red) {
     EXPECT_EQ(form_.grid.cell_text(2, 2), ".");
 }
 
-TEST_F(GridWindow, each_cell_tells_its_value_its_place_and_its_state) {
+TEST_F(GridWindow, EachCellTellsItsValueItsPlaceAndItsState) {
     form_.grid.place = [](int row, int) { return std::to_string(10 * row) + " kPa"; };
     const auto told = [this](int row, int column) {
         return view_->model()->index(row - 1, column - 1).data(Qt::AccessibleTextRole).toString().toStdString();
@@ -242,7 +242,7 @@ TEST_F(GridWindow, each_cell_tells_its_value_its_place_and_its_state) {
 }
 
 // Else the block dialog would work on other cells than the highlighted ones.
-TEST_F(GridWindow, every_way_to_extend_a_selection_tells_its_corners) {
+TEST_F(GridWindow, EveryWayToExtendASelectionTellsItsCorners) {
     std::vector<int> corners;
     form_.grid.mouse_down = form_.grid.mouse_up = [&](platform::MouseButton) {
         corners.insert(corners.end(), {form_.grid.mouse_row(), form_.grid.mouse_column()});
@@ -261,7 +261,7 @@ TEST_F(GridWindow, every_way_to_extend_a_selection_tells_its_corners) {
     EXPECT_EQ(corners, (std::vector<int>{1, 1, 4, 5}));
 }
 
-TEST_F(GridWindow, mouse_tells_the_cell_under_it_and_minus_one_outside) {
+TEST_F(GridWindow, MouseTellsTheCellUnderItAndMinusOneOutside) {
     std::vector<std::array<int, 3>> told;
     const auto note = [&](platform::MouseButton button) {
         told.push_back({static_cast<int>(button), form_.grid.mouse_row(), form_.grid.mouse_column()});

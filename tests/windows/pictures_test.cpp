@@ -26,7 +26,7 @@ void expect_nothing_clipped(FormWindow& window, QSize size) {
     EXPECT_LE(scroll->widget()->minimumSizeHint().height(), scroll->viewport()->height()) << size.height();
 }
 
-TEST(Windows, monitor_shows_every_figure_at_each_size_of_screen) {
+TEST(Windows, MonitorShowsEveryFigureAtEachSizeOfScreen) {
     QtHost host;
     views::FrmMon form;
     const auto window = make_frm_mon_window(form, host);
@@ -80,7 +80,7 @@ TEST(Windows, monitor_shows_every_figure_at_each_size_of_screen) {
     expect_nothing_clipped(*window, window->size());
 }
 
-TEST(Windows, monitor_names_each_figure_by_row_and_column_and_its_units_by_their_text) {
+TEST(Windows, MonitorNamesEachFigureByRowAndColumnAndItsUnitsByTheirText) {
     QtHost host;
     views::FrmMon form;
     const auto window = make_frm_mon_window(form, host);
@@ -96,7 +96,7 @@ TEST(Windows, monitor_names_each_figure_by_row_and_column_and_its_units_by_their
     EXPECT_EQ(name("ECU_Data(1)"), "A/F Ratio");
 }
 
-TEST(Windows, main_window_has_its_buttons_menus_and_link_state) {
+TEST(Windows, MainWindowHasItsButtonsMenusAndLinkState) {
     QtHost host;
     shell::FrmEcu form;
     const auto window = make_frm_ecu_window(form, host);
@@ -106,7 +106,7 @@ TEST(Windows, main_window_has_its_buttons_menus_and_link_state) {
     save_picture(*window);
 }
 
-TEST(Windows, small_windows_are_complete) {
+TEST(Windows, SmallWindowsAreComplete) {
     QtHost host;
     adapters::QtTimers timers;
     link::FrmDialog dialog;
@@ -144,7 +144,7 @@ TEST(Windows, small_windows_are_complete) {
     EXPECT_TRUE(dialog.form.visible()) << "the question wants an answer";
 }
 
-TEST(Windows, failure_dialog_shows_the_whole_of_a_long_question_and_reason) {
+TEST(Windows, FailureDialogShowsTheWholeOfALongQuestionAndReason) {
     QtHost host;
     link::FrmDialog dialog;
     const auto window = make_frm_dialog_window(dialog, host);
@@ -169,7 +169,7 @@ TEST(Windows, failure_dialog_shows_the_whole_of_a_long_question_and_reason) {
               1); // what Enter gives goes on; the other answer ends the program
 }
 
-TEST(Windows, failure_dialog_opens_with_its_first_answer_focused_and_nothing_malformed) {
+TEST(Windows, FailureDialogOpensWithItsFirstAnswerFocusedAndNothingMalformed) {
     QtHost host;
     link::FrmDialog dialog;
     const auto window = make_frm_dialog_window(dialog, host);
@@ -184,7 +184,7 @@ TEST(Windows, failure_dialog_opens_with_its_first_answer_focused_and_nothing_mal
     }
 }
 
-TEST(Windows, dashboard_opens_with_no_trim_in_the_way_of_the_keyboard) {
+TEST(Windows, DashboardOpensWithNoTrimInTheWayOfTheKeyboard) {
     QtHost host;
     views::FrmDashboard form;
     const auto window = make_frm_dashboard_window(form, host);
@@ -195,7 +195,7 @@ TEST(Windows, dashboard_opens_with_no_trim_in_the_way_of_the_keyboard) {
     EXPECT_EQ(window->focusWidget(), &named<QPushButton>(*window, "Command1"));
 }
 
-TEST(Windows, monitor_has_its_size_of_figures_from_the_first_frame) {
+TEST(Windows, MonitorHasItsSizeOfFiguresFromTheFirstFrame) {
     QtHost host;
     views::FrmMon form;
     const auto window = make_frm_mon_window(form, host);

@@ -31,7 +31,7 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 using platform::Peer;
 
-TEST(RemoteWindows, address_is_typed_through_with_points_and_enter) {
+TEST(RemoteWindows, AddressIsTypedThroughWithPointsAndEnter) {
     QtHost host;
     link::FrmRemoteIp form;
     const auto window = make_frm_remote_ip_window(form, host);
@@ -59,7 +59,7 @@ TEST(RemoteWindows, address_is_typed_through_with_points_and_enter) {
     EXPECT_EQ(entered, "cancelled");
 }
 
-TEST(RemoteWindows, server_shows_whom_it_serves_what_it_refused_and_the_warning_in_red) {
+TEST(RemoteWindows, ServerShowsWhomItServesWhatItRefusedAndTheWarningInRed) {
     QtHost host;
     adapters::QtTimers timers;
     link::FrmServer form(timers);
@@ -111,7 +111,7 @@ protected:
     QUdpSocket junk_;
 };
 
-TEST_F(RealSockets, a_flood_is_bounded_and_leaves_the_socket_hearing) {
+TEST_F(RealSockets, AFloodIsBoundedAndLeavesTheSocketHearing) {
     const std::uint16_t port = test::bind_free(*one_);
     const std::uint16_t two = test::bind_free(*two_);
     two_->set_remote(Peer{test::loopback, port}, true);
@@ -129,7 +129,7 @@ TEST_F(RealSockets, a_flood_is_bounded_and_leaves_the_socket_hearing) {
     EXPECT_EQ(one_->take_datagram()->from, (Peer{test::loopback, two}));
 }
 
-TEST_F(RealSockets, one_that_hears_its_remote_alone_hears_nobody_else_and_survives_its_absence) {
+TEST_F(RealSockets, OneThatHearsItsRemoteAloneHearsNobodyElseAndSurvivesItsAbsence) {
     const std::uint16_t port = test::bind_free(*one_);
     const std::uint16_t server_port = test::bind_free(*two_);
     one_->set_remote(Peer{test::loopback, server_port}, true);
@@ -208,7 +208,7 @@ protected:
     std::unique_ptr<DesktopConsole> desktop_;
 };
 
-TEST_F(ServingConsole, gives_the_command_line_the_same_calibration_as_the_cable_with_junk_beside_it) {
+TEST_F(ServingConsole, GivesTheCommandLineTheSameCalibrationAsTheCableWithJunkBesideIt) {
     serve();
     QUdpSocket junk;
     junk.bind(QHostAddress(QHostAddress::LocalHost), 0);
@@ -237,7 +237,7 @@ TEST_F(ServingConsole, gives_the_command_line_the_same_calibration_as_the_cable_
     EXPECT_EQ(content("far.set").count('\n'), 2126);
 }
 
-TEST_F(ServingConsole, tells_of_a_port_that_is_taken_and_stays_a_console) {
+TEST_F(ServingConsole, TellsOfAPortThatIsTakenAndStaysAConsole) {
     QUdpSocket holder;
     ASSERT_TRUE(holder.bind(QHostAddress(QHostAddress::AnyIPv4), server_port()));
     QString text;
