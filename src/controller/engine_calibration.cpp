@@ -1,16 +1,19 @@
 #include "controller/engine_calibration.h"
 
+#include "calibration/encoding.h"
+
 #include <algorithm>
 #include <cmath>
 
 namespace ecu::controller {
 
+using calibration::parameter;
+
 namespace {
 
-constexpr double tick_ms = 1.6e-3;  // the unit of injection times
 constexpr double full_battery = 20; // volts of a full scale
 constexpr double full_aux = 3.3;
-constexpr std::uint16_t fuel_offset_zero = 16384;
+constexpr double compensated_battery = 13.5; // at which no opening time is added
 constexpr std::array<std::size_t, 4> gpo_tables{table_base("GPO1"), table_base("GPO2"), table_base("GPO3"),
                                                 table_base("GPO4")};
 
@@ -35,6 +38,13 @@ double baro_position(double kpa) { return share(kpa, 10, 115); }
 double degrees(double raw) { return raw / 4 - 16; }
 
 } // namespace
+
+double EngineCalibration::value(const calibration::Parameter& row, std::size_t element) const {
+    const calibration::Scales scales{.map_span = static_cast<float>(map_span()),
+                                     .map_base = static_cast<float>(map_base()),
+                                     .full_scale_rpm = static_cast<float>(full_scale_rpm())};
+    return calibration::shown_value(row.shown, memory_.value(calibration::first_element(row) + element), scales);
+}
 
 double EngineCalibration::full_scale_rpm() const { return std::max(raw(slot("FS_RPM")), 1.0); }
 double EngineCalibration::map_span() const {
@@ -75,7 +85,7 @@ Fuelling EngineCalibration::fuelling(const OperatingPoint& at) const {
     const double throttle = share(at.throttle_percent, 0, 100);
     Fuelling fuel;
     fuel.map_gain = square(table_base("MAPM"), 16, x, map_position(at.manifold_kpa)) / 128;
-    if (at.rpm >= full_scale_rpm() * raw(slot("TPS_RPM")) / 1023) {
+    if (at.rpm >= value(parameter("TPS_RPM"))) {
         fuel.tps_mix = std::min(square(table_base("TPFP"), 16, x, throttle) / 64, 1.0);
     }
     const double tps_gain = square(table_base("TPFM"), 16, x, throttle) / 128;
@@ -85,8 +95,9 @@ Fuelling EngineCalibration::fuelling(const OperatingPoint& at) const {
                                nine(table_base("BARG"), baro_position(at.baro_kpa)) / 128 *
                                nine(table_base("AUXM"), share(at.aux_volts, 0, full_aux)) / 64;
     const double gain = fuel.map_gain * (1 - fuel.tps_mix) + tps_gain * fuel.tps_mix;
-    const double offset = (raw(slot("FUEL_B")) - fuel_offset_zero) + raw(slot("BAT_COMP")) * (13.5 - at.battery);
-    fuel.pulse_ms = std::max(0.0, tick_ms * (raw(slot("FUEL_MX")) * load * gain * corrections + offset));
+    const double us_a_volt = value(parameter("BAT_COMP"));
+    const double offset = value(parameter("FUEL_B")) + us_a_volt * 1e-3 * (compensated_battery - at.battery);
+    fuel.pulse_ms = std::max(0.0, value(parameter("FUEL_MX")) * load * gain * corrections + offset);
     return fuel;
 }
 
@@ -105,7 +116,7 @@ double EngineCalibration::timing(const OperatingPoint& at) const {
 }
 
 double EngineCalibration::dwell_ms(const OperatingPoint& at) const {
-    return raw(slot("IGN_TDWL")) / 100 * nine(table_base("DWEL"), map_position(at.manifold_kpa)) / 64 *
+    return value(parameter("IGN_TDWL")) * nine(table_base("DWEL"), map_position(at.manifold_kpa)) / 64 *
            nine(table_base("BATD"), share(at.battery, 0, full_battery)) / 64;
 }
 
@@ -118,14 +129,14 @@ double EngineCalibration::accel_gain(const OperatingPoint& at) const {
 }
 
 double EngineCalibration::throttle_percent(double sensor) const {
-    const double closed = raw(slot("TPS_BASE")) / 255;
-    const double opened = raw(slot("TPS_FS")) / 255;
+    const double closed = value(parameter("TPS_BASE")) / 100;
+    const double opened = value(parameter("TPS_FS")) / 100;
     return opened - closed < 0.02 ? sensor * 100 : (sensor - closed) / (opened - closed) * 100;
 }
 
 int EngineCalibration::gear_of(double rpm_per_mph) const {
     for (std::size_t n = 0; n < 8; ++n) {
-        if (rpm_per_mph >= raw(slot("RPSL") + n) / 16 && rpm_per_mph <= raw(slot("RPSH") + n) / 16) {
+        if (rpm_per_mph >= value(parameter("RPSL"), n) && rpm_per_mph <= value(parameter("RPSH"), n)) {
             return static_cast<int>(n) + 1;
         }
     }
@@ -157,7 +168,7 @@ double EngineCalibration::gpo_duty(std::size_t channel, const OperatingPoint& at
     case GpoMode::gear:
         return at.gear > 0 && memory_.value(slot("GGPO") + static_cast<std::size_t>(at.gear - 1)) == channel ? 1 : 0;
     case GpoMode::rpm_above:
-        return at.rpm >= raw(slot("RPMS") + channel) ? 1 : 0;
+        return at.rpm >= value(parameter("RPMS"), channel) ? 1 : 0;
     case GpoMode::two_wire_idle:
         return table(0, share(at.iac_position, 0, 256));
     }
@@ -178,11 +189,11 @@ BoostControl EngineCalibration::boost_control(const OperatingPoint& at) const {
             .inverted = (flags & 1U) != 0,
             .map_duty = cell / 256,
             .target_kpa = cell * map_span() / 255 + map_base(),
-            .enable_kpa = raw(slot("BOEN")) * map_span() / 255 + map_base(),
-            .preset = raw(slot("BOIS")) / 255,
-            .p = raw(slot("BO_P")) / 4096,
-            .i = raw(slot("BO_I")) / 4096,
-            .d = raw(slot("BO_D")) / 4096,
+            .enable_kpa = value(parameter("BOEN")),
+            .preset = value(parameter("BOIS")) / 100,
+            .p = value(parameter("BO_P")),
+            .i = value(parameter("BO_I")),
+            .d = value(parameter("BO_D")),
             .seconds = 0.01 * std::max(raw(slot("BORT")), 1.0)};
 }
 

@@ -67,6 +67,8 @@ public:
     int gear_of(double rpm_per_mph) const;
 
     double raw(std::size_t slot) const { return memory_.value(slot); }
+    // As the console shows it: milliseconds, per cent, degrees, by the parameter's row.
+    double value(const calibration::Parameter& row, std::size_t element = 0) const;
     bool wideband() const { return (memory_.value(slot("EGO_FLGS")) & 3U) != 0; }
     bool sensor_on_can() const { return (memory_.value(slot("EGO_FLGS")) & 3U) == 2; }
 

@@ -9,6 +9,8 @@
 
 namespace ecu::controller {
 
+using calibration::parameter;
+
 namespace {
 
 constexpr double idle_seconds = 15;
@@ -196,7 +198,7 @@ void EngineModel::control_idle_air() {
     OperatingPoint& at = state_.at;
     state_.idle_setpoint = calibration_.idle_rpm(at);
     const double error = state_.idle_setpoint - at.rpm;
-    const bool throttle_closed = at.throttle_percent < calibration_.raw(slot("IAC_TPSE")) * 100 / 1024;
+    const bool throttle_closed = at.throttle_percent < calibration_.value(parameter("IAC_TPSE"));
     double target = start_steps;
     if (state_.firmware_seconds < 1) {
         state_.iac_state = IacState::home;
@@ -223,10 +225,9 @@ void EngineModel::inject() {
     // Volts of throttle movement a second; slower movements than ACC_RATE enrich nothing.
     const double volts = throttle_rate_ * sensor_travel * 5;
     double enrichment = 0;
-    if (volts > calibration_.raw(slot("ACC_RATE")) * 76.3 / 819) {
-        const double full = calibration_.raw(slot("ACC_SEN")) * 0.205 * volts * 0.1 * calibration_.accel_gain(at);
-        enrichment =
-            held(full, calibration_.raw(slot("ACC_MINP")) * 1.6e-3, calibration_.raw(slot("ACC_MAXP")) * 1.6e-3);
+    if (volts > calibration_.value(parameter("ACC_RATE"))) {
+        const double full = calibration_.value(parameter("ACC_SEN")) * volts * 0.1 * calibration_.accel_gain(at);
+        enrichment = held(full, calibration_.value(parameter("ACC_MINP")), calibration_.value(parameter("ACC_MAXP")));
     }
     state_.accel_ms = std::max(enrichment, state_.accel_ms * (1 - engine_step / 0.25));
     if (state_.accel_ms < 0.002) {
@@ -234,7 +235,7 @@ void EngineModel::inject() {
     }
 
     const bool cut =
-        phase_ == Phase::coast && at.rpm > 1500 && at.throttle_percent < calibration_.raw(slot("TPS_ENR")) * 100 / 255;
+        phase_ == Phase::coast && at.rpm > 1500 && at.throttle_percent < calibration_.value(parameter("TPS_ENR"));
     state_.injector_ms = cut ? 0 : state_.fuel.pulse_ms * state_.ego_correction + state_.accel_ms;
     // This engine wants the fuel of its own calibration; more makes it richer. Enrichment makes up for wet walls.
     const double wanted = healthy_.fuelling(at).pulse_ms;
@@ -248,11 +249,11 @@ void EngineModel::inject() {
     const bool closed_loop = oxygen_feedback_ && settled && state_.accel_ms == 0 &&
                              calibration_.raw(slot("EGO_SECS")) > 0 &&
                              state_.firmware_seconds > calibration_.raw(slot("EGO_SECS")) &&
-                             at.throttle_percent < calibration_.raw(slot("TPS_EGO")) * 100 / 255;
+                             at.throttle_percent < calibration_.value(parameter("TPS_EGO"));
     if (closed_loop) {
         const double corrected = state_.ego_correction + (state_.lambda - state_.lambda_setpoint) * 2 * engine_step;
         state_.ego_correction =
-            held(corrected, calibration_.raw(slot("EGO_A_LO")) / 64, calibration_.raw(slot("EGO_A_HI")) / 64);
+            held(corrected, calibration_.value(parameter("EGO_A_LO")), calibration_.value(parameter("EGO_A_HI")));
     } else {
         follow(state_.ego_correction, 1, 0.3);
     }

@@ -89,12 +89,8 @@ int run(const controller::Options& options) {
 
 int main(int argc, char* argv[]) {
     const controller::Options options = controller::parse_options({argv + 1, static_cast<std::size_t>(argc - 1)});
-    if (options.help) {
-        std::cout << controller::usage();
-        return 0;
-    }
-    if (options.version) {
-        std::cout << "ecu-controller " ECU_VERSION << '\n';
+    if (!options.shown.empty()) {
+        std::cout << options.shown;
         return 0;
     }
     if (!options.error.empty()) {

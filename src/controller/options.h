@@ -5,7 +5,6 @@
 
 #include <span>
 #include <string>
-#include <string_view>
 
 namespace ecu::controller {
 
@@ -13,14 +12,11 @@ struct Options {
     Settings controller;
     std::string link_path;  // empty: no symbolic link
     std::string state_path; // empty: nothing outlives the program
-    bool help = false;
-    bool version = false;
-    std::string error; // what is wrong with the command line; empty when it is good
+    std::string shown;      // the help or the version, when it was asked for; nothing else is to be done then
+    std::string error;      // what is wrong with the command line; empty when it is good
 };
 
 // `arguments` without the program's name.
 Options parse_options(std::span<const char* const> arguments);
-
-std::string_view usage();
 
 } // namespace ecu::controller
