@@ -96,8 +96,8 @@ void TextBox::confirm(std::string_view text) {
     const bool sending = std::exchange(sending_, false);
     announce_back_once([&] {
         set_text(text);
+        set_back_colour(confirmed); // before the origin is announced, which may repaint the box
         set_origin(Origin::reply);
-        set_back_colour(confirmed);
     });
     sending_ = sending;
 }
