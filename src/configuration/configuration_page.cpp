@@ -4,6 +4,7 @@
 #include "editing/editing_rules.h"
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 namespace ecu::configuration {
@@ -21,6 +22,11 @@ constexpr calibration::ReadRequest first_block = calibration::read_request('C');
 
 std::string_view caption_of(calibration::Tab tab) {
     return calibration::tab_captions.at(static_cast<std::size_t>(page_of(tab)));
+}
+
+bool is_whole_by_a_click(const Parameter& row) {
+    return row.control.kind == calibration::ControlKind::check_box ||
+           row.control.kind == calibration::ControlKind::oxygen_sensor;
 }
 
 } // namespace
@@ -64,7 +70,14 @@ ConfigurationPage::ConfigurationPage(const platform::Ports& ports, link::SharedS
     form_.update_button.clicked = [this] { update_changed_entries(); };
     form_.menuupdate.clicked = [this] { form_.update_button.press(); };
     form_.menufileexit.clicked = [this] { form_.exit_button.press(); };
-    form_.form.on_close = [this] { walking_ ? static_cast<void>(close_wanted_ = true) : editor_.close(); };
+    form_.form.on_close = [this] {
+        if (walking_) {
+            close_wanted_ = true;
+            editor_.hush();
+        } else {
+            editor_.close();
+        }
+    };
 }
 
 void ConfigurationPage::prepare() {
@@ -94,15 +107,19 @@ void ConfigurationPage::add_items() {
             }
         } else if (!item.parameter->shows_text()) {
             add_switches(*item.parameter);
-        } else if (item.parameter == &parameter("FS_RPM")) {
-            add_full_scale(*item.parameter);
         } else {
+            // What hangs on the full scale is read again at once; what was typed into the other boxes of that block is
+            // lost by it.
+            const auto read_scales = [this] {
+                editor_.link().read(calibration::read_message(first_block), first_block.reply);
+            };
             for (int i = 0; i < item.parameter->count; ++i) {
                 platform::TextBox& box = form_.boxes(*item.parameter, i);
                 tabs_[&box] = page_of(item.parameter->screen.tab);
                 editor_.add(
                     *item.parameter, i, box,
-                    {.group = caption_of(item.parameter->screen.tab), .demo = demo_text(item.parameter->key, i)});
+                    {.group = caption_of(item.parameter->screen.tab), .demo = demo_text(item.parameter->key, i)},
+                    item.parameter == &parameter("FS_RPM") ? editing::AfterEcho(read_scales) : nullptr);
             }
         }
     }
@@ -111,15 +128,25 @@ void ConfigurationPage::add_items() {
 // Check boxes and options go out as the one number that they stand for, whichever of them was clicked.
 void ConfigurationPage::add_switches(const Parameter& row) {
     for (int i = 0; i < row.count; ++i) {
-        const auto unread = [this, &row, i] { return !state_.demo_mode && !image_.known(row, i); };
-        const auto send = [this, &row, i](editing::Walk& walk) {
-            const std::int32_t raw = controls_.switches(row, i, image_.raw(row, i));
-            walk.note_fate(walk.link.write(calibration::write_message(row, i, raw), row.write.reply));
+        const auto read = [this, &row, i] { return state_.demo_mode || image_.known(row, i); };
+        const auto clicked = [this, &row, i] { return controls_.pending(row, i); };
+        // A click says nothing of the other switches of a number that was never read; where there are none it says all.
+        const auto sendable = [whole = is_whole_by_a_click(row), read, clicked] {
+            return clicked() && (whole || read());
         };
-        // A click says nothing of the other boxes of a number that was never read.
+        const auto value = [this, &row, i] { return controls_.switches(row, i, image_.raw(row, i)); };
+        const auto clicks = std::make_shared<std::vector<messages::ParameterControls::Click>>();
         editor_.add(editing::CustomItem{
-                        .pending = [this, &row, i, unread] { return controls_.pending(row, i) && !unread() ? 1 : 0; },
-                        .send = send,
+                        .pending = [sendable] { return sendable() ? 1 : 0; },
+                        .send =
+                            [this, &row, i, value](editing::Walk& walk) {
+                                const std::int32_t raw = value();
+                                controls_.begin_sending(row, i, raw);
+                                const editing::Fate fate =
+                                    walk.link.write(calibration::write_message(row, i, raw), row.write.reply);
+                                controls_.end_sending();
+                                walk.note_fate(fate);
+                            },
                         .open =
                             [this, &row, i](bool demo) {
                                 if (!demo) {
@@ -127,30 +154,14 @@ void ConfigurationPage::add_switches(const Parameter& row) {
                                     controls_.choose_none(row, i); // a code may come that no option stands for
                                 }
                             },
-                        .unread = [unread] { return unread() ? 1 : 0; },
+                        .unread = [read, sendable] { return read() || sendable() ? 0 : 1; },
+                        .held_back = [read, clicked, sendable] { return clicked() && !sendable() && !read() ? 1 : 0; },
+                        .value = value,
+                        .keep = [this, &row, i, clicks] { *clicks = controls_.clicks(row, i); },
+                        .restore = [clicks] { messages::ParameterControls::click_again(*clicks); },
                         .row = &row},
                     {.group = caption_of(row.screen.tab)});
     }
-}
-
-// What hangs on the full scale is read again at once; what was typed into the other boxes of that block is lost by it.
-void ConfigurationPage::add_full_scale(const Parameter& row) {
-    platform::TextBox& box = form_.boxes(row);
-    box.changed = [this, &box] {
-        box.set_back_colour(pending);
-        editor_.changed();
-    };
-    editor_.add(editing::CustomItem{.pending = [&box] { return box.is_pending() ? 1 : 0; },
-                                    .send =
-                                        [&row, &box](editing::Walk& walk) {
-                                            const editing::Fate fate = walk.link.send_entry(row, 0, box, walk.go_on);
-                                            walk.note_fate(fate);
-                                            if (fate == editing::Fate::accepted && walk.go_on()) {
-                                                walk.link.read(calibration::read_message(first_block),
-                                                               first_block.reply);
-                                            }
-                                        }},
-                {.group = caption_of(row.screen.tab)});
 }
 
 // -- Controls
@@ -178,7 +189,7 @@ void ConfigurationPage::wire_switches() {
     const auto colour_on_click = [this](auto& control) {
         control.clicked = [this, &control] {
             control.set_fore_colour(pending);
-            editor_.changed();
+            editor_.entered();
         };
     };
     // The tag is what counts; the colour shows the user which boxes he touched.
@@ -186,7 +197,7 @@ void ConfigurationPage::wire_switches() {
         box.clicked = [this, &box, &tagged] {
             tagged.set_tag(marked);
             box.set_fore_colour(pending);
-            editor_.changed();
+            editor_.entered();
         };
     };
     const auto colour_all = [&](auto& controls) {
@@ -217,7 +228,7 @@ void ConfigurationPage::wire_switches() {
             const bool takes_voltages = option.index() == calibration::oxygen_sensor_with_voltages;
             form_.box("EGO_WBL0").set_enabled(takes_voltages);
             form_.box("EGO_WBL1").set_enabled(takes_voltages);
-            editor_.changed();
+            editor_.entered();
         };
     }
 }

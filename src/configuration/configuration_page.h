@@ -32,7 +32,6 @@ private:
     void prepare();
     void add_items();
     void add_switches(const calibration::Parameter& row);
-    void add_full_scale(const calibration::Parameter& row);
     void wire_boxes();
     void wire_switches();
     void wire_tools();

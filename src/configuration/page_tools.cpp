@@ -1,7 +1,6 @@
 // The three tools of the configuration page. They write into boxes, which thereby become pending; Update sends those.
 #include "configuration/configuration_page.h"
 #include "configuration/stutter_tool.h"
-#include "link/pause.h"
 #include "messages/catalogue.h"
 #include "platform/display_mask.h"
 #include "platform/leading_number.h"
@@ -36,13 +35,11 @@ void ConfigurationPage::wire_tools() {
 // The box is cleared first, so that what stands in it afterwards is what the controller measured; without its answer it
 // stays a value that was not read, which Update does not send.
 void ConfigurationPage::calibrate_throttle(std::size_t which) {
-    if (walking_ || editor_.opening()) {
-        return;
-    }
-    const link::Pause pause(state_);
-    const messages::Command& measure = throttle_messages.at(which);
-    form_.box(throttle_keys.at(which)).blank();
-    editor_.link().read({measure.code, 0, 0, 0}, measure.reply);
+    editor_.run_tool([this, which] {
+        const messages::Command& measure = throttle_messages.at(which);
+        form_.box(throttle_keys.at(which)).blank();
+        editor_.link().read({measure.code, 0, 0, 0}, measure.reply);
+    });
 }
 
 void ConfigurationPage::make_stutter_text() {

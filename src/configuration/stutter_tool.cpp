@@ -29,12 +29,18 @@ std::string stutter_text(double skips, double hits) {
     return text;
 }
 
+// A position is a character, which may take several bytes of the text.
 StutterWords stutter_words(std::string_view text) {
+    const auto continues = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; };
     StutterWords words{};
+    std::size_t at = 0;
     for (std::size_t i = 0; i < stutter_events; ++i) {
-        if (i >= text.size() || text[i] == '1') {
+        if (at >= text.size() || text[at] == '1') {
             words[i / events_of_word] |= 1 << i % events_of_word;
         }
+        do {
+            ++at;
+        } while (at < text.size() && continues(text[at]));
     }
     return words;
 }

@@ -54,8 +54,8 @@ void Editor::add_box(std::unique_ptr<BoxItem> item, ItemTexts texts) {
     items_.push_back({std::move(item), std::move(texts)});
 }
 
-void Editor::add(const calibration::Parameter& row, int element, TextBox& box, ItemTexts texts) {
-    add_box(std::make_unique<BoxItem>(row, element, box, texts.demo), std::move(texts));
+void Editor::add(const calibration::Parameter& row, int element, TextBox& box, ItemTexts texts, AfterEcho after) {
+    add_box(std::make_unique<BoxItem>(row, element, box, texts.demo, std::move(after)), std::move(texts));
 }
 
 void Editor::add(const calibration::Table& row, int index, TextBox& box, ItemTexts texts) {
@@ -184,6 +184,7 @@ void Editor::close() {
 
 void Editor::unloading() {
     exit_requested_ = true; // also when another view's menu item or the window's own button closed it
+    link_.hush();
     if (state_.comm_aborted) {
         blank_all();
         ++opening_; // an Update under way must not send what is no value
@@ -234,6 +235,26 @@ void Editor::update() {
         window_.walking(false);
     }
     ports_.wait_seconds(window_.update_waits.after);
+}
+
+void Editor::run_tool(const std::function<void()>& send) {
+    if (updating_ || loading_ || state_.demo_mode || state_.comm_aborted) {
+        return;
+    }
+    updating_ = true;
+    if (window_.walking) {
+        window_.walking(true);
+    }
+    {
+        const link::Pause pause(state_);
+        send();
+    }
+    updating_ = false;
+    update_again_ = false;
+    show_status();
+    if (window_.walking) {
+        window_.walking(false);
+    }
 }
 
 void Editor::walk(int opening) {

@@ -71,7 +71,8 @@ public:
 
     // -- What is walked, in this order
 
-    void add(const calibration::Parameter& row, int element, platform::TextBox& box, ItemTexts texts = {});
+    void add(const calibration::Parameter& row, int element, platform::TextBox& box, ItemTexts texts = {},
+             AfterEcho after = {});
     void add(const calibration::Table& row, int index, platform::TextBox& box, ItemTexts texts = {});
     void add(const calibration::Table& row, platform::Grid& grid, ItemTexts texts = {});
     void add(CustomItem item, ItemTexts texts = {});
@@ -96,9 +97,13 @@ public:
 
     // -- What the user does
 
-    void open();   // the form's activation
-    void update(); // sends exactly what is pending; asked for while it runs it walks once more
-    void close();  // as the exit button
+    void open();                  // the form's activation
+    void update();                // sends exactly what is pending; asked for while it runs it walks once more
+    void close();                 // as the exit button
+    void hush() { link_.hush(); } // an Update that runs asks and says nothing more, since the user wants to leave
+    // A message of a tool's own, with the window as during an Update. Nothing while one of the other runs, or when no
+    // message would go out.
+    void run_tool(const std::function<void()>& send);
     // Reads what is still unread, and nothing else; what is typed stays pending. A custom item with unread values has
     // every single message sent again.
     void read_again();
@@ -108,6 +113,7 @@ public:
     // All values yellow and empty, or the samples of demo mode.
     void blank_all();
     void changed(); // something of a custom item: counts, and redraws, with the next events
+    void entered(); // the same, by the user or a tool: what the last Update told is over
     void show_status();
     void show_progress(std::string_view text); // while the opening read runs
     bool opening() const { return loading_; }
@@ -124,7 +130,6 @@ private:
     };
 
     void add_box(std::unique_ptr<BoxItem> item, ItemTexts texts);
-    void entered(); // by the user or a tool, not by a reply to this editor
     void run_opening(bool again);
     std::string show_place(platform::Control& control, int row, int column);
     void note_paste(const GridItem& item, const platform::Grid::Paste& paste);

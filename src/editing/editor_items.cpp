@@ -44,10 +44,9 @@ void BoxItem::open(bool demo, bool blank) {
 
 void BoxItem::send(Walk& walk) {
     if (box_.to_be_sent()) {
-        changed_ = false;
-        const Fate fate = parameter_ != nullptr ? walk.link.send_entry(*parameter_, index_, box_, walk.go_on)
+        const Fate fate = parameter_ != nullptr ? walk.link.send_entry(*parameter_, index_, box_, walk.go_on, after_)
                                                 : walk.link.send_entry(*table_, index_, box_, walk.go_on);
-        not_taken_ = in_vain(fate) && !changed_;
+        not_taken_ = in_vain(fate) && !box_.entered_behind();
         walk.note_fate(fate);
     }
 }
@@ -108,7 +107,7 @@ void GridItem::send(Walk& walk) {
             changed_[static_cast<std::size_t>(i)] = false;
             const Fate fate = walk.link.send_entry(row_, i, grid_, walk.go_on);
             // Typed into while it was under way, it is a new entry, which nothing has sent yet.
-            not_taken_[static_cast<std::size_t>(i)] = in_vain(fate) && !changed_[static_cast<std::size_t>(i)];
+            not_taken_[static_cast<std::size_t>(i)] = in_vain(fate) && !grid_.entered_behind();
             walk.note_fate(fate);
         },
         walk.go_on);
@@ -155,8 +154,11 @@ void GridItem::restore_behind() {
 
 Counts OtherItem::counts() const {
     const int pending = item_.pending();
-    return {
-        .pending = pending, .unread = item_.unread ? item_.unread() : 0, .not_taken = std::min(not_taken_, pending)};
+    const bool anew = item_.value && item_.value() != sent_; // which nothing has sent yet
+    return {.pending = pending,
+            .unread = item_.unread ? item_.unread() : 0,
+            .held_back = item_.held_back ? item_.held_back() : 0,
+            .not_taken = anew ? 0 : std::min(not_taken_, pending)};
 }
 
 void OtherItem::open(bool demo, bool) {
@@ -177,11 +179,24 @@ void OtherItem::send(Walk& walk) {
         return;
     }
     not_taken_ = 0;
+    sent_ = item_.value ? item_.value() : 0;
     Walk counting{.link = walk.link, .go_on = walk.go_on, .note_fate = [this, &walk](Fate fate) {
                       not_taken_ += in_vain(fate) ? 1 : 0;
                       walk.note_fate(fate);
                   }};
     item_.send(counting);
+}
+
+void OtherItem::keep_entries() {
+    if (item_.keep) {
+        item_.keep();
+    }
+}
+
+void OtherItem::restore_entries() {
+    if (item_.restore) {
+        item_.restore();
+    }
 }
 
 } // namespace ecu::editing

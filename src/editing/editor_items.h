@@ -32,9 +32,13 @@ struct Walk {
 struct CustomItem {
     std::function<int()> pending; // values that Update would send
     std::function<void(Walk&)> send;
-    std::function<void(bool demo)> open = {};    // the opening, before the reads
-    std::function<void(bool locked)> lock = {};  // while the opening read runs
-    std::function<int()> unread = {};            // values that no reply has filled yet
+    std::function<void(bool demo)> open = {};   // the opening, before the reads
+    std::function<void(bool locked)> lock = {}; // while the opening read runs
+    std::function<int()> unread = {};           // values that no reply has filled yet
+    std::function<int()> held_back = {};        // of these, what was entered and is not sent before it is read
+    std::function<std::int32_t()> value = {};   // what is entered, to be told from what was sent before
+    std::function<void()> keep = {};            // around a second read: replies must not take entries away
+    std::function<void()> restore = {};
     const calibration::Parameter* row = nullptr; // whose read fills them; null: any read might
 };
 
@@ -63,8 +67,10 @@ public:
 // A box that shows a scalar, an element of a vector, or a table's cell.
 class BoxItem final : public EditorItem {
 public:
-    BoxItem(const calibration::Parameter& row, int element, platform::TextBox& box, std::string_view demo)
-        : parameter_(&row), index_(element), box_(box), demo_(demo) {}
+    // `after` follows the accepted echo.
+    BoxItem(const calibration::Parameter& row, int element, platform::TextBox& box, std::string_view demo,
+            AfterEcho after = {})
+        : parameter_(&row), index_(element), box_(box), demo_(demo), after_(std::move(after)) {}
     BoxItem(const calibration::Table& row, int index, platform::TextBox& box, std::string_view demo)
         : table_(&row), index_(index), box_(box), demo_(demo) {}
     Counts counts() const override;
@@ -78,10 +84,7 @@ public:
     const platform::Control* control() const override { return &box_; }
 
     platform::TextBox& box() const { return box_; }
-    void note_changed() {
-        changed_ = true;
-        not_taken_ = false;
-    }
+    void note_changed() { not_taken_ = false; }
 
 private:
     const calibration::Parameter* parameter_ = nullptr;
@@ -89,7 +92,7 @@ private:
     int index_;
     platform::TextBox& box_;
     std::string demo_;
-    bool changed_ = false;   // since its text was sent
+    AfterEcho after_;
     bool not_taken_ = false; // its text was sent, or refused, in vain
     bool keeps_ = false;
     std::string kept_;
@@ -134,6 +137,8 @@ public:
     void open(bool demo, bool) override;
     void lock(bool locked) override;
     void send(Walk& walk) override;
+    void keep_entries() override;
+    void restore_entries() override;
     bool wants(const calibration::ReadRequest& request) const override {
         return counts().unread > 0 && (item_.row == nullptr || item_.row->read.command == request.command);
     }
@@ -141,6 +146,7 @@ public:
 private:
     CustomItem item_;
     int not_taken_ = 0; // of the last sending
+    std::int32_t sent_ = 0;
 };
 
 } // namespace ecu::editing

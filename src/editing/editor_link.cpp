@@ -15,6 +15,23 @@ void EditorLink::Place::replace(std::string_view text) const {
     row == 0 ? control.set_text(text) : static_cast<platform::Grid&>(control).set_cell_text(row, column, text);
 }
 
+void EditorLink::Place::begin_sending() const {
+    row == 0 ? static_cast<platform::TextBox&>(control).begin_sending()
+             : static_cast<platform::Grid&>(control).begin_sending(row, column);
+}
+
+bool EditorLink::Place::end_sending() const {
+    const auto end = [](auto& sender) {
+        sender.end_sending();
+        return sender.entered_behind();
+    };
+    return row == 0 ? end(static_cast<platform::TextBox&>(control)) : end(static_cast<platform::Grid&>(control));
+}
+
+bool EditorLink::given_up() const {
+    return one_ != nullptr && (state_.comm_aborted || (state_.demo_mode && !demo_before_));
+}
+
 Answer EditorLink::say(const Place& place, std::string_view text, platform::Buttons buttons) {
     platform::MessageBox box{.text = std::string(text), .buttons = buttons};
     if (buttons != platform::Buttons::ok) { // a second Enter behind that of the Update is no consent
@@ -28,7 +45,15 @@ Answer EditorLink::say(const Place& place, std::string_view text, platform::Butt
 }
 
 Fate EditorLink::settle(const EncodedEntry& entry, const Place& place, const GoOn& go_on, const link::Message& message,
-                        int expected_length) {
+                        int expected_length, const AfterEcho& after) {
+    place.begin_sending();
+    place.end_sending(); // nothing was entered behind it yet
+    if (given_up()) {
+        return Fate::not_sent; // neither asked for nor said
+    }
+    if (hushed_ && !(entry.question.empty() && entry.notice.empty() && entry.refusal.empty())) {
+        return Fate::skipped;
+    }
     const auto dropped = [&] { return go_on && !go_on(); };
     if (!entry.question.empty() &&
         (say(place, entry.question, platform::Buttons::yes_no_cancel) != Answer::yes || dropped())) {
@@ -48,16 +73,24 @@ Fate EditorLink::settle(const EncodedEntry& entry, const Place& place, const GoO
         say(place, entry.refusal);
         return Fate::refused;
     }
+    place.begin_sending();
     const Fate fate = write(message, expected_length);
-    if (fate == Fate::accepted && entry.held && on_held) {
-        on_held(entered, place.text());
+    const std::string echoed = place.text();
+    if (fate == Fate::accepted && after && !dropped()) {
+        after();
+    }
+    const bool entered_behind = place.end_sending();
+    if (fate == Fate::accepted && entry.held && on_held && !entered_behind) {
+        on_held(entered, echoed);
     }
     return fate;
 }
 
-Fate EditorLink::send_entry(const calibration::Parameter& row, int element, platform::TextBox& box, const GoOn& go_on) {
+Fate EditorLink::send_entry(const calibration::Parameter& row, int element, platform::TextBox& box, const GoOn& go_on,
+                            const AfterEcho& after) {
     const EncodedEntry entry = calibration::raw_from_entry(row, box.text(), scales_);
-    return settle(entry, {.control = box}, go_on, calibration::write_message(row, element, entry.raw), row.write.reply);
+    return settle(entry, {.control = box}, go_on, calibration::write_message(row, element, entry.raw), row.write.reply,
+                  after);
 }
 
 Fate EditorLink::send_entry(const calibration::Table& row, int index, platform::TextBox& box, const GoOn& go_on) {
@@ -86,6 +119,9 @@ Fate EditorLink::write(const link::Message& message, int expected_length) {
         return Fate::skipped;
     }
     const link::Outcome outcome = send(message, expected_length);
+    if (lost() && (given_up() || hushed_)) {
+        return Fate::skipped; // the user has had his say
+    }
     if (lost()) {
         ports_.dialogs.message_box(
             {.text = "The update has stopped: " + one_->trouble() +

@@ -26,6 +26,8 @@ enum class Fate : std::uint8_t {
 
 // Asked after whatever let events through: is the value still to be sent? Empty: always.
 using GoOn = std::function<bool()>;
+// What has to follow the accepted echo of a value at once.
+using AfterEcho = std::function<void()>;
 
 class EditorLink {
 public:
@@ -34,7 +36,9 @@ public:
         : ports_(ports), state_(state), comm_(comm), scales_(scales) {}
 
     // A scalar (element 0) or element of a vector that a box shows.
-    Fate send_entry(const calibration::Parameter& row, int element, platform::TextBox& box, const GoOn& go_on = {});
+    // What is entered into the box until all of it has come back is a new entry and stays.
+    Fate send_entry(const calibration::Parameter& row, int element, platform::TextBox& box, const GoOn& go_on = {},
+                    const AfterEcho& after = {});
     // A table's cell, in one of nine boxes or in a grid. `index` counts the table's bytes.
     Fate send_entry(const calibration::Table& row, int index, platform::TextBox& box, const GoOn& go_on = {});
     Fate send_entry(const calibration::Table& row, int index, platform::Grid& grid, const GoOn& go_on = {});
@@ -46,8 +50,14 @@ public:
     class ToOneController {
     public:
         explicit ToOneController(EditorLink& link)
-            : link_(link), controller_(link.comm_, link.state_), before_(std::exchange(link.one_, &controller_)) {}
-        ~ToOneController() { link_.one_ = before_; }
+            : link_(link), controller_(link.comm_, link.state_), before_(std::exchange(link.one_, &controller_)) {
+            link.demo_before_ = link.state_.demo_mode;
+            link.hushed_ = false;
+        }
+        ~ToOneController() {
+            link_.one_ = before_;
+            link_.hushed_ = false;
+        }
         ToOneController(const ToOneController&) = delete;
         ToOneController& operator=(const ToOneController&) = delete;
 
@@ -57,6 +67,8 @@ public:
         link::SameController* before_;
     };
     bool lost() const { return one_ != nullptr && one_->lost(); }
+    // The user has left the window in mid-walk: nothing is asked or said any more. What would need a word is not sent.
+    void hush() { hushed_ = one_ != nullptr; }
 
     // Whether an entry would be refused or held.
     bool out_of_range(const calibration::Table& row, std::string_view text) const;
@@ -84,9 +96,13 @@ private:
         int column = 0;
         std::string text() const;
         void replace(std::string_view text) const;
+        void begin_sending() const;
+        bool end_sending() const; // whether something was entered meanwhile
     };
     Fate settle(const calibration::EncodedEntry& entry, const Place& place, const GoOn& go_on,
-                const link::Message& message, int expected_length);
+                const link::Message& message, int expected_length, const AfterEcho& after = {});
+    // The failure dialog inside this walk was answered so that no message goes out any more.
+    bool given_up() const;
     link::Outcome send(const link::Message& message, int expected_length);
     platform::Answer say(const Place& place, std::string_view text, platform::Buttons buttons = platform::Buttons::ok);
 
@@ -95,6 +111,8 @@ private:
     link::EcuComm& comm_;
     const calibration::Scales& scales_;
     link::SameController* one_ = nullptr; // while a walk runs
+    bool demo_before_ = false;            // the walk began in demo mode
+    bool hushed_ = false;
 };
 
 } // namespace ecu::editing

@@ -6,7 +6,7 @@
 namespace ecu::editing {
 
 void Editor::entered() {
-    if (!updating_ && !loading_) { // else it may be a reply
+    if (!updating_ && !loading_) { // else it may be a reply to this editor
         tally_ = {};
         note_.clear();
     }

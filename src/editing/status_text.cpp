@@ -47,6 +47,7 @@ Counts& Counts::operator+=(const Counts& other) {
     cut_short += other.cut_short;
     unread += other.unread;
     unread_cells += other.unread_cells;
+    held_back += other.held_back;
     not_taken += other.not_taken;
     return *this;
 }
@@ -64,6 +65,10 @@ std::string status_text(const Status& status) {
     if (counts.unread > 0) {
         add(counted(counts.unread, counts.unread == counts.unread_cells ? "cell" : "value") + " not read" +
             (status.demo ? "" : ": read again"));
+    }
+    if (counts.held_back > 0) {
+        add(std::to_string(counts.held_back) + " changed, but not sent before the rest of " +
+            (counts.held_back == 1 ? "it" : "them") + " is read");
     }
     if (counts.pending > 0) {
         add(pending_text(status));

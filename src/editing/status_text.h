@@ -15,6 +15,7 @@ struct Counts {
     int cut_short = 0;    // and what is none and would go out as the digits it begins with
     int unread = 0;       // neither a reply nor an entry has filled them since the opening
     int unread_cells = 0; // of these, cells of tables
+    int held_back = 0;    // of the unread, entered in part: sent when the rest of the value has been read
     int not_taken = 0;    // sent or refused, and not confirmed since
 
     Counts& operator+=(const Counts& other);

@@ -168,7 +168,9 @@ void ParameterControls::show_as(const Parameter& row, int i, std::int32_t raw,
                                 const calibration::Conversion& conversion) {
     const Element& element = at(row, i);
     if (element.box == nullptr) {
-        show_switches(row, element, raw);
+        if (&element != sending_ || switches(row, i, sent_) == sent_) {
+            show_switches(row, element, raw);
+        }
         return;
     }
     const std::string text = calibration::shown_as(conversion, row.mask, raw, scales_);
@@ -216,6 +218,39 @@ void ParameterControls::show_switches(const Parameter& row, const Element& eleme
     }
     for (OptionButton* option : element.options) {
         clear_marks(*option);
+    }
+}
+
+void ParameterControls::begin_sending(const Parameter& row, int i, std::int32_t raw) {
+    sending_ = &at(row, i);
+    sent_ = raw;
+}
+
+std::vector<ParameterControls::Click> ParameterControls::clicks(const Parameter& row, int i) const {
+    std::vector<Click> clicked;
+    for (CheckBox* box : at(row, i).checks) {
+        if (box->fore_colour() == platform::pending) {
+            clicked.push_back({box, box->checked()});
+        }
+    }
+    for (OptionButton* option : at(row, i).options) {
+        if (option->fore_colour() == platform::pending && option->checked()) {
+            clicked.push_back({option, true});
+        }
+    }
+    return clicked;
+}
+
+void ParameterControls::click_again(const std::vector<Click>& clicks) {
+    for (const auto& [control, checked] : clicks) {
+        const auto set = [checked](auto& button) {
+            button.set_checked(checked);
+            if (button.clicked) { // it marks, also where nothing changed
+                button.clicked();
+            }
+        };
+        control->kind() == platform::Kind::check_box ? set(static_cast<CheckBox&>(*control))
+                                                     : set(static_cast<OptionButton&>(*control));
     }
 }
 

@@ -19,6 +19,19 @@ public:
     void show_echo(const calibration::Parameter& row, int i, std::int32_t raw);
     void show_as(const calibration::Parameter& row, int i, std::int32_t raw, const calibration::Conversion& conversion);
 
+    // While `raw` is on the way: its echo leaves the switches alone where they stand for another number by then, which
+    // the user has set meanwhile.
+    void begin_sending(const calibration::Parameter& row, int i, std::int32_t raw);
+    void end_sending() { sending_ = nullptr; }
+
+    // What the user has clicked of an element since the last reply; put back by `click_again` with its marks.
+    struct Click {
+        platform::Control* control;
+        bool checked;
+    };
+    std::vector<Click> clicks(const calibration::Parameter& row, int i) const;
+    static void click_again(const std::vector<Click>& clicks);
+
     // None of its options is chosen, as before a first reading.
     void choose_none(const calibration::Parameter& row, int i);
     // Whether the user has changed it since: a yellow box; a yellow foreground or a tag among its switches.
@@ -43,6 +56,8 @@ private:
     const calibration::Scales& scales_;
     std::vector<Element> elements_;
     std::vector<std::size_t> first_elements_;
+    const Element* sending_ = nullptr;
+    std::int32_t sent_ = 0;
     std::array<platform::TextBox*, 2> oxygen_voltage_boxes_;
 };
 

@@ -83,17 +83,28 @@ void TextBox::set_origin(Origin origin) {
 void TextBox::set_text(std::string_view text) {
     Control::set_text(text);
     set_origin(after_entry(origin_, text.empty()));
+    entered_behind_ = entered_behind_ || sending_;
     if (changed) {
         changed();
     }
 }
 
 void TextBox::confirm(std::string_view text) {
+    if (sending_ && entered_behind_) {
+        return;
+    }
+    const bool sending = std::exchange(sending_, false);
     announce_back_once([&] {
         set_text(text);
+        set_back_colour(confirmed); // before the origin is announced, which may repaint the box
         set_origin(Origin::reply);
-        set_back_colour(confirmed);
     });
+    sending_ = sending;
+}
+
+void TextBox::begin_sending() {
+    sending_ = true;
+    entered_behind_ = false;
 }
 
 void TextBox::forget() { set_origin(Origin::unread); }

@@ -168,9 +168,17 @@ public:
     bool multi_line = false; // shown as a text area, read-only for the user
     std::function<void()> changed;
 
+    // While its text is on the way to the controller: what is entered meanwhile is a new entry, and the reply, which
+    // answers the old one, leaves it alone.
+    void begin_sending();
+    void end_sending() { sending_ = false; }
+    bool entered_behind() const { return entered_behind_; } // since the last begin
+
 private:
     void set_origin(Origin origin);
     Origin origin_ = Origin::none;
+    bool sending_ = false;
+    bool entered_behind_ = false;
 };
 
 // A button with two states. Setting a different state from the program fires `clicked`, as a click does.

@@ -53,6 +53,7 @@ void Grid::set_cell_text(int row, int column, std::string_view text) {
         announce_cell(row, column);
     }
     set_origin(row, column, after_entry(target.origin, text.empty()));
+    entered_behind_ = entered_behind_ || sending_ == &target;
     if (cell_changed) {
         cell_changed(row, column);
     }
@@ -75,9 +76,19 @@ void Grid::set_cell_back(int row, int column, std::optional<Colour> colour) {
 }
 
 void Grid::confirm_cell(int row, int column, std::string_view text) {
+    if (sending_ == &cell(row, column) && entered_behind_) {
+        return;
+    }
+    const Cell* const sending = std::exchange(sending_, nullptr);
     set_cell_text(row, column, text);
     set_origin(row, column, Origin::reply);
     set_cell_back(row, column, confirmed);
+    sending_ = sending;
+}
+
+void Grid::begin_sending(int row, int column) {
+    sending_ = &cell(row, column);
+    entered_behind_ = false;
 }
 
 void Grid::blank_cell(int row, int column) {

@@ -47,6 +47,10 @@ public:
         Origin origin = Origin::none;
     };
     const Cell& cell_state(int row, int column) const { return cell(row, column); }
+    // As a box's: an entry into the cell whose text is on the way stays when the reply comes.
+    void begin_sending(int row, int column);
+    void end_sending() { sending_ = nullptr; }
+    bool entered_behind() const { return entered_behind_; } // since the last begin
     void restore_cell(int row, int column, const Cell& state);
 
     // Where a cell stands in the map, for the user: "265 kPa, 312 rpm". Empty: nobody told.
@@ -130,6 +134,8 @@ private:
     int batch_ = 0;
     bool dirty_ = false;
     bool locked_ = false;
+    const Cell* sending_ = nullptr;
+    bool entered_behind_ = false;
     Area shown_block_{1, 1, 0, 0};
 };
 

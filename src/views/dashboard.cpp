@@ -271,7 +271,8 @@ void Dashboard::send_trims() {
                                [&](editing::Fate fate) {
                                    tally_.sent += fate == editing::Fate::accepted ? 1 : 0;
                                    const bool went = fate != editing::Fate::refused && fate != editing::Fate::skipped;
-                                   if (went && &trim.box() != &form_.base_offset_deg) { // that one waits for the echo
+                                   if (went && !trim.box().entered_behind() &&
+                                       &trim.box() != &form_.base_offset_deg) { // that one waits for the echo
                                        trim.box().set_back_colour(platform::confirmed);
                                    }
                                }};

@@ -27,6 +27,10 @@ struct PageBench : testing::Test {
         console.state.comm_port_number = 3;
         wired.controller.on_request = [this](const link::Request& request) {
             sent.emplace_back(request.begin() + 2, request.begin() + 6);
+            if (lost_ == request[2]) {
+                lost_ = 0;
+                wired.controller.faults().strike_next(controller::Fault::lost, 10);
+            }
             if (on_request) {
                 on_request(request[2]);
             }
@@ -54,6 +58,15 @@ struct PageBench : testing::Test {
         desktop.run_for(3);
         sent.clear();
     }
+    void close() {
+        page.exit_button.press();
+        desktop.run_for(1);
+    }
+    // Every try of the next message of this code goes unanswered, and the failure dialog gets this button.
+    void lose(std::uint8_t code, std::size_t button = 0) {
+        press_in_dialog(button);
+        lost_ = code;
+    }
     std::vector<Bytes> update() {
         sent.clear();
         page.update_button.press();
@@ -72,12 +85,28 @@ struct PageBench : testing::Test {
         const std::int32_t raw = memory.value(calibration::first_element(row) + static_cast<std::size_t>(i));
         return row.read.width == calibration::Width::signed_word && raw >= 32768 ? raw - 65536 : raw;
     }
+    static std::vector<int> codes(const std::vector<Bytes>& messages) {
+        std::vector<int> result;
+        for (const Bytes& message : messages) {
+            result.push_back(message[0]);
+        }
+        return result;
+    }
+    // `list` with each pair's code as often as it says.
+    static std::vector<int> repeated(std::initializer_list<std::pair<int, int>> list) {
+        std::vector<int> result;
+        for (const auto& [code, times] : list) {
+            result.insert(result.end(), static_cast<std::size_t>(times), code);
+        }
+        return result;
+    }
     void press_in_dialog(std::size_t button) {
         desktop.on_modal("frm_Dialog",
                          [this, button](platform::Form&) { console.forms.frm_dialog.dialog_button[button].press(); });
     }
 
 private:
+    std::uint8_t lost_ = 0;
     static std::int32_t distinct(const Parameter& row, int i) {
         const int place = static_cast<int>(calibration::first_element(row)) + i;
         return calibration::bytes_of(row.read.width) == 1 ? 5 + place % 50 : 400 + place * 3;

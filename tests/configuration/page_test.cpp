@@ -12,23 +12,6 @@ using testing::StartsWith;
 
 using ConfigurationPage = PageBench;
 
-std::vector<int> codes(const std::vector<Bytes>& messages) {
-    std::vector<int> result;
-    for (const Bytes& message : messages) {
-        result.push_back(message[0]);
-    }
-    return result;
-}
-
-// `list` with each pair's code as often as it says.
-std::vector<int> repeated(std::initializer_list<std::pair<int, int>> list) {
-    std::vector<int> result;
-    for (const auto& [code, times] : list) {
-        result.insert(result.end(), static_cast<std::size_t>(times), code);
-    }
-    return result;
-}
-
 TEST_F(ConfigurationPage, EveryOpeningReadsAllInItsOrderAndShowsItWithNothingPending) {
     const std::vector<int> order{'C', 'B', 167, 161, 183, 233, 235, 24,  26,  237, 239, 28,  241, 243, '@', 40,  163,
                                  148, 157, 229, 231, 201, 202, 12,  203, 155, 159, 165, 127, 176, 'U', 'V', 'W', 'S',
@@ -163,7 +146,7 @@ TEST_F(ConfigurationPage, EntriesAreHeldWrappedOrReplacedAsTheirRowsSay) {
                                   {"INJL", "51", {13, 0, 0x12, 0x7A}, "50.000"},
                                   {"INJM", "-3", {206, 0, 0, 0}, "0.000"},
                                   {"IGN_TDWL", "8.01", {149, 0x20, 0x03, 0}, "8.00"},
-                                  {"IGN_TDWL", "abc", {149, 50, 0, 0}, ".50"},
+                                  {"IGN_TDWL", "abc", {149, 50, 0, 0}, "0.50"},
                                   {"TDC_TETH", "256", {168, 255, 0, 0}, "255"},
                                   {"TDC_TRIM", "-17", {162, 0, 0, 0}, "-16.00"},
                                   {"CRK_TDEG", "48", {21, 255, 0, 0}, "47.75"},
@@ -183,7 +166,7 @@ TEST_F(ConfigurationPage, EntriesAreHeldWrappedOrReplacedAsTheirRowsSay) {
                                   {"EGO_SECS", "-5", {'b', 0, 0, 0}, "0"}};
     for (const Case& one : cases) {
         EXPECT_THAT(update_of(one.key, one.entry), ElementsAre(one.message)) << one.key << " " << one.entry;
-        EXPECT_EQ(std::stod("0" + page.box(one.key).text()), std::stod("0" + std::string(one.shown))) << one.key;
+        EXPECT_EQ(page.box(one.key).text(), one.shown) << one.key;
         EXPECT_FALSE(page.box(one.key).is_pending()) << one.key;
     }
     EXPECT_TRUE(desktop.boxes().empty());
@@ -241,36 +224,16 @@ TEST_F(ConfigurationPage, ARefusalOrAnAnswerSkipsOnlyItsOwnControl) {
     EXPECT_TRUE(page.box("EGO_GAIN").is_pending());
 }
 
-TEST_F(ConfigurationPage, ALostReplyLeavesItsControlPendingAndTheOthersGo) {
-    open();
-    page.box("RLI_SFT1").set_text("5000");
-    page.box("RLI_SFT2").set_text("5100");
-    page.inj_ph[3][1].click();
-    press_in_dialog(0); // Try Again
-    wired.controller.faults().strike_next(controller::Fault::lost, 10);
-    EXPECT_EQ(codes(update()), repeated({{234, 10}, {236, 1}, {128, 1}}));
-    EXPECT_TRUE(page.box("RLI_SFT1").is_pending());
-    EXPECT_FALSE(page.box("RLI_SFT2").is_pending());
-    EXPECT_EQ(page.inj_ph[3][0].tag(), "");
-    EXPECT_EQ(page.tool_status.text(), "1 value pending: Engine Setup 1; 1 not taken");
-}
-
-TEST_F(ConfigurationPage, TheEchoOfTheSensorChangesTheSpanOfThePressuresBehindIt) {
-    console.state.master_mode = true;
-    open();
-    page.map_type[2].click();
-    page.box("MIN_PRES").set_text("354.5"); // the middle of 79 to 630
-    EXPECT_THAT(update(), ElementsAre(Bytes{130, 64 + 2, 0, 0}, Bytes{'p', 0x00, 0x02, 0}));
-}
-
-TEST_F(ConfigurationPage, OnlyMasterModeEnablesTheSensor) {
+TEST_F(ConfigurationPage, OnlyMasterModeEnablesTheSensorWhoseEchoChangesTheSpanOfThePressuresBehindIt) {
     open();
     EXPECT_FALSE(page.map_type[0].enabled() || page.special_cfg[1].enabled());
-    page.exit_button.press();
-    desktop.run_for(0.3);
+    close();
     console.state.master_mode = true;
     open();
     EXPECT_TRUE(page.map_type[3].enabled() && page.special_cfg[0].enabled());
+    page.map_type[2].click();
+    page.box("MIN_PRES").set_text("354.5"); // the middle of 79 to 630
+    EXPECT_THAT(update(), ElementsAre(Bytes{130, 64 + 2, 0, 0}, Bytes{'p', 0x00, 0x02, 0}));
 }
 
 TEST_F(ConfigurationPage, SwitchesGoOutAsOneNumberForEachGroup) {
@@ -293,44 +256,17 @@ TEST_F(ConfigurationPage, SwitchesGoOutAsOneNumberForEachGroup) {
     EXPECT_THAT(update(), ElementsAre(Bytes{246, 0xD0, 0x0E, 0}));
 }
 
-TEST_F(ConfigurationPage, AnInputGroupWithNoOptionOfItsCodeKeepsTheCode) {
+TEST_F(ConfigurationPage, ACodeThatNoOptionHasGoesBackAsItCameAndNoEarlierChoiceStandsForIt) {
+    open();
+    EXPECT_TRUE(page.EGO_type[1].checked() && page.aux_in_used_as[1].checked());
+    close();
     store(parameter("INPT_CGF"), 0, 3 + 5 * 8 + 6 * 64 + 4 * 512); // no option has any of these
-    open();
-    EXPECT_FALSE(page.aux_in_used_as[0].checked() || page.aux_in_used_as[1].checked());
-    page.map_sel_used_as[3].click();
-    EXPECT_THAT(update(), ElementsAre(Bytes{246, 0x93, 0x09, 0})); // 3 + 2 * 8 + 6 * 64 + 4 * 512
-}
-
-TEST_F(ConfigurationPage, NoChoiceOfAnEarlierReadingStandsForWhatTheControllerHoldsNow) {
-    open();
-    EXPECT_TRUE(page.EGO_type[1].checked());
-    page.exit_button.press();
-    desktop.run_for(1);
-    store(parameter("INPT_CGF"), 0, 5 + 2 * 8 + 3 * 64 + 1 * 512); // the first group's code has no option now
     store(parameter("EGO_FLGS"), 0, 5);
     open();
     EXPECT_FALSE(page.EGO_type[0].checked() || page.EGO_type[1].checked() || page.EGO_type[2].checked());
+    EXPECT_FALSE(page.aux_in_used_as[0].checked() || page.aux_in_used_as[1].checked());
     page.map_sel_used_as[3].click();
-    const std::vector<Bytes> messages = update();
-    ASSERT_EQ(messages.size(), 1U);
-    EXPECT_EQ(messages[0][1] & 7, 5) << "the code that no option has goes back as it came";
-}
-
-TEST_F(ConfigurationPage, ASwitchWhoseReadingIsLostAtALaterOpeningIsNotSentByTheEarlierOne) {
-    open();
-    page.exit_button.press();
-    desktop.run_for(1);
-    on_request = [this](std::uint8_t code) {
-        if (code == 127) {
-            on_request = nullptr;
-            wired.controller.faults().strike_next(controller::Fault::lost, 10);
-        }
-    };
-    press_in_dialog(0);
-    open();
-    EXPECT_THAT(page.tool_status.text(), HasSubstr("not read"));
-    page.inj_ph[2][0].click();
-    EXPECT_THAT(update(), IsEmpty());
+    EXPECT_THAT(update(), ElementsAre(Bytes{246, 0x93, 0x09, 0})); // 3 + 2 * 8 + 6 * 64 + 4 * 512
 }
 
 TEST_F(ConfigurationPage, APhaseCountsItsDisabledBoxesAndAnyClickMarksIt) {
@@ -351,7 +287,7 @@ TEST_F(ConfigurationPage, APhaseCountsItsDisabledBoxesAndAnyClickMarksIt) {
     EXPECT_EQ(codes(update()), (std::vector<int>{160, 177}));
 }
 
-TEST_F(ConfigurationPage, EnterInAnyBoxSendsAllAndOnlyThatIsPending) {
+TEST_F(ConfigurationPage, EnterAndMenusSendAllThatIsPendingOrLeaveAndThePagesOwnItemDoesNothing) {
     open();
     page.box("RLI_HRD1").set_text("7001");
     page.skip_fire_bits.set_text("3"); // an operand, no value
@@ -362,28 +298,56 @@ TEST_F(ConfigurationPage, EnterInAnyBoxSendsAllAndOnlyThatIsPending) {
     desktop.run_for(1);
     EXPECT_EQ(press.code, 0);
     EXPECT_THAT(sent, ElementsAre(Bytes{25, 0x59, 0x1B, 0}));
+    page.box("RLI_HRD1").set_text("7002");
+    page.menu_tools.click();
+    desktop.run_for(1);
+    EXPECT_TRUE(page.form.visible() && page.box("RLI_HRD1").is_pending());
+    sent.clear();
+    page.menuupdate.click();
+    EXPECT_THAT(sent, ElementsAre(Bytes{25, 0x5A, 0x1B, 0}));
+    page.menufileexit.click();
+    EXPECT_FALSE(page.form.visible());
+    desktop.run_for(1);
+    open();
+    page.menu_3d.click();
+    EXPECT_FALSE(page.form.visible());
+    EXPECT_TRUE(
+        console.state.pending_view_request[static_cast<std::size_t>(shell::request_of(link::View::basic_mapping))]);
 }
 
-TEST_F(ConfigurationPage, DuringAnUpdateTheWayOutWaitsAndWhatIsTypedBehindTheWalkStays) {
+TEST_F(ConfigurationPage, EveryTabCarriesTheMarkOfItsOwnValues) {
+    console.state.master_mode = true;
     open();
-    page.box("RLI_HRD1").set_text("7001");
-    page.box("map_change_time").set_text("0.2");
-    bool first = true;
-    on_request = [&](std::uint8_t) {
-        EXPECT_FALSE(page.update_button.enabled() || page.exit_button.enabled() || page.menu_mon.enabled());
-        EXPECT_TRUE(console.state.polling_paused);
-        if (std::exchange(first, false)) {
-            page.box("ACC_SEN").set_text("9"); // the walk is past it
-            page.form.close_requested();
-            platform::KeyPress press{.code = platform::key::enter};
-            page.box("ACC_SEN").key_down(press);
+    std::vector<int> expected(13, 0);
+    for (const calibration::PageItem& item : calibration::page_update_order) {
+        const calibration::Tab tab = item.table != nullptr ? item.table->screen.tab : item.parameter->screen.tab;
+        platform::TextBox* box = item.table != nullptr ? &page.boxes(*item.table, 8)
+                                 : item.parameter->shows_text()
+                                     ? &page.boxes(*item.parameter, item.parameter->count - 1)
+                                     : nullptr;
+        if (box != nullptr) {
+            box->set_text("x");
+            ++expected.at(static_cast<std::size_t>(tab) - 1);
         }
-        EXPECT_TRUE(page.form.visible());
-    };
-    EXPECT_EQ(codes(update()), (std::vector<int>{25, 54}));
-    EXPECT_TRUE(page.box("ACC_SEN").is_pending());
-    EXPECT_FALSE(page.form.visible()) << "closed when the walk was over";
-    EXPECT_TRUE(page.update_button.enabled() && page.exit_button.enabled() && page.menu_mon.enabled());
+    }
+    page.map_type[2].click(); // a switch of each kind, on its tab
+    page.special_cfg[0].click();
+    page.MAP_accel.click();
+    page.ph_used[3].click();
+    page.tach_ph[3].click();
+    page.inj_ph[15][0].click();
+    page.ign_ph[0][7].click();
+    page.enable_idle_by_timing.click();
+    page.EGO_type[0].click();
+    page.trig_b_used_as[1].click();
+    for (const auto& [tab, more] : {std::pair{0, 1}, {1, 1}, {4, 4}, {6, 1}, {7, 1}, {11, 1}}) {
+        expected.at(static_cast<std::size_t>(tab)) += more;
+    }
+    desktop.run_for(0.01);
+    for (int tab = 0; tab < 13; ++tab) {
+        EXPECT_GT(expected.at(static_cast<std::size_t>(tab)), 0);
+        EXPECT_EQ(page.tool_tab.pending_on(tab), expected.at(static_cast<std::size_t>(tab))) << tab;
+    }
 }
 
 TEST_F(ConfigurationPage, ActivatedAgainItReadsAgainAndLeavesDisabledWhatTheControllerHasNot) {
@@ -395,69 +359,6 @@ TEST_F(ConfigurationPage, ActivatedAgainItReadsAgainAndLeavesDisabledWhatTheCont
     EXPECT_TRUE(page.box("RLI_HRD1").enabled());
     page.form.close_requested();
     EXPECT_FALSE(page.form.visible());
-}
-
-TEST_F(ConfigurationPage, AbortInTheOpeningReadClosesThePage) {
-    wired.silence();
-    press_in_dialog(2); // Abort
-    console.navigation.open(link::View::configuration);
-    desktop.run_for(10);
-    EXPECT_FALSE(page.form.visible());
-    EXPECT_EQ(console.state.current_view, link::View::none);
-    EXPECT_FALSE(console.state.polling_paused);
-}
-
-TEST_F(ConfigurationPage, TheThrottleIsMeasuredIntoAClearedBox) {
-    open();
-    std::string in_box;
-    on_request = [&](std::uint8_t code) { in_box += page.box(code == 215 ? "TPS_BASE" : "TPS_FS").text() + "|"; };
-    page.calibrate_tps_val[0].press();
-    page.calibrate_tps_val[1].press();
-    EXPECT_THAT(sent, ElementsAre(Bytes{215, 0, 0, 0}, Bytes{216, 0, 0, 0}));
-    EXPECT_EQ(in_box, "||");
-    EXPECT_EQ(page.box("TPS_BASE").text(),
-              calibration::shown(parameter("TPS_BASE"), console.image.raw(parameter("TPS_BASE")), console.scales));
-    EXPECT_EQ(page.box("TPS_FS").text(), std::to_string(console.image.raw(parameter("TPS_FS"))) + ".0");
-    EXPECT_FALSE(page.box("TPS_FS").is_pending() || console.state.polling_paused);
-}
-
-TEST_F(ConfigurationPage, WhatWasNeverReadIsNotSentUntilItIsReadAgain) {
-    bool struck = false;
-    on_request = [&](std::uint8_t code) {
-        if (code == 127 && !std::exchange(struck, true)) {
-            wired.controller.faults().strike_next(controller::Fault::lost, 10);
-        }
-    };
-    press_in_dialog(0); // Try Again
-    console.navigation.open(link::View::configuration);
-    desktop.run_for(6);
-    EXPECT_EQ(page.tool_status.text(), "16 values not read: read again");
-    page.inj_ph[2][1].click();
-    page.ign_ph[2][1].click();
-    EXPECT_EQ(codes(update()), (std::vector<int>{166})) << "the other boxes of the injectors' phase say nothing";
-    page.box("RLI_HRD1").set_text("7001");
-    page.MAP_accel.click();
-    sent.clear();
-    EXPECT_TRUE(page.read_again.enabled());
-    page.read_again.press();
-    desktop.run_for(1);
-    EXPECT_EQ(codes(sent), (std::vector<int>{127}));
-    EXPECT_FALSE(page.read_again.enabled());
-    page.inj_ph[2][1].click();
-    EXPECT_EQ(codes(update()), (std::vector<int>{25, '|', 128}));
-}
-
-TEST_F(ConfigurationPage, AThrottleThatWasNotMeasuredIsNotSentAsNothing) {
-    open();
-    press_in_dialog(0); // Try Again
-    wired.controller.faults().strike_next(controller::Fault::lost, 10);
-    page.calibrate_tps_val[1].press();
-    EXPECT_TRUE(page.box("TPS_FS").is_pending() && page.box("TPS_FS").text().empty());
-    EXPECT_THAT(update(), IsEmpty());
-    page.read_again.press();
-    desktop.run_for(1);
-    EXPECT_THAT(codes(sent), ElementsAre(212));
-    EXPECT_FALSE(page.box("TPS_FS").is_pending() || page.box("TPS_FS").text().empty());
 }
 
 TEST_F(ConfigurationPage, DemoShowsItsSamplesAndUpdateDoesNothingAtAll) {
@@ -473,6 +374,8 @@ TEST_F(ConfigurationPage, DemoShowsItsSamplesAndUpdateDoesNothingAtAll) {
     EXPECT_THAT(update(), IsEmpty());
     EXPECT_EQ(page.box("EGO_A_LO").text(), ".1");
     EXPECT_TRUE(page.update_button.enabled());
+    page.calibrate_tps_val[0].press();
+    EXPECT_EQ(page.box("TPS_BASE").text(), "10.2") << "nothing measures here";
 }
 
 } // namespace

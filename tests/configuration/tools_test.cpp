@@ -55,6 +55,8 @@ TEST_F(PageTools, APatternFillsFourBoxesEachAndMissingPositionsAreSkips) {
     EXPECT_THAT(pattern("100000000x1", 0), ElementsAre("1*", "252*", "255*", "255*", "0*", "0*", "0*", "0*"));
     EXPECT_THAT(pattern("11100001110000111000011100001110000", 0),
                 ElementsAre("135*", "195*", "225*", "112*", "0*", "0*", "0*", "0*"));
+    EXPECT_THAT(pattern("0\u00e90\u20ac", 0), ElementsAre("240*", "255*", "255*", "255*", "0*", "0*", "0*", "0*"))
+        << "positions are characters, not bytes";
     std::array<std::string_view, 4> boxes{"135", " 195 x", "", "65535"};
     std::string drawn;
     for (const bool skip : configuration::stutter_marks(boxes)) {

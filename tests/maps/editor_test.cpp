@@ -159,6 +159,32 @@ TEST_F(Editor, DemoChosenInTheFailureDialogDoesNotMakeUnsentValuesArrive) {
     EXPECT_EQ(status(), "3 values not sent: demo mode");
 }
 
+TEST_F(Editor, ACellEnteredBehindItsOwnMessageOutlivesTheEchoAndAClosedWindowSaysNothingMore) {
+    memory.fill(128);
+    open();
+    frm_3d.inj_map.set_cell_text(16, 1, "1.1");
+    frm_3d.inj_map.set_cell_text(15, 1, "1.2");
+    on_request = [this](const Request& request) {
+        if (is_cell(request, 0x0100)) {
+            frm_3d.inj_map.set_cell_text(16, 1, "1.5");
+        }
+    };
+    EXPECT_THAT(update(), ElementsAre(Bytes{'e', 0, 1, 141}, Bytes{'e', 1, 1, 154}));
+    on_request = nullptr;
+    EXPECT_TRUE(frm_3d.inj_map.cell_pending(16, 1)) << "nor does the shading take its yellow";
+    EXPECT_EQ(fuel(16, 1), "1.5");
+    EXPECT_THAT(update(), ElementsAre(Bytes{'e', 0, 1, 192}));
+    EXPECT_EQ(fuel(16, 1), "1.500");
+
+    frm_3d.ecu_pgm[0].set_text("9");
+    frm_3d.tps_rpm.set_text("20000"); // would be refused with a box
+    frm_3d.inj_map.set_cell_text(16, 1, "1");
+    on_request = [this](const Request&) { frm_3d.Command3d1.press(); };
+    const auto sent = update();
+    EXPECT_EQ(sent.back(), (Bytes{'e', 0, 1, 128})) << "what needs no word still goes";
+    EXPECT_FALSE(frm_3d.form.visible());
+}
+
 TEST_F(Editor, ARefusedValueIsShownAndItsBoxSaysWhereItStands) {
     memory.fill(128);
     open();

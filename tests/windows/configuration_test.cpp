@@ -112,6 +112,15 @@ TEST_F(ConfigurationWindow, PendingValuesMarkTheirTabAndTheirSwitch) {
     form.tool_tab.set_pending_on(8, 0);
     EXPECT_NE(at_dot(8), QColor(0xFF, 0xFF, 0x55));
 
+    auto& speed = named<QLineEdit>(*window, "full_scale_rpm");
+    platform::TextBox& box = form.box("FS_RPM");
+    box.changed = [&box] { box.set_back_colour(platform::pending); };
+    const QColor white = speed.palette().color(QPalette::Base);
+    for (const char* text : {"9000", "9100"}) { // read, and read again while it can be edited
+        box.confirm(text);
+        EXPECT_EQ(speed.palette().color(QPalette::Base), white) << text;
+    }
+
     QWidget& driver = named<QWidget>(*window, "ign_ph_15(7)");
     form.ign_ph[15][7].set_fore_colour(platform::pending);
     EXPECT_EQ(driver.palette().color(QPalette::Base), QColor(0xFF, 0xFF, 0x55));

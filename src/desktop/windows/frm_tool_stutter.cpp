@@ -18,7 +18,9 @@ using configuration::FrmTool;
 // A full mark is a skip, an empty one a hit; a gap parts the events of one box from those of the next.
 class StutterMarks final : public QWidget {
 public:
-    explicit StutterMarks(std::array<const platform::TextBox*, configuration::words_of_pattern> boxes) : boxes_(boxes) {
+    StutterMarks(const QString& name, std::array<const platform::TextBox*, configuration::words_of_pattern> boxes)
+        : boxes_(boxes) {
+        setAccessibleName(name + ", drawn");
         setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
         setToolTip("The 32 engine events of the pattern, the first at the left: full is a skip, empty a hit");
     }
@@ -65,7 +67,7 @@ QWidget* pattern(FormWindow& window, FrmTool& f, int which) {
         boxes[n] = &box;
         edits.push_back(edit);
     }
-    auto* marks = new StutterMarks(boxes);
+    auto* marks = new StutterMarks(name, boxes);
     for (const QLineEdit* edit : edits) {
         QObject::connect(edit, &QLineEdit::textChanged, marks, [marks] { marks->update(); });
     }
