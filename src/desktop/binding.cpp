@@ -299,9 +299,10 @@ void Binding::paint_colours(Control& control, QWidget& widget) {
         return; // these paint themselves
     }
     const bool ticked = control.kind() == Kind::check_box || control.kind() == Kind::option_button;
-    if (ticked && fore == platform::pending) { // the field of the mark is as yellow as a pending box
-        palette.setColor(QPalette::Base, theme::to_qt(platform::pending));
-        palette.setColor(QPalette::Text, theme::text_on(theme::to_qt(platform::pending)));
+    if (ticked && fore == platform::pending) { // the mark's field takes the colour on, but does not look filled in
+        const QColor field = theme::pending_field(QPalette());
+        palette.setColor(QPalette::Base, field);
+        palette.setColor(QPalette::Text, theme::text_on(field));
     }
     if (!back && !fore) {
         palette = QPalette();
@@ -366,6 +367,11 @@ bool Binding::eventFilter(QObject* watched, QEvent* event) {
         if (control.kind() == Kind::text_box && is_decimal_comma(control, *static_cast<QKeyEvent*>(event))) {
             QKeyEvent point(QEvent::KeyPress, Qt::Key_Period, Qt::NoModifier, QStringLiteral("."));
             QCoreApplication::sendEvent(watched, &point);
+            return true;
+        }
+        if (auto* edit = qobject_cast<QLineEdit*>(watched);
+            edit != nullptr && control.kind() == Kind::text_box &&
+            paste_value(control, *edit, *static_cast<QKeyEvent*>(event))) {
             return true;
         }
         if (control.kind() == Kind::grid || !control.key_down) {

@@ -2,13 +2,12 @@
 
 #include "desktop/grid_delegate.h"
 #include "desktop/theme.h"
-#include "maps/frm_3d.h"
 
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QPainter>
 
-#include <ranges>
+#include <array>
 
 namespace ecu::desktop {
 
@@ -37,6 +36,47 @@ private:
     }
 };
 
+constexpr QSize swatch_size(16, 14);
+
+struct StateText {
+    const char* name;
+    const char* meaning;
+};
+constexpr std::array<StateText, 4> state_texts{
+    {{"pending", "Entered and not sent yet: Update sends it"},
+     {"in the controller", "The controller has told or confirmed this value"},
+     {"not read", "No reply has told this value: it is not sent, and \"Read again\" asks for it"},
+     {"not confirmed", "Entered, but not taken by the controller, which may hold another value"}}};
+
+QPixmap picture_of(CellState state) {
+    QPixmap picture(swatch_size);
+    const bool yellow = state == CellState::pending || state == CellState::unread;
+    picture.fill(theme::to_qt(yellow ? platform::pending : platform::confirmed));
+    QPainter painter(&picture);
+    switch (state) {
+    case CellState::pending:
+        paint_pending_mark(painter, picture.rect());
+        break;
+    case CellState::confirmed:
+        break;
+    case CellState::unread:
+        painter.fillRect(picture.rect(), theme::hatching());
+        break;
+    case CellState::unconfirmed:
+        paint_unconfirmed_mark(painter, picture.rect());
+        break;
+    }
+    return picture;
+}
+
+QLabel* framed(const QPixmap& picture) {
+    auto* label = new QLabel;
+    label->setPixmap(picture);
+    label->setFrameShape(QFrame::Box);
+    label->setFixedSize(swatch_size + QSize(2, 2));
+    return label;
+}
+
 } // namespace
 
 AxisMarker::AxisMarker(bool upward, QWidget* parent) : QWidget(parent), upward_(upward) {
@@ -58,39 +98,38 @@ void AxisMarker::paintEvent(QPaintEvent*) {
     }
 }
 
-QPixmap swatch_picture(platform::Colour colour) {
-    QPixmap picture(20, 14);
-    picture.fill(theme::to_qt(colour));
-    if (colour == platform::pending) {
-        QPainter painter(&picture);
-        paint_pending_mark(painter, picture.rect());
-    }
-    return picture;
-}
+QPixmap pending_picture() { return picture_of(CellState::pending); }
 
 QLabel* swatch(platform::Colour colour) {
-    auto* label = new QLabel;
-    label->setPixmap(swatch_picture(colour));
-    label->setFrameShape(QFrame::Box);
-    label->setFixedSize(22, 16);
-    return label;
+    QPixmap picture(swatch_size);
+    picture.fill(theme::to_qt(colour));
+    return framed(picture);
 }
 
 QLabel* muted_label(const QString& text) { return new MutedLabel(text); }
 
-QWidget* shading_legend() {
+QWidget* cell_legend(std::initializer_list<CellState> states, const std::vector<QWidget*>& scale) {
     auto* holder = new QWidget;
     auto* row = new QHBoxLayout(holder);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(0);
-    row->addWidget(swatch(platform::pending));
-    row->addWidget(muted_label(" pending"));
-    row->addStretch(1);
-    row->addWidget(muted_label("low "));
-    for (const platform::Colour colour : maps::shading_colours | std::views::reverse) {
-        row->addWidget(swatch(colour));
+    for (const CellState state : states) {
+        const auto& [name, meaning] = state_texts.at(static_cast<std::size_t>(state));
+        for (QWidget* part : {static_cast<QWidget*>(framed(picture_of(state))),
+                              static_cast<QWidget*>(muted_label(QStringLiteral(" ") + QString::fromUtf8(name)))}) {
+            part->setToolTip(QString::fromUtf8(meaning));
+            row->addWidget(part);
+        }
+        row->addSpacing(theme::gap);
     }
-    row->addWidget(muted_label(" high"));
+    row->addStretch(1);
+    if (!scale.empty()) {
+        row->addWidget(muted_label("low "));
+        for (QWidget* box : scale) {
+            row->addWidget(box);
+        }
+        row->addWidget(muted_label(" high"));
+    }
     return holder;
 }
 

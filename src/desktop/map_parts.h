@@ -1,10 +1,13 @@
-// Small parts that the windows of maps share: the triangle that marks the operating point on an axis, the swatch of a
-// cell's state, and a muted line of text.
+// Small parts that the windows of maps share: the triangle that marks the operating point on an axis, the
+// legend of the cells, and a muted line of text.
 #pragma once
 
 #include "platform/colour.h"
 
 #include <QLabel>
+
+#include <initializer_list>
+#include <vector>
 
 namespace ecu::desktop {
 
@@ -22,10 +25,12 @@ private:
     bool upward_;
 };
 
-QPixmap swatch_picture(platform::Colour colour);
+enum class CellState : std::uint8_t { pending, confirmed, unread, unconfirmed };
+
+QPixmap pending_picture();
 QLabel* swatch(platform::Colour colour);
 QLabel* muted_label(const QString& text); // follows the desktop from light to dark
-// The states of cells and the scale of the shading, from low to high.
-QWidget* shading_legend();
+// What the grounds and marks of cells mean, and what those of the shading do, from low to high.
+QWidget* cell_legend(std::initializer_list<CellState> states, const std::vector<QWidget*>& scale = {});
 
 } // namespace ecu::desktop

@@ -87,6 +87,11 @@ QColor readable_on(QColor colour, const QColor& background) {
     return colour;
 }
 
+QColor pending_field(const QPalette& palette) {
+    return is_dark(palette) ? blend(palette.color(QPalette::Base), to_qt(platform::pending), 0.3F)
+                            : to_qt(platform::pending);
+}
+
 QColor panel_fill(const QPalette& palette) {
     const QColor window = palette.color(QPalette::Window);
     return is_dark(palette) ? blend(window, Qt::white, 0.035F) : blend(window, Qt::white, 0.6F);

@@ -32,6 +32,8 @@ QBrush hatching();
 // `colour`, darkened or lightened until it can be read on `background`.
 QColor readable_on(QColor colour, const QColor& background);
 
+// Behind the mark of a pending option or check box: in the hue of what is pending, yet not like one that is filled in.
+QColor pending_field(const QPalette& palette);
 QColor panel_fill(const QPalette& palette);
 QColor panel_edge(const QPalette& palette);
 QColor muted_text(const QPalette& palette); // units and captions beside figures

@@ -118,22 +118,23 @@ void Editor::run_opening(bool again) {
     {
         const link::Pause pause(state_);
         ports_.wait_seconds(window_.opening_waits.before);
-        if (!again) {
+        const bool afresh = !again && !replaced(opening); // else another opening has read the values meanwhile
+        if (afresh) {
             blank_all();
         }
-        if (!again && window_.prepare) {
+        if (afresh && window_.prepare) {
             window_.prepare();
         }
         ports_.waiting.process_events();
         const int below = std::exchange(reading_, opening);
         const bool again_below = std::exchange(reading_again_, again);
         complete = !stopped() && window_.read() && !stopped();
+        if (complete && window_.opened) {
+            window_.opened();
+        }
         reading_ = below;
         reading_again_ = again_below;
         if (complete) {
-            if (window_.opened) {
-                window_.opened();
-            }
             for (const Entry& entry : items_) {
                 if (again) {
                     entry.item->restore_entries();

@@ -117,6 +117,7 @@ public:
     void show_status();
     void show_progress(std::string_view text); // while the opening read runs
     bool opening() const { return loading_; }
+    bool reading_again() const { return reading_again_; } // asked by what a read brings along
     int pending() const;
     int unread() const { return counts().unread; }
     Counts counts() const;

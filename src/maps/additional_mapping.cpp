@@ -61,7 +61,11 @@ AdditionalMapping::AdditionalMapping(const platform::Ports& ports, link::SharedS
                .locks = false, // it would enable boxes whose function the controller does not have
                .prepare = [this] { prepare_window(); },
                .read = [this] { return read_everything(); },
-               .opened = [this] { draw_everything(); },
+               .opened =
+                   [this] {
+                       draw_everything();
+                       lead_to_page(0);
+                   },
                .allow = [this](bool allowed) { allow_editing(allowed); },
                .walked = [this] { draw_everything(); },
                .redraw = [this] { draw_shown_page(); },
@@ -189,19 +193,21 @@ bool AdditionalMapping::read_everything() {
         return false;
     }
     label_correction_axes(form_, scales_);
-    const int shown = form_.map_tabs.current();
     for (const std::string_view key : reading_order) {
         const CorrectionCurve& curve = curve_of(key);
-        form_.map_tabs.set_current(static_cast<int>(curve.page));
+        lead_to_page(curve.page);
         if (!editor_.read_table(*curve.table, calibration::read_9, curve.title)) {
             return false;
         }
     }
-    const bool complete = editor_.read_table(table("EGOL"), calibration::read_27, "Lambda Targets");
-    if (complete) {
-        form_.map_tabs.set_current(shown);
+    return editor_.read_table(table("EGOL"), calibration::read_27, "Lambda Targets");
+}
+
+// An opening leads through the pages as it reads them; a second read leaves the one that the user looks at.
+void AdditionalMapping::lead_to_page(std::size_t page) {
+    if (!editor_.reading_again()) {
+        form_.map_tabs.set_current(static_cast<int>(page));
     }
-    return complete;
 }
 
 void AdditionalMapping::focus_shown_page() {

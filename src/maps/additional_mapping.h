@@ -40,6 +40,7 @@ private:
     void focus_shown_page();
     void reveal(const platform::Control& control);
     bool read_everything();
+    void lead_to_page(std::size_t page);
     void allow_editing(bool allowed);
     void offer_resets();
     void reset_curve(const CorrectionCurve& curve);

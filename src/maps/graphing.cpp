@@ -17,6 +17,7 @@ using platform::round_to_even;
 namespace {
 
 constexpr int scale_lines = 10;
+constexpr int caption_height = 14;
 constexpr int farthest_percent = 32767; // a scale far too narrow must not leave the range of coordinates
 constexpr Colour frame_colour = platform::palette[9];
 constexpr Colour scale_colour = platform::palette[8];
@@ -40,14 +41,16 @@ void draw_frame(const SurfaceFrame& f, Picture& picture, float low, float high) 
     const int back_left = f.left + f.skew_x;
     const int back_right = right + f.skew_x;
     const int back = f.base - f.skew_y;
+    const int room = f.height / scale_lines; // of a caption that stands at every line
+    const int every = 2 * room >= caption_height ? 2 : 5 * room >= caption_height ? 5 : scale_lines;
     for (int n = 0; n <= scale_lines; ++n) {
         const int rise = round_to_even(static_cast<double>(f.height) * n / scale_lines);
         picture.line(f.left, f.base - rise, back_left, back - rise, scale_colour);
         picture.line(back_left, back - rise, back_right, back - rise, scale_colour);
-        if (n % 2 == 0) {
+        if (n % every == 0) {
             const double value = low + (static_cast<double>(high) - low) * n / scale_lines;
-            picture.print(f.left + 2, f.base - rise, platform::masked(static_cast<float>(value), "##0.00"),
-                          caption_colour);
+            picture.print(f.left + 2, f.base - rise - caption_height,
+                          platform::masked(static_cast<float>(value), "##0.00"), caption_colour);
         }
     }
     picture.line(f.left, f.base, right, f.base, frame_colour);

@@ -111,13 +111,36 @@ TEST_F(AdditionalMapping, OpeningReadsScalesThenFourteenTablesInTheirOrderThenTh
     expect_screen_equals_memory();
     EXPECT_EQ(frm_2d.lambda_sp_table.cell_back(1, 9), console.forms.frm_3d.bk_color[0].back_colour()); // the highest
     EXPECT_EQ(console.map_cell_colours.lambda[0], console.forms.frm_3d.bk_color[7].back_colour());
-    EXPECT_EQ(frm_2d.Label3[1].text() + " " + frm_2d.Label4[1].text() + " " + frm_2d.battery_axis[1].text(),
-              "1250 24 2.5");
     EXPECT_EQ(frm_2d.form.caption() + frm_2d.map_status.text(), "Additional Mapping ->COM3No values pending");
     EXPECT_EQ(frm_2d.map_tabs.current(), 0);
     EXPECT_TRUE(frm_2d.Command3d2.enabled() && frm_2d.map_tabs.enabled() && frm_2d.menureset.enabled());
     EXPECT_FALSE(frm_2d.lambda_sp_table.locked() || console.state.polling_paused);
     EXPECT_EQ(frm_2d.ego_sp_graph.strokes().empty() || frm_2d.idle_speed_graph.strokes().empty(), false);
+}
+
+TEST_F(AdditionalMapping, AxesFollowTheSensorAndTheSpeedOfTheControllerAndTheBarometersDoNot) {
+    controller.reply_to('C', [] {
+        Bytes reply(19, 0);
+        reply[0] = 'C';
+        reply[14] = 0x40; // 8000 rpm
+        reply[15] = 0x1F;
+        reply[18] = 2; // 551 kPa from 79
+        return reply_frame(reply);
+    }());
+    open();
+    const auto ends = [](const maps::Frm2d::Axis& axis) { return axis[0].text() + " " + axis[7].text(); };
+    for (const maps::Frm2d::Axis* axis : {&frm_2d.Label4, &frm_2d.Label5, &frm_2d.Label14}) {
+        EXPECT_EQ(ends(*axis), "79 561"); // 482.125 cut off, and 79
+    }
+    for (const maps::Frm2d::Axis* axis : {&frm_2d.Label9, &frm_2d.Label13, &frm_2d.Label12}) {
+        EXPECT_EQ(ends(*axis), "10 110"); // 100.625 cut off, and 10
+    }
+    for (const maps::Frm2d::Axis* axis :
+         {&frm_2d.Label6, &frm_2d.Label2, &frm_2d.Label10, &frm_2d.Label11, &frm_2d.Label15, &frm_2d.Label17}) {
+        EXPECT_EQ(ends(*axis), "-13 99");
+    }
+    EXPECT_EQ(ends(frm_2d.Label3) + ", " + ends(frm_2d.Label7), "0 7000, 0 7000");
+    EXPECT_EQ(ends(frm_2d.Label1) + ", " + ends(frm_2d.Label16), "0.000 2.888, 0.000 2.888");
 }
 
 TEST_F(AdditionalMapping, EverythingChangedGoesOutOnceInTheOrderOfTheWalkAndTheScreenEqualsTheMemory) {

@@ -436,6 +436,20 @@ TEST_F(GpoMapping, ExitAndAbortEndTheReadAndTheClosedWindowIsBlankAfterAbort) {
     EXPECT_TRUE(form.GPO_tbl[0].cell_pending(1, 1));
 }
 
+TEST_F(GpoMapping, ReopenedInsideAnOpeningThatWasLeftItIsReadOnceAndNotBlankedByTheFirst) {
+    desktop.schedule(desktop.now() + 20'000, [this] { form.Command3d1.press(); });
+    desktop.schedule(desktop.now() + 40'000, [this] {
+        EXPECT_FALSE(form.form.visible());
+        console.navigation.open(link::View::gpo_mapping);
+    });
+    console.navigation.open(link::View::gpo_mapping);
+    desktop.run_for(3);
+    EXPECT_EQ(std::ranges::count(sent, Bytes{217, 0, 0, 0}), 1);
+    EXPECT_TRUE(form.form.visible() && form.Command3d2.enabled() && form.gpo_mode[0][1].enabled());
+    EXPECT_EQ(form.map_status.text() + cell(form.GPO_tbl[0], 40), "No values pending46.9");
+    EXPECT_FALSE(console.state.polling_paused);
+}
+
 TEST_F(GpoMapping, AWriteWithoutAnAnswerStaysPending) {
     open();
     form.gpo_mode[0][2].click();

@@ -77,7 +77,11 @@ TEST_F(Graphing, FrameLeansWithTheSurfaceAndTellsTheScale) {
     ASSERT_EQ(scale.size(), 22U);
     EXPECT_EQ(scale[20], (std::array<int, 4>{15, 220, 195, 80})); // the highest, from the front to the wall
     EXPECT_EQ(scale[21], (std::array<int, 4>{195, 80, 585, 80}));
-    EXPECT_EQ(captions.front() + " " + captions.back(), "0.60@380 1.60@220");
+    EXPECT_EQ(std::to_string(captions.size()) + captions.front() + " " + captions.back(), "60.60@366 1.60@206");
+    graph.Picture1.resize(600, 100); // too low for so many
+    EXPECT_EQ(std::ranges::count_if(graph.Picture1.strokes(),
+                                    [](const auto& stroke) { return std::holds_alternative<Picture::Text>(stroke); }),
+              3);
 }
 
 TEST_F(Graphing, NothingIsDrawnToACellThatWasNeverRead) {

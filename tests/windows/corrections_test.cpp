@@ -13,6 +13,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QScrollArea>
+#include <QStatusBar>
 #include <QTabBar>
 #include <QTabWidget>
 
@@ -100,6 +101,8 @@ TEST_F(CorrectionWindow, IsCompleteFitsItsScreensAndCanBeLookedAt) {
             EXPECT_LE(page->widget()->minimumSizeHint().width(), page->viewport()->width()) << size.width();
             EXPECT_LE(page->widget()->minimumSizeHint().height(), page->viewport()->height()) << size.height();
         }
+        const auto& targets = named<GridView>(window(), "lambda_sp_table");
+        EXPECT_LE(QFontMetrics(targets.font()).horizontalAdvance("00.00"), targets.columnWidth(0) * 6 / 7);
         for (int i = 0; i < 9; ++i) {
             const auto* edit = static_cast<QLineEdit*>(widget(form.ign_rpm[static_cast<std::size_t>(i)]));
             EXPECT_LE(edit->fontMetrics().horizontalAdvance("-16.000") + 8, edit->width());
@@ -145,10 +148,18 @@ TEST_F(CorrectionWindow, ACopiedRowGoesOverTheBoxesAndACurveIsCopiedWhole) {
     EXPECT_EQ(QApplication::clipboard()->text().toStdString(), "1.000\t1.000\t1.5\t1.000\t1.000\t.75\t2\t1.5\t1.000\n");
     EXPECT_TRUE(form.clt_map[5].is_pending());
     EXPECT_FALSE(form.clt_map[4].is_pending());
-    QApplication::clipboard()->setText("7");
+    const auto bar = [this] { return window().statusBar()->currentMessage().toStdString(); };
+    EXPECT_EQ(bar(), "1 not pasted, no number: \"lean\" at Coolant Enrichment at 51 °C");
     form.ign_map[1].set_focus();
-    QTest::keyClick(widget(form.ign_map[1]), Qt::Key_V, Qt::ControlModifier);
-    EXPECT_EQ(form.ign_map[1].text(), "7");
+    const auto paste_one = [this](const char* text) {
+        QApplication::clipboard()->setText(text);
+        QTest::keyClick(widget(form.ign_map[1]), Qt::Key_V, Qt::ControlModifier);
+        return form.ign_map[1].text();
+    };
+    EXPECT_EQ(paste_one(" ") + paste_one("rich"), "1.0001.000");
+    EXPECT_FALSE(form.ign_map[1].is_pending());
+    EXPECT_EQ(bar(), "1 not pasted, no number: \"rich\" at MAP Ignition at 24 kPa");
+    EXPECT_EQ(paste_one(" 7,5 "), "7.5");
 }
 
 TEST_F(CorrectionWindow, GraphAndTabFollowWhatIsTyped) {

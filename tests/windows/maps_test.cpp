@@ -9,6 +9,9 @@
 #include "platform/display_mask.h"
 #include "windows/window_bench.h"
 
+#include <QLineEdit>
+#include <QScrollArea>
+
 #include <cmath>
 
 namespace ecu::desktop {
@@ -86,7 +89,11 @@ TEST_F(MapWindow, IsCompleteAndTheFourMapsCanBeLookedAt) {
         save_picture(*window);
     }
     window->setObjectName("frm_3d_small");
-    save_picture(*window, {853, 507});
+    save_picture(*window, {902, 472}); // a screen of 1366 by 768 at 150 %
+    const auto* body = window->findChild<QScrollArea*>();
+    EXPECT_LE(body->widget()->minimumSizeHint().height(), body->viewport()->height());
+    EXPECT_LE(body->widget()->minimumSizeHint().width(), body->viewport()->width());
+    EXPECT_FALSE(named<QLineEdit>(*window, "bk_color(7)").visibleRegion().isEmpty()); // the legend stays in sight
     window->setObjectName("frm_3d_large");
     save_picture(*window, {1900, 1000});
 }

@@ -1,6 +1,7 @@
 #include "desktop/windows/curve_panel.h"
 
 #include "calibration/encoding.h"
+#include "desktop/box_marks.h"
 #include "desktop/curve_layout.h"
 #include "desktop/curve_view.h"
 #include "desktop/qt_text.h"
@@ -144,16 +145,23 @@ private:
     }
 
     // Several copied cells go into as many boxes from this one on; a blank one, or one that is no number, leaves its
-    // box alone. A single one is the line edit's own affair.
+    // box alone. A single one is the box's own affair.
     bool spread(std::size_t from) {
         static const QRegularExpression between(QStringLiteral("\t|\r?\n"));
         const QStringList cells = QApplication::clipboard()->text().split(between);
+        int refused = 0;
+        std::size_t first = 0;
         for (qsizetype k = 0; cells.size() > 1 && k < cells.size(); ++k) {
             const std::size_t i = from + static_cast<std::size_t>(k);
             const std::string entry = platform::entry_text(cells[k].toStdString());
             if (i < edits_.size() && platform::is_number(entry)) {
                 boxes_[i].set_text(entry);
+            } else if (i < edits_.size() && !entry.empty()) {
+                first = refused++ == 0 ? i : first;
             }
+        }
+        if (refused > 0) {
+            tell_not_pasted(refused, cells[static_cast<qsizetype>(first - from)], *edits_[first]);
         }
         return cells.size() > 1;
     }

@@ -7,6 +7,7 @@
 #include "desktop/windows/curve_panel.h"
 #include "desktop/windows/windows.h"
 #include "maps/correction_curves.h"
+#include "maps/frm_3d.h"
 
 #include <QApplication>
 #include <QGridLayout>
@@ -20,6 +21,7 @@
 #include <QTabWidget>
 
 #include <algorithm>
+#include <ranges>
 
 namespace ecu::desktop {
 
@@ -28,6 +30,8 @@ namespace {
 using maps::Frm2d;
 
 constexpr int points = 9;
+constexpr int smallest_figures = 9; // pixels
+constexpr int largest_figures = 18;
 
 // The target table with engine speed below it and manifold pressure beside it.
 class TargetPlot final : public QWidget {
@@ -75,11 +79,10 @@ private:
     static QFont figures_for(QSize cell) {
         QFont font = theme::figure_font(10);
         font.setWeight(QFont::Normal);
-        for (int pixels = std::min(18, cell.height() * 6 / 10); pixels >= 9; --pixels) {
-            font.setPixelSize(pixels);
-            if (QFontMetrics(font).horizontalAdvance(QStringLiteral("00.000")) <= cell.width() * 6 / 7) {
-                break;
-            }
+        font.setPixelSize(std::clamp(cell.height() * 6 / 10, smallest_figures, largest_figures));
+        while (font.pixelSize() > smallest_figures &&
+               QFontMetrics(font).horizontalAdvance(QStringLiteral("00.000")) > cell.width() * 6 / 7) {
+            font.setPixelSize(font.pixelSize() - 1);
         }
         return font;
     }
@@ -153,7 +156,12 @@ QWidget* surface(FormWindow& window, Frm2d& f) {
 QWidget* last_page(FormWindow& window, Frm2d& f) {
     Panel targets = window.panel("Lambda Targets");
     targets.add(new TargetPlot(window, f), 3);
-    targets.add(shading_legend());
+    std::vector<QWidget*> scale;
+    for (const platform::Colour colour : maps::shading_colours | std::views::reverse) {
+        scale.push_back(swatch(colour));
+        scale.back()->setFixedWidth(10);
+    }
+    targets.add(cell_legend({CellState::pending, CellState::unread, CellState::unconfirmed}, scale));
     targets.add(surface(window, f), 2);
     return window.across({in_columns(curves_of(window, f, maps::target_page), 1), targets});
 }

@@ -8,7 +8,7 @@
 #include "maps/frm_3d.h"
 
 #include <QEvent>
-#include <QGridLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
@@ -206,46 +206,33 @@ Panel engine_panel(FormWindow& window, Frm3d& f) {
     return panel;
 }
 
-// What the backgrounds mean. The eight boxes of the scale are the form's own, lowest first.
+// The eight boxes of the scale are the form's own, lowest first.
 QWidget* legend(FormWindow& window, Frm3d& f) {
-    auto* holder = new QWidget;
-    auto* row = new QHBoxLayout(holder);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(0);
-    row->addStretch(1);
-    row->addWidget(swatch(platform::pending));
-    row->addWidget(muted_label(" pending, sent by Update"));
-    row->addSpacing(2 * theme::margin);
-    row->addWidget(swatch(platform::confirmed));
-    row->addWidget(muted_label(" as in the controller"));
-    row->addSpacing(2 * theme::margin);
-    row->addWidget(muted_label("low "));
+    std::vector<QWidget*> scale;
     for (std::size_t i = f.bk_color.size(); i-- > 0;) {
         auto* box = static_cast<QLineEdit*>(window.make(f.bk_color[i], "Shading"));
         box->setReadOnly(true);
         box->setFocusPolicy(Qt::NoFocus);
         box->setFrame(false);
         box->setFixedSize(18, 16);
-        row->addWidget(box);
+        scale.push_back(box);
     }
-    row->addWidget(muted_label(" high"));
-    row->addStretch(1);
-    return holder;
+    return cell_legend({CellState::pending, CellState::confirmed, CellState::unread, CellState::unconfirmed}, scale);
 }
 
-Panel map_panel(FormWindow& window, Frm3d& f) {
-    Panel panel = window.panel("Map");
+// Above the map, where they take the least of a low screen.
+QWidget* map_options(FormWindow& window, Frm3d& f) {
     auto* options = new QWidget;
-    auto* grid = new QGridLayout(options);
-    grid->setContentsMargins(0, 0, 0, 0);
-    grid->setVerticalSpacing(2);
-    for (std::size_t n = 0; n < f.show_map_type.size(); ++n) {
-        QWidget* option = window.make(f.show_map_type[n]);
+    auto* row = new QHBoxLayout(options);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(theme::margin);
+    for (platform::OptionButton& map : f.show_map_type) {
+        QWidget* option = window.make(map);
         option->setFocusPolicy(Qt::TabFocus); // a click on it leaves the keyboard to the map
-        grid->addWidget(option, static_cast<int>(n), 0);
+        row->addWidget(option);
     }
-    panel.add(options);
-    return panel;
+    row->addStretch(1);
+    return options;
 }
 
 void add_shortcuts(FormWindow& window, Frm3d& f, MapPlot& plot) {
@@ -270,9 +257,10 @@ std::unique_ptr<FormWindow> make_frm_3d_window(maps::Frm3d& f, QtHost& host) {
     auto window = std::make_unique<FormWindow>(f.form, host);
     auto* plot = new MapPlot(*window, f);
     plot->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-    QWidget* side = window->stack({map_panel(*window, f), values_panel(*window, f), engine_panel(*window, f)});
+    QWidget* side = window->stack({values_panel(*window, f), engine_panel(*window, f)});
     side->setMaximumWidth(300);
-    window->set_body(window->across({window->down({plot, legend(*window, f)}, {1, 0}), side}, {1, 0}));
+    QWidget* maps = window->down({map_options(*window, f), plot}, {0, 1});
+    window->set_body(window->down({window->across({maps, side}, {1, 0}), legend(*window, f)}, {1, 0}));
     window->set_footer(window->buttons({&f.show_this_graph, &f.read_again, &f.Command3d2, &f.Command3d1}));
     window->demo_badge(f.show_demo_mode);
     window->status_line(f.map_status);

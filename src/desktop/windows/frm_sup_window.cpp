@@ -304,7 +304,7 @@ void mark_tabs(FormWindow& window, FrmSup& f, QTabWidget& tabs, const std::array
                 const QString title = QString::fromUtf8(FrmSup::tab_captions[n].data());
                 const QString pending = QString::fromStdString(f.pending_on_page[n].text());
                 tabs.setTabText(at, pending.isEmpty() ? title : title + ": " + pending);
-                tabs.setTabIcon(at, pending.isEmpty() ? QIcon() : QIcon(swatch_picture(platform::pending)));
+                tabs.setTabIcon(at, pending.isEmpty() ? QIcon() : QIcon(pending_picture()));
             },
             QString::fromStdString(numbered("Pending on GPO ", n)));
     }
@@ -343,12 +343,7 @@ QWidget* footer(FormWindow& window, FrmSup& f) {
     auto* holder = new QWidget;
     auto* row = new QHBoxLayout(holder);
     row->setContentsMargins(0, 0, 0, 0);
-    row->addWidget(swatch(platform::pending));
-    row->addWidget(muted_label(" pending, sent by Update"));
-    row->addSpacing(theme::margin);
-    row->addWidget(swatch(platform::confirmed));
-    row->addWidget(muted_label(" as in the controller"));
-    row->addStretch(1);
+    row->addWidget(cell_legend({CellState::pending, CellState::confirmed, CellState::unread}), 1);
     row->addWidget(window.buttons({&f.read_again, &f.Command3d2, &f.Command3d1}));
     return holder;
 }
