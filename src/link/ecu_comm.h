@@ -67,8 +67,6 @@ public:
     Hold hold(Hold hold) { return std::exchange(hold_, std::move(hold)); }
     // Another number for each time that somebody else may have come to answer.
     Way way() const { return comm1_.openings() + breaks_; }
-    // The last break was a server's word that its controller gave no answer, and not the silence of both.
-    bool server_vouches() const { return remote() && state_.remote_answering; }
     bool remote() const { return !state_.remote_server_ip.empty(); }
     // From now on messages go to another link.
     void link_changed();

@@ -57,9 +57,6 @@ std::optional<EcuComm::Way> SameController::confirm() {
     if (lost()) {
         return std::nullopt;
     }
-    // A server whose controller has missed one message, and whose port was not opened anew meanwhile, says so. Then
-    // nothing points to another controller but that nothing is known of this one.
-    const bool vouched = comm_.server_vouches();
     const auto way = ask_who();
     const ControllerIdentity& now = state_.identity;
     const std::string broken = comm_.remote() ? "the server did not answer for a while" : "the port was lost";
@@ -68,7 +65,7 @@ std::optional<EcuComm::Way> SameController::confirm() {
     } else if ((known_.serial && known_.serial != now.serial) || (known_.firmware && known_.firmware != now.firmware)) {
         trouble_ = broken + ", and another controller answers there now, serial number " + std::to_string(*now.serial) +
                    (known_.serial ? " in place of " + std::to_string(*known_.serial) : "");
-    } else if ((!known_.serial || !known_.firmware) && !vouched) {
+    } else if (!known_.serial || !known_.firmware) {
         trouble_ = broken + ", and what answers there now cannot be shown to be the same controller, since its serial "
                             "number was not known before";
     }
