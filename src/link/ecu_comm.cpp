@@ -3,6 +3,7 @@
 #include "link/answers.h"
 #include "link/frm_dialog.h"
 #include "link/frm_retries.h"
+#include "link/remote_link.h"
 #include "platform/display_mask.h"
 
 #include <algorithm>
@@ -88,12 +89,12 @@ Outcome EcuComm::send_ecu_message(const Message& message, int expected_length) {
     Try now{.frame = build_request(message), .wanted_count = expected_length + static_cast<int>(checksum_size)};
     while (now.number < tries_before_dialog) {
         ports_.waiting.process_events();
-        state_.reply_accepted = false;
         note_opening();
-        if (opened_anew()) {
+        if (!way_is_clear()) {
             tell(now, {}, Verdict::given_up);
             return Outcome::unanswered;
         }
+        state_.reply_accepted = false;
         ++now.number;
         count_bytes(state_.tx_byte_count, now.frame.size());
         now.sent_at = ports_.now();
@@ -137,6 +138,26 @@ void EcuComm::note_opening() {
             state_.identity = {};
         }
     }
+}
+
+// What is asked meanwhile is held to nothing: it finds out who is there.
+bool EcuComm::way_is_clear() {
+    if (!hold_.confirm || hold_.way == way()) {
+        return true;
+    }
+    Hold held = hold({});
+    const std::optional<Way> found = held.confirm();
+    const bool clear = found == way();
+    if (clear) {
+        held.way = *found;
+    }
+    hold_ = std::move(held);
+    return clear;
+}
+
+void EcuComm::link_changed() {
+    ++breaks_;
+    state_.identity = {};
 }
 
 // What came too late for an earlier message must not stand before this one's reply.
@@ -210,12 +231,18 @@ Verdict EcuComm::receive_ecu_reply(const Try& now) {
         std::copy_n(received.begin(), std::min(received.size(), reply.size()), reply.begin());
         const ReplyCheck check = check_reply(reply, received.size());
         if (check.fault != FrameFault::none) {
+            if (remote() && says(received, no_reply)) {
+                ++breaks_;
+            }
             tell(now, received, Verdict::damaged, check.fault);
             return Verdict::damaged;
         }
         const bool taken = offer_to_decoders(reply, check.payload_count);
         verdict = !answers(now.frame, reply) ? Verdict::foreign : taken ? Verdict::accepted : Verdict::untaken;
         note_reply_interval();
+    }
+    if (remote() && verdict == Verdict::silent) {
+        ++breaks_;
     }
     watch_activity();
     tell(now, received, verdict);

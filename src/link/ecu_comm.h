@@ -55,12 +55,21 @@ public:
     // From now on every frame that passes is told to `observer`, for as long as the result is held.
     [[nodiscard]] Observation observe(Observer observer);
 
-    // A sequence for one controller only (same_controller.h): nothing is sent through another opening of the port than
-    // this one. A message that meets one ends unanswered, without its dialog. Returns what was held to before.
-    using Opening = std::optional<std::uint32_t>;
-    Opening hold_to(Opening opening) { return std::exchange(held_opening_, opening); }
-    Opening this_opening() const { return comm1_.openings(); }
-    bool opened_anew() const { return held_opening_ && !remote() && this_opening() != held_opening_; }
+    // A sequence for one controller only (same_controller.h). As long as the way to it is unbroken nothing is asked.
+    // Once it was broken, by a port opened anew or by a server that had no answer, no try of any message goes out
+    // before `confirm` has found the same controller: it returns the way that it found it by. Else the message ends
+    // unanswered, without its dialog. Returns what was held before.
+    using Way = std::uint32_t;
+    struct Hold {
+        Way way = 0;
+        std::function<std::optional<Way>()> confirm; // may send; empty: nothing is held
+    };
+    Hold hold(Hold hold) { return std::exchange(hold_, std::move(hold)); }
+    // Another number for each time that somebody else may have come to answer.
+    Way way() const { return comm1_.openings() + breaks_; }
+    bool remote() const { return !state_.remote_server_ip.empty(); }
+    // From now on messages go to another link.
+    void link_changed();
     // The device of the serial port went away, and nothing has been sent since.
     bool port_gone() const { return !remote() && !comm1_.is_open(); }
 
@@ -75,7 +84,6 @@ private:
         Verdict last_verdict = Verdict::silent;
     };
 
-    bool remote() const { return !state_.remote_server_ip.empty(); }
     std::size_t receive_count() const;
     void drain_input();
     void write(const Try& now);
@@ -86,6 +94,7 @@ private:
     Verdict receive_ecu_reply(const Try& now);
     bool offer_to_decoders(const Reply& reply, int payload_count);
     void note_opening();
+    bool way_is_clear();
     void tell(const Try& now, std::span<const std::uint8_t> reply, Verdict verdict, FrameFault fault = {}) const;
     void note_reply_interval();
     void watch_activity();
@@ -101,7 +110,8 @@ private:
     platform::Label& group_delay_;
     std::array<Decoder, 3> decoders_;
     std::vector<std::weak_ptr<const Observer>> observers_;
-    Opening held_opening_;
+    Hold hold_;
+    Way breaks_ = 0;                  // tries over the remote link that neither the server nor the controller answered
     std::uint32_t known_opening_ = 0; // of SharedState::identity
     int depth_ = 0;
 };

@@ -13,8 +13,16 @@
 namespace ecu::link {
 
 // Why a server does not pass a datagram on; each counts in the element of `refused` with its number.
-enum class Refusal : std::uint8_t { no_request, server_port, not_allowed, another_served, too_many, too_late };
-inline constexpr std::size_t refusal_kinds = 6;
+enum class Refusal : std::uint8_t {
+    no_request,
+    server_port,
+    not_allowed,
+    another_served,
+    too_many,
+    too_late,
+    opened_anew
+};
+inline constexpr std::size_t refusal_kinds = 7;
 
 struct FrmServer {
     platform::Form form{"frm_server", "Remote Server"};

@@ -46,6 +46,7 @@ void RemoteClient::start() {
         use_.state.link_title_suffix.clear();
     }
     use_.state.comm_ready = false;
+    use_.comm.link_changed();
     offer_start(false);
     const int attempt = ++attempt_;
     const Greeting greeting = greet(server, [this, attempt] { return attempt != attempt_; });
@@ -127,6 +128,7 @@ void RemoteClient::back_to_local() {
     use_.state.link_title_suffix.clear();
     use_.state.drop_view_requests(); // a view asked for meanwhile was meant to show the far controller
     use_.state.comm_ready = false;   // the next view opens the serial port
+    use_.comm.link_changed();
     use_.main_form.set_caption(plain_caption);
     offer_start(true);
 }

@@ -11,6 +11,7 @@ namespace ecu::link {
 namespace {
 
 constexpr std::size_t most_waiting = 16;
+constexpr std::size_t clients_remembered = 16;
 constexpr float oldest_written = 1.0F; // seconds: whoever asked before that has given up, or asked again
 constexpr float reply_timeout = 0.1F;
 constexpr std::size_t shortest_passed = 3;
@@ -136,6 +137,7 @@ void RemoteServer::process_server_incomming_packet(const platform::Datagram& ser
     served_ = server_packet.from;
     if (says(server_packet.bytes, server_call)) {
         use_.incomming_sock.send_to(server_packet.from, bytes_of(server_answer));
+        note_opening_for(server_packet.from);
         show(use_.form.Client_IP, platform::dotted(server_packet.from.address));
         show_counts();
     } else if (waiting_.size() < most_waiting) {
@@ -181,6 +183,27 @@ bool RemoteServer::may_write() const {
     return use_.state.comm_ready && !use_.state.demo_mode && !use_.state.comm_aborted;
 }
 
+// Behind a port that was lost and is back another controller may stand, of which the client knows nothing. It learns of
+// it by one frame without an answer, as when the server itself was gone: who must not mix two controllers asks then.
+bool RemoteServer::meets_a_new_opening(const platform::Peer& client) {
+    use_.comm1.reopen_lost();
+    const auto last = std::ranges::find(last_opening_, client, [](const auto& entry) { return entry.first; });
+    const bool other = last != last_opening_.end() && use_.comm1.is_open() && last->second != use_.comm1.openings();
+    note_opening_for(client);
+    return other;
+}
+
+void RemoteServer::note_opening_for(const platform::Peer& client) {
+    if (!use_.comm1.is_open()) {
+        return;
+    }
+    std::erase_if(last_opening_, [&](const auto& entry) { return entry.first == client; });
+    last_opening_.emplace_back(client, use_.comm1.openings());
+    if (last_opening_.size() > clients_remembered) {
+        last_opening_.pop_front();
+    }
+}
+
 void RemoteServer::serve_waiting() {
     if (serving_) {
         return; // an event inside the exchange under way, which goes on with whatever waits
@@ -195,6 +218,8 @@ void RemoteServer::serve_waiting() {
         waiting_.pop_front();
         if (use_.ports.elapsed_since(asked.when) > oldest_written) {
             refuse(Refusal::too_late);
+        } else if (may_write() && meets_a_new_opening(asked.packet.from)) {
+            refuse(Refusal::opened_anew);
         } else {
             pass_on(asked);
         }

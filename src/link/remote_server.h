@@ -50,6 +50,8 @@ private:
     void serve_waiting();
     bool line_is_taken() const;
     bool may_write() const;
+    bool meets_a_new_opening(const platform::Peer& client);
+    void note_opening_for(const platform::Peer& client);
     void pass_on(const Asked& asked);
 
     void second_passed();
@@ -62,6 +64,8 @@ private:
     RemoteSettings settings_;
     std::optional<platform::Peer> served_;
     std::deque<Asked> waiting_;
+    // Through which opening of the serial port each client was last served; also of earlier starts of the server.
+    std::deque<std::pair<platform::Peer, std::uint32_t>> last_opening_;
     std::unique_ptr<platform::Timer> again_; // looks again while the console's own message holds the line
     int session_ = 0; // counts starts and ends, so that an old exchange is not answered in a new one
     bool open_ = false;

@@ -1,7 +1,8 @@
 // For a sequence of messages that must reach one controller, or be read from one: a transfer, the walk of an Update.
-// A port that was lost and is back may have another engine behind it. From then on nothing more of the sequence goes
-// out until revision and serial number, asked anew, are those that were known before. As long as the port stays open
-// there is no message more and nothing is asked.
+// A port that was lost and is back may have another engine behind it, and so may a server that had no answer. From
+// then on nothing more of the sequence goes out until revision and serial number, asked anew, are those that were known
+// before. As long as every message is answered nothing is asked; but a client that does not know yet who is behind its
+// server asks that once, before its first sequence.
 #pragma once
 
 #include "link/ecu_comm.h"
@@ -10,14 +11,14 @@ namespace ecu::link {
 
 class SameController {
 public:
-    // From now on messages go out through this opening of the port only.
+    // From now on messages go out only to the controller that is there now.
     SameController(EcuComm& comm, SharedState& state);
     ~SameController();
     SameController(const SameController&) = delete;
     SameController& operator=(const SameController&) = delete;
 
-    // EcuComm's, and where the port was lost on the way: the question who answers, and the message once more.
-    // `not_sent` for good once another controller answers, or one that can't be told from another.
+    // EcuComm's, and where the way was broken, before its next try, the question who answers. `not_sent` for good once
+    // another controller answers, or one that can't be told from another.
     Outcome send(const Message& message, int expected_length);
 
     bool lost() const { return !trouble_.empty(); }
@@ -25,12 +26,15 @@ public:
     const std::string& trouble() const { return trouble_; }
 
 private:
-    bool confirm();
+    Outcome get_to_know();
+    std::optional<EcuComm::Way> confirm();
+    std::optional<EcuComm::Way> ask_who();
 
     EcuComm& comm_;
     SharedState& state_;
-    EcuComm::Opening held_before_;
-    ControllerIdentity known_; // as it told through the opening that is held to
+    EcuComm::Hold held_before_;
+    ControllerIdentity known_; // as it told before the way was broken
+    bool begun_ = false;
     std::string trouble_;
 };
 

@@ -54,6 +54,7 @@ public:
         view(forms.frm_ecu.Command3d3, forms.frm_plotter.form, [&] { chart(forms); });
         view(forms.frm_ecu.Command3, forms.frm_diagnostics.form);
         view(forms.frm_ecu.Command3, forms.frm_diagnostics.form, [&] { diagnostics(forms); });
+        serving(forms);
         std::cout << pictures_ << " pictures in " << std::filesystem::weakly_canonical(folder_).string() << '\n';
         if (answers_.failures() > 0) {
             std::cerr << "ecu-tour: " << answers_.failures() << " time(s) something failed, as told above\n";
@@ -164,6 +165,21 @@ private:
         forms.frm_diagnostics.dyno_plot.press();
         wait(0.5F);
         picture(forms.frm_diagnostics.form, "_dyno");
+    }
+
+    // Nobody asks it; the ports are such as every user may open.
+    void serving(ecu::console::Forms& forms) {
+        if (desktop_.console().state.demo_mode) {
+            return;
+        }
+        if (!qEnvironmentVariableIsSet("ECU_REMOTE_PORTS")) {
+            qputenv("ECU_REMOTE_PORTS", "40998,40999");
+        }
+        forms.frm_ecu.menu_remote_setup_start_server.click();
+        wait(1.5F);
+        picture(forms.frm_server.form);
+        forms.frm_server.server_cancel.press();
+        wait(0.2F);
     }
 
     DesktopConsole& desktop_;

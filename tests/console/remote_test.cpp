@@ -147,6 +147,52 @@ TEST_F(TwoConsoles, AServerThatIsKilledAndComesBackIsFoundAgainInMidDownload) {
     EXPECT_FALSE(client.forms.frm_dialog.form.visible());
 }
 
+// The client sees neither the plug nor the other cable, only that a message had no answer.
+TEST_F(TwoConsoles, WhatEndsUpBehindTheServerInMidUploadMustBeTheSameController) {
+    start_server();
+    start_client();
+    desktop.choose_file(desktop.path("engine.set"));
+    client.forms.frm_ecu.menufilesave.click();
+    const auto count_of = [&](std::uint8_t code) {
+        return std::ranges::count(requests, code, [](const Bytes& request) { return request[2]; });
+    };
+    EXPECT_EQ(count_of('-'), 1) << "a client asks once who is there";
+    struct Case {
+        bool replugged; // else the server was away meanwhile
+        std::uint32_t serial;
+        const char* told;
+    };
+    for (const auto& [replugged, serial, told] : {Case{true, 104077, nullptr},
+                                                  {false, 104077, nullptr},
+                                                  {true, 55, "55 in place of 104077"},
+                                                  {false, 56, "56 in place of 55"}}) {
+        const bool same = told == nullptr;
+        requests.clear();
+        std::size_t after_change = 0;
+        desktop.schedule(desktop.now() + 3'000'000, [&, replugged = replugged, serial = serial] {
+            replugged ? desktop.line().unplug() : server.forms.frm_server.server_cancel.press();
+            desktop.schedule(desktop.now() + 4'000, [&, replugged, serial] {
+                replugged ? desktop.line().plug_in() : server.forms.frm_ecu.menu_remote_setup_start_server.click();
+                if (serial != 104077) {
+                    wired.controller.exchange(serial);
+                }
+                after_change = requests.size();
+            });
+        });
+        desktop.choose_file(desktop.path("engine.set"));
+        if (!same) {
+            desktop.expect_box(std::string("another controller answers there now, serial number ") + told);
+        }
+        client.forms.frm_ecu.menufileopen.click();
+        desktop.run_for(0.5);
+        ASSERT_GT(after_change, 100U);
+        const auto next = [&](std::size_t n) { return requests.at(after_change + n)[2]; };
+        EXPECT_EQ((std::array{next(0), next(1)}), (std::array<std::uint8_t, 2>{'R', '-'})) << same << replugged;
+        EXPECT_EQ(requests.size() > after_change + 2, same);
+        EXPECT_EQ(count_of('-'), 1);
+    }
+}
+
 // Whether it is given up by the user or by the client itself.
 TEST_F(TwoConsoles, WhatWasMeantForTheFarControllerNeverGoesToThisMachinesOwn) {
     client.start("");

@@ -65,4 +65,33 @@ inline Bytes live_reply() {
     return frame;
 }
 
+// A controller with cells, of which replies tell the address.
+struct CellBench : LinkBench {
+    std::map<int, int> cells; // what the controller holds
+    std::map<int, int> seen;  // what the decoders were offered
+    double ask_started = 0;
+
+    CellBench() {
+        controller.set_reply_delay(0.002);
+        controller.responder = [this](const Request& r) {
+            const int address = r[3] + 256 * r[4];
+            if (r[2] == 'e') {
+                cells[address] = r[5];
+            }
+            return reply_frame({r[2], r[3], r[4], static_cast<std::uint8_t>(cells[address])});
+        };
+        comm.set_decoders(
+            {[this](const Reply& reply, int count) {
+                 if ((reply[2] == 'E' || reply[2] == 'e') && count == 6) {
+                     seen[reply[3] + 256 * reply[4]] = reply[5];
+                     state.reply_accepted = true;
+                 }
+             },
+             [this](const Reply& reply, int) { state.reply_accepted = reply[2] == 'S' || reply[2] == 'F'; }, nullptr});
+    }
+    Outcome write(int cell, int value) {
+        return comm.send_ecu_message({'e', static_cast<std::uint8_t>(cell), 1, static_cast<std::uint8_t>(value)}, 6);
+    }
+};
+
 } // namespace ecu::test

@@ -12,6 +12,7 @@ using testing::Le;
 
 TEST(Client, GreetsTheServerAndTakesItsPlaceInTheTitle) {
     ClientBench bench;
+    bench.state.identity = {.firmware = 100, .serial = 5}; // of this machine's own controller
     bench.desktop.expect_box("Succesful connection to remote IP address 127.0.0.1");
     bench.enter({" 127", "0", "000", "1"});
     bench.client.start();
@@ -21,11 +22,13 @@ TEST(Client, GreetsTheServerAndTakesItsPlaceInTheTitle) {
     EXPECT_FALSE(bench.start_server.enabled() || bench.start_client.enabled());
     EXPECT_TRUE(bench.halt_client.enabled());
     EXPECT_FALSE(bench.comm1->is_open() || bench.state.comm_ready);
+    EXPECT_FALSE(bench.state.identity.firmware || bench.state.identity.serial);
     EXPECT_TRUE(bench.desktop.network().bound(998));
     bench.selection.open_comm_link();
     EXPECT_TRUE(bench.state.comm_ready);
     EXPECT_FALSE(bench.comm1->is_open()) << "a client needs no serial port";
     bench.client.halt();
+    EXPECT_FALSE(bench.state.comm_ready);
     EXPECT_EQ(bench.main_form.caption(), "ECU System Console");
     EXPECT_EQ(bench.state.link_title_suffix + bench.state.remote_server_ip, "");
     EXPECT_TRUE(bench.start_server.enabled() && bench.start_client.enabled());

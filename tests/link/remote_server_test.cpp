@@ -224,6 +224,39 @@ TEST(Server, DropsALateReplyBeforeTheNextWrite) {
     EXPECT_THAT(bench.answers_to(bench.client), ElementsAre(reply_frame({'B'}, 12)));
 }
 
+TEST(Server, LeavesTheFirstFrameAfterANewOpeningOfThePortWithoutAnswer) {
+    ServerBench bench;
+    bench.desktop.environment["ECU_REMOTE_ALLOW"] = "127.0.0.1,10.0.0.9";
+    bench.start();
+    bench.ask_from(bench.client, text_bytes("MARCO"));
+    const auto replug = [&] {
+        bench.desktop.line().unplug();
+        bench.desktop.line().plug_in();
+    };
+    for (int times = 0; times < 2; ++times) {
+        replug();
+        bench.answers_to(bench.client);
+        bench.ask_from(bench.client, ask_live);
+        bench.desktop.run_for(0.1);
+        bench.ask_from(bench.client, ask_live);
+        bench.ask_from(bench.other, ask_live); // one that has seen no other
+        bench.desktop.run_for(0.2);
+        EXPECT_EQ(bench.refused(Refusal::opened_anew), 1 + times) << "counted anew with each start";
+        EXPECT_THAT(bench.answers_to(bench.client), ElementsAre(live_reply()));
+        bench.ask_from(bench.other, ask_live);
+        bench.desktop.run_for(0.2);
+        EXPECT_EQ(bench.answers_to(bench.other).size(), 1U);
+        bench.form.form.unload(); // what is known outlasts a restart of the server
+        bench.desktop.run_for(0.1);
+        bench.server.start();
+        bench.desktop.run_for(0.1);
+    }
+    bench.desktop.line().unplug();
+    bench.ask_from(bench.client, ask_live);
+    bench.desktop.run_for(0.2);
+    EXPECT_THAT(bench.answers_to(bench.client), ElementsAre(noresp)) << "gone, which is no other one yet";
+}
+
 TEST(Server, WaitsForTheConsolesOwnMessageButNotForTheAnswerToItsFailure) {
     ServerBench bench;
     bench.start();

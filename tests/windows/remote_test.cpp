@@ -145,13 +145,13 @@ TEST_F(RealSockets, OneThatHearsItsRemoteAloneHearsNobodyElseAndSurvivesItsAbsen
     EXPECT_TRUE(wait(2, [&] { return one_->available() == 2; }));
 }
 
-// A console in a folder of its own with a virtual controller behind port 1, serving.
-class ServingConsole : public testing::Test {
+// A folder of its own with a virtual controller behind port 1, and ports for the link.
+class RemoteFolder : public testing::Test {
 protected:
-    ServingConsole() {
+    explicit RemoteFolder(const QStringList& controller_options = {}) {
         ports_ = QByteArray::number(test::free_port()) + ',' + QByteArray::number(test::free_port());
         qputenv("ECU_REMOTE_PORTS", ports_);
-        controller_.start(program("ecu-controller"), {});
+        controller_.start(program("ecu-controller"), controller_options);
         while (controller_.state() != QProcess::NotRunning && !controller_.canReadLine()) {
             controller_.waitForReadyRead(5000);
         }
@@ -164,13 +164,8 @@ protected:
         picture.fill(Qt::black);
         picture.save("OEM.JPG");
         std::ofstream("OEM.TXT") << "test\n";
-        desktop_ = std::make_unique<DesktopConsole>();
-        desktop_->console().start("");
-        QTest::qWait(60);
     }
-    ~ServingConsole() override {
-        desktop_->console().before_end();
-        desktop_.reset();
+    ~RemoteFolder() override {
         QDir::setCurrent(before_);
         qunsetenv("ECU_REMOTE_PORTS");
         qunsetenv("ECU_PORT_1");
@@ -178,6 +173,85 @@ protected:
         controller_.waitForFinished(5000);
     }
     static QString program(const char* name) { return QApplication::applicationDirPath() + '/' + name; }
+    static QByteArray content(const QString& name) {
+        QFile file(name);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
+    }
+
+    QTemporaryDir folder_;
+    QString before_;
+    QByteArray ports_;
+    QProcess controller_;
+    QString device_;
+};
+
+// Both ends as processes, which are killed.
+class KilledEnds : public RemoteFolder {
+protected:
+    KilledEnds() : RemoteFolder({"--pace", "230400"}) {}
+    ~KilledEnds() override {
+        for (QProcess* process : {&server_, &client_}) {
+            process->kill();
+            process->waitForFinished(5000);
+        }
+    }
+    void serve() {
+        server_.start(program("test_windows"), {"--serve"});
+        ASSERT_TRUE(QTest::qWaitFor([&] { return server_.canReadLine(); }, 20000));
+        ASSERT_EQ(server_.readLine(), "serving\n");
+    }
+    void download(const QString& file) {
+        const QStringList left = unfinished();
+        client_.start(program("ecu-cli"), {"--remote", "127.0.0.1", "download", file});
+        ASSERT_TRUE(client_.waitForStarted());
+        const auto begun = [&] { return !unfinished().isEmpty() && unfinished() != left; };
+        ASSERT_TRUE(QTest::qWaitFor(begun, 20000)) << client_.readAllStandardError().toStdString();
+    }
+    bool ends_well() {
+        const bool ended = QTest::qWaitFor([&] { return client_.state() == QProcess::NotRunning; }, 40000);
+        return ended && client_.exitStatus() == QProcess::NormalExit && client_.exitCode() == 0;
+    }
+    static QStringList unfinished() { return QDir().entryList({"*.new-*"}); }
+    static void kill(QProcess& process) {
+        process.kill();
+        process.waitForFinished(5000);
+    }
+    QProcess server_;
+    QProcess client_;
+};
+
+TEST_F(KilledEnds, AreFoundAgainInMidDownloadAndNothingIsLost) {
+    serve();
+    download("first.set");
+    kill(server_);
+    QTest::qWait(1500); // more than a try without an answer
+    ASSERT_EQ(client_.state(), QProcess::Running) << client_.readAllStandardError().toStdString();
+    serve();
+    ASSERT_TRUE(ends_well()) << client_.readAllStandardError().toStdString();
+    EXPECT_EQ(content("first.set").count('\n'), 2126);
+
+    std::ofstream("second.set") << "an older calibration";
+    download("second.set");
+    kill(client_);
+    EXPECT_EQ(content("second.set"), "an older calibration");
+    download("second.set");
+    ASSERT_TRUE(ends_well()) << client_.readAllStandardError().toStdString();
+    EXPECT_EQ(content("second.set"), content("first.set"));
+    EXPECT_TRUE(unfinished().isEmpty()) << "what the killed one left";
+}
+
+// A console that serves, in this process.
+class ServingConsole : public RemoteFolder {
+protected:
+    ServingConsole() {
+        desktop_ = std::make_unique<DesktopConsole>();
+        desktop_->console().start("");
+        QTest::qWait(60);
+    }
+    ~ServingConsole() override {
+        desktop_->console().before_end();
+        desktop_.reset();
+    }
     console::Forms& forms() { return desktop_->console().forms; }
     void serve() {
         forms().frm_ecu.menu_remote_setup_start_server.click();
@@ -195,16 +269,7 @@ protected:
         }
         return {cli.exitCode(), cli.readAll()};
     }
-    static QByteArray content(const QString& name) {
-        QFile file(name);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
-    }
 
-    QTemporaryDir folder_;
-    QString before_;
-    QByteArray ports_;
-    QProcess controller_;
-    QString device_;
     std::unique_ptr<DesktopConsole> desktop_;
 };
 

@@ -35,8 +35,13 @@ std::unique_ptr<FormWindow> make_frm_server_window(link::FrmServer& f, QtHost& h
     Panel refused = window->panel("Refused, and not answered");
     refused.figure("Datagrams", f.num_refused, "", widest_count);
     constexpr std::array<const char*, link::refusal_kinds> reasons{
-        "Neither a greeting nor a whole frame", "From a server's port",       "From an address that may not ask",
-        "From another console meanwhile",       "More waiting than can wait", "Too old to be written"};
+        "Neither a greeting nor a whole frame",
+        "From a server's port",
+        "From an address that may not ask",
+        "From another console meanwhile",
+        "More waiting than can wait",
+        "Too old to be written",
+        "The first one after the serial port was opened anew"};
     for (std::size_t i = 0; i < reasons.size(); ++i) {
         static_cast<QLabel*>(refused.row(reasons[i], f.refused[i]))->setAlignment(Qt::AlignRight);
     }
