@@ -23,8 +23,8 @@ constexpr std::array special_replies{firmware_revision, serial_number, compatibi
 constexpr std::array acknowledgements{fire_injectors,     fire_ignition,     dyno_setup,    dyno_control,
                                       oxygen_control_off, oxygen_control_on, session_latch, arm_capture};
 
-constexpr const Parameter& tps_base = calibration::parameter("TPS_BASE");
-constexpr const Parameter& tps_fs = calibration::parameter("TPS_FS");
+constexpr const Parameter& tps_base = measured[0].row;
+constexpr const Parameter& tps_fs = measured[1].row;
 
 constexpr bool is_element(calibration::WriteForm form) {
     return form == calibration::WriteForm::element_byte || form == calibration::WriteForm::element_word;
