@@ -53,7 +53,8 @@ consteval bool link_knows_what_replies_repeat() {
 }
 static_assert(link_knows_what_replies_repeat());
 
-// 10200 is "V1.02.00".
+} // namespace
+
 std::string revision_text(std::int32_t word) {
     std::array<char, 16> digits{};
     std::snprintf(digits.data(), digits.size(), "%05d", static_cast<int>(word));
@@ -61,8 +62,6 @@ std::string revision_text(std::int32_t word) {
     return "V" + std::string(text.substr(0, 1)) + "." + std::string(text.substr(1, 2)) + "." +
            std::string(text.substr(3, 2));
 }
-
-} // namespace
 
 ReplyDecoders::ReplyDecoders(const platform::Ports& ports, link::SharedState& state,
                              calibration::CalibrationImage& image, calibration::Scales& scales,

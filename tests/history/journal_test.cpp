@@ -151,6 +151,93 @@ TEST_F(HistoryTest, KnowsOfAWriteThatAKillLeftUnderWay) {
     EXPECT_EQ(all[1].answer->raw, 78); // went along with the write behind it
 }
 
+TEST_F(HistoryTest, SendsWhatIsTickedAndNothingElseAndGoesOnAfterALostLink) {
+    auto read = console->send_changes.read();
+    ASSERT_TRUE(read.copy);
+    EXPECT_EQ(read.copy->values.size(), 2123U);
+    calibration::Snapshot wanted = read.copy->values;
+    wanted.put(rate, {.raw = 100});
+    wanted.put(cell, {.raw = 99});
+    wanted.put({.table = &table("MAPM"), .index = 6}, {.raw = 300}); // fits no byte
+    wanted.put({.table = &table("MAPM"), .index = 7}, {.raw = 98});
+    wanted.put(offset, {.raw = -7});
+    auto lines = history::changes_to(wanted, read.copy->values);
+    ASSERT_EQ(lines.size(), 5U);
+    const auto line_of = [&](std::int32_t to) -> history::ChangeLine& {
+        return *std::ranges::find(lines, to, &history::ChangeLine::to);
+    };
+    line_of(98).ticked = false;
+    std::vector<int> written;
+    bool silenced = false;
+    wired.controller.on_request = [&](const link::Request& request) {
+        if (const auto value = calibration::written_value(request)) {
+            written.push_back(value->raw);
+            if (!std::exchange(silenced, true)) {
+                wired.silence(); // from the next one on
+            }
+        }
+    };
+    desktop.on_modal("frm_Dialog", [this](Form&) { console->forms.frm_dialog.dialog_button[0].press(); });
+    auto result = console->send_changes.send(lines, read.copy->identity, "Upload of test.set");
+    EXPECT_EQ(history::result_text(result).substr(0, 59),
+              "1 sent and verified, 1 without an answer, 1 not sent: the l");
+    EXPECT_TRUE(console->forms.frm_ecu.form.enabled());
+    wired.speak();
+    written.clear();
+    result = console->send_changes.send(lines, read.copy->identity, "Upload of test.set");
+    EXPECT_TRUE(result.complete());
+    EXPECT_EQ(written.size(), 2U); // the one without an answer, and the one behind it
+    EXPECT_EQ(in_controller(rate), 100);
+    EXPECT_EQ(in_controller(cell), 99);
+    EXPECT_EQ(in_controller(offset), 65536 - 7);
+    EXPECT_EQ(line_of(300).state, LineState::unfit);
+    console->journal.flush();
+    EXPECT_EQ(rows().back().write.place, "Upload of test.set");
+
+    // Another controller in the place of the one that was read, which the line itself does not tell.
+    line_of(98).ticked = true;
+    wired.controller.exchange(55);
+    desktop.expect_box("serial number 55 answers now");
+    result = console->send_changes.send(lines, read.copy->identity, "Upload of test.set");
+    EXPECT_EQ(result.left, 1);
+    EXPECT_EQ(written.size(), 2U);
+    // Refused where a transfer is.
+    console->state.demo_mode = true;
+    desktop.expect_box("This program is running in demo mode");
+    EXPECT_FALSE(console->send_changes.read().copy);
+}
+
+TEST_F(HistoryTest, PutsBackWhatAnEchoTookOtherwiseAndEndsAReadingThatIsNotWanted) {
+    auto read = console->send_changes.read();
+    ASSERT_TRUE(read.copy);
+    std::vector<history::ChangeLine> lines{{.key = cell, .from = 1, .to = 99}};
+    wired.controller.on_request = [this](const link::Request& request) {
+        if (request[2] == calibration::write_cell) { // it keeps another value than it was sent
+            desktop.line().receive(test::reply_frame({'e', request[3], request[4], 98}), 0.001);
+            wired.silence();
+        }
+    };
+    const auto result = console->send_changes.send(lines, read.copy->identity, "test");
+    EXPECT_EQ(result.otherwise, 1);
+    EXPECT_EQ(lines[0].stored, 98);
+    wired.controller.on_request = nullptr;
+    wired.speak();
+    int seen = 0;
+    read = console->send_changes.read([&](int done, int) { return (seen = done) < 10; });
+    EXPECT_FALSE(read.copy);
+    EXPECT_EQ(read.trouble, "");
+    EXPECT_EQ(seen, 10);
+    desktop.on_modal("frm_Dialog", [this](Form&) { console->forms.frm_dialog.dialog_button[0].press(); });
+    bool struck = false;
+    read = console->send_changes.read([&](int done, int) {
+        if (done == 1000 && !std::exchange(struck, true)) {
+            wired.controller.faults().strike_next(controller::Fault::lost, 10);
+        }
+        return true;
+    });
+    EXPECT_FALSE(read.copy); // older values are no reading
+}
+
 TEST_F(HistoryTest, GoesOnWithoutAFileAndTellsItOnce) {
     std::filesystem::create_directory(desktop.path("history.sqlite")); // a folder takes no rows
     desktop.expect_box("The journal of writes cannot be kept");
