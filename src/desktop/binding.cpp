@@ -24,14 +24,20 @@
 #include <QScrollBar>
 #include <QSignalBlocker>
 #include <QTextCursor>
+#include <QTimer>
 #include <QToolTip>
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <stdexcept>
 #include <utility>
 
 namespace ecu::desktop {
+
+namespace {
+constexpr std::chrono::milliseconds after_the_next_request{1};
+} // namespace
 
 using platform::Control;
 using platform::Kind;
@@ -155,11 +161,22 @@ void Binding::refresh(Control& control, Property property) {
     if (found == bound_.end()) {
         return;
     }
-    if (found->second.widget != nullptr) {
-        refresh_common(control, found->second, property);
+    const bool looks = property == Property::text || property == Property::back_colour ||
+                       property == Property::fore_colour || property == Property::origin;
+    const QWidget* widget = found->second.widget;
+    if (looks && qobject_cast<const QLineEdit*>(widget) != nullptr && widget->window()->focusWidget() != widget) {
+        refresh_later(static_cast<platform::TextBox&>(control));
+        return;
     }
-    if (found->second.update) {
-        found->second.update(property);
+    refresh_now(control, found->second, property);
+}
+
+void Binding::refresh_now(Control& control, Bound& bound, Property property) {
+    if (bound.widget != nullptr) {
+        refresh_common(control, bound, property);
+    }
+    if (bound.update) {
+        bound.update(property);
     }
 }
 
@@ -214,20 +231,20 @@ void Binding::refresh_common(Control& control, Bound& bound, Property property) 
     }
 }
 
-// A box that takes no entry waits for the next events: while many are read, their look takes no time from the line.
-void Binding::paint_later(const platform::TextBox& box) {
-    if (unpainted_.empty()) {
-        QMetaObject::invokeMethod(
-            this,
-            [this] {
-                for (const platform::TextBox* waiting : std::exchange(unpainted_, {})) {
-                    paint_box(*waiting, *widget_of(*waiting));
-                }
-            },
-            Qt::QueuedConnection);
+// What a box shows that has not the focus: while many are read, it takes no time from the line.
+void Binding::refresh_later(platform::TextBox& box) {
+    if (stale_.empty()) {
+        QTimer::singleShot(after_the_next_request, Qt::PreciseTimer, this, &Binding::refresh_stale);
     }
-    if (std::ranges::find(unpainted_, &box) == unpainted_.end()) {
-        unpainted_.push_back(&box);
+    if (std::ranges::find(stale_, &box) == stale_.end()) {
+        stale_.push_back(&box);
+    }
+}
+
+void Binding::refresh_stale() {
+    for (platform::TextBox* box : std::exchange(stale_, {})) {
+        refresh_now(*box, bound_.at(box), Property::text);
+        refresh_now(*box, bound_.at(box), Property::back_colour);
     }
 }
 
@@ -243,8 +260,7 @@ void Binding::paint_colours(Control& control, QWidget& widget) {
         if (static_cast<platform::TextBox&>(control).multi_line) {
             return; // read-only: no edit state to be told
         }
-        widget.isEnabled() ? paint_box(static_cast<platform::TextBox&>(control), widget)
-                           : paint_later(static_cast<platform::TextBox&>(control));
+        paint_box(static_cast<platform::TextBox&>(control), widget);
         return;
     case Kind::label:
     case Kind::check_box:
@@ -319,6 +335,16 @@ bool Binding::eventFilter(QObject* watched, QEvent* event) {
         return false;
     }
     Control& control = *found->second;
+    switch (event->type()) {
+    case QEvent::FocusIn:
+    case QEvent::KeyPress:
+    case QEvent::InputMethod:
+    case QEvent::MouseButtonPress:
+        refresh_stale(); // what is entered is added to what the box holds, not to what it showed
+        break;
+    default:
+        break;
+    }
     switch (event->type()) {
     case QEvent::FocusIn: {
         move_focus(&control);

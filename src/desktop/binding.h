@@ -61,7 +61,9 @@ private:
     void refresh_common(platform::Control& control, Bound& bound, platform::Property property);
     static void name_by_text(const platform::Control& control, Bound& bound);
     void paint_colours(platform::Control& control, QWidget& widget);
-    void paint_later(const platform::TextBox& box);
+    void refresh_now(platform::Control& control, Bound& bound, platform::Property property);
+    void refresh_later(platform::TextBox& box);
+    void refresh_stale();
     void move_focus(platform::Control* to);
     void mark(const platform::MenuItem& item, QAction& action);
 
@@ -78,7 +80,7 @@ private:
     std::unordered_map<const platform::Control*, Bound> bound_;
     std::unordered_map<const QObject*, platform::Control*> controls_;
     std::map<std::string, QButtonGroup*> groups_; // children of this object
-    std::vector<const platform::TextBox*> unpainted_;
+    std::vector<platform::TextBox*> stale_;       // whose widgets are behind
     platform::Control* focused_ = nullptr;
 };
 

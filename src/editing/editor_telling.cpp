@@ -20,6 +20,9 @@ void Editor::changed() {
     change_posted_ = true;
     ports_.timers.post([this] {
         change_posted_ = false;
+        if (!window_.form.visible()) {
+            return; // a download fills the closed windows too; the opening counts
+        }
         show_status();
         if (window_.redraw && !loading_) {
             window_.redraw();

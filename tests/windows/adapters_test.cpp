@@ -6,7 +6,11 @@
 #include "windows/udp_bench.h"
 
 #include <QElapsedTimer>
+#include <QEventLoop>
 #include <QSocketNotifier>
+#include <QTest>
+#include <QTimer>
+#include <QWidget>
 
 #include <gtest/gtest.h>
 
@@ -230,6 +234,36 @@ TEST(QtWaiting, SleepsWhileNothingHappensAndWakesForATimer) {
     EXPECT_FALSE(posted) << "a posted action never runs inside the post";
     waiting.process_events();
     EXPECT_TRUE(posted);
+}
+
+TEST(QtWaiting, PaintsBehindARequestInsteadOfBeforeItButInABoxOfItsOwnLoopAsEver) {
+    struct Window final : QWidget {
+        int painted = 0;
+        void paintEvent(QPaintEvent*) override { ++painted; }
+    };
+    QtWaiting waiting;
+    Window window;
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window) && QTest::qWaitFor([&] { return window.painted > 0; }));
+    window.painted = 0;
+    window.update();
+    waiting.process_events(); // the request is written next
+    EXPECT_EQ(window.painted, 0);
+    waiting.wait_for_events(0.01F);
+    EXPECT_EQ(window.painted, 1);
+
+    window.update();
+    waiting.process_events(); // with no wait behind it
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.painted == 2; }));
+
+    QTimer::singleShot(0, [&] {
+        QEventLoop box;
+        window.update();
+        QTimer::singleShot(5, &box, &QEventLoop::quit);
+        box.exec();
+        EXPECT_EQ(window.painted, 3);
+    });
+    waiting.process_events();
 }
 
 TEST(QtDatagramSocket, ReadsDatagramsAsAStreamAndOneByOne) {
