@@ -190,6 +190,36 @@ TransferResult Transfer::download_lines(const std::string& name, const Sink& sin
         });
 }
 
+TransferResult Transfer::send_sequence(const std::string& name, const Sequence& sequence) {
+    return run(
+        Direction::upload, [&] { return name; },
+        [&](const std::string& path) {
+            TransferResult result;
+            result.outcome = TransferResult::Outcome::done;
+            Progress progress(use_, "ECU<-" + path);
+            progress.set_total(static_cast<int>(sequence.count));
+            if (std::string refusal = sequence.begin(); !refusal.empty()) {
+                result.outcome = TransferResult::Outcome::other_controller;
+                result.trouble = std::move(refusal);
+                return result;
+            }
+            for (std::size_t i = 0; i < sequence.count; ++i) {
+                progress.show_at(result.lines);
+                const auto [message, reply] = sequence.message(i);
+                const bool answered = send(message, reply, result);
+                const bool on = sequence.ended(i, answered);
+                if (controller_->lost() || !on) {
+                    break;
+                }
+                ++result.lines;
+            }
+            progress.show_at(result.lines);
+            progress.show();
+            other_controller("The sending has stopped", result);
+            return result;
+        });
+}
+
 bool Transfer::names_no_file(const std::string& path) {
     return path.empty() || path_from_text(path).filename() == initial_name;
 }

@@ -81,6 +81,16 @@ public:
     // A download whose lines go to `sink` instead of a file. `name` stands for the path in the caption.
     TransferResult download_lines(const std::string& name, const Sink& sink);
 
+    // Single messages under the same rules, refusals and progress, for a sequence that is no file. It ends at the first
+    // message that `ended` does not want to go on behind.
+    struct Sequence {
+        std::size_t count = 0;
+        std::function<std::string()> begin; // once the controller answers; a text ends it
+        std::function<std::pair<link::Message, int>(std::size_t)> message; // with the payload count awaited
+        std::function<bool(std::size_t, bool answered)> ended;
+    };
+    TransferResult send_sequence(const std::string& name, const Sequence& sequence);
+
     // The program ends from inside a transfer: removes the file that is not whole.
     void abandon() { growing_.reset(); }
 

@@ -18,6 +18,15 @@ Status run(const Options& options) {
     if (options.verb == Verb::diff) {
         return run_diff(options);
     }
+    if (options.verb == Verb::compare) {
+        return run_compare(options);
+    }
+    if (options.verb == Verb::journal) {
+        return run_journal(options);
+    }
+    if (options.verb == Verb::restore_point) {
+        return run_restore_point(options);
+    }
     Session session(options);
     try {
         switch (options.verb) {
@@ -31,8 +40,13 @@ Status run(const Options& options) {
             return run_monitor(session, options);
         case Verb::log:
             return run_log(session, options);
+        case Verb::send_changes:
+            return run_send_changes(session, options);
         case Verb::diff:
         case Verb::check:
+        case Verb::compare:
+        case Verb::restore_point:
+        case Verb::journal:
             break;
         }
     } catch (const LinkFailed& failed) {

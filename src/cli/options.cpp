@@ -20,7 +20,7 @@ constexpr const char* closing =
 constexpr const char* global_group = "Options of every verb";
 
 struct Verbs {
-    std::array<CLI::App*, 7> apps{};
+    std::array<CLI::App*, 11> apps{};
     CLI::App*& operator[](Verb verb) { return apps.at(static_cast<std::size_t>(verb)); }
 };
 
@@ -60,6 +60,55 @@ void add_interval(CLI::App& verb, Options& options) {
         ->type_name("MS");
 }
 
+constexpr const char* side_text = "setup file, restore point as @N, or the word controller";
+
+void add_filters(CLI::App& verb, Options& options) {
+    verb.add_option("--group", options.group, "of this group only, as \"Basic Map\"")->type_name("GROUP");
+    verb.add_option("--text", options.text, "with this text in key, item, place or group")->type_name("TEXT");
+    verb.add_option("--at-least", options.rate, "that differ by so many per cent")
+        ->check(CLI::NonNegativeNumber)
+        ->type_name("PERCENT");
+}
+
+void add_history_verbs(CLI::App& app, Verbs& verbs, Options& options) {
+    CLI::App* compare = verbs[Verb::compare] =
+        app.add_subcommand("compare", "compare two calibrations in units, group by group");
+    add_file(*compare, "A", options.file, side_text);
+    add_file(*compare, "B", options.second, side_text);
+    add_filters(*compare, options);
+    compare->add_flag("--raw", options.raw, "raw numbers behind the values");
+    compare->add_flag("--csv", options.csv, "write for a spreadsheet");
+
+    CLI::App* point = verbs[Verb::restore_point] =
+        app.add_subcommand("restore-point", "keep the controller's whole calibration, or list what is kept");
+    point->add_option("ACTION", options.action, "list, make, save, remove")
+        ->check(CLI::IsMember({"list", "make", "save", "remove"}, CLI::ignore_case))
+        ->default_str("list")
+        ->type_name("");
+    point->add_option("N", options.point, "of save and remove: number of the restore point")->type_name("");
+    point->add_option("FILE", options.file, "of save: setup file to write it to")
+        ->type_name("")
+        ->check(CLI::Validator(fault_of_name, std::string()));
+    point->add_option("--note", options.note, "of make: what it is")->type_name("TEXT");
+
+    CLI::App* journal = verbs[Verb::journal] = app.add_subcommand("journal", "list what was written to the controller");
+    journal->add_option("--text", options.text, "with this text in item, place or value")->type_name("TEXT");
+    journal->add_option("--since", options.since, "of this time or later, 2026-11-23 or with a time behind it")
+        ->type_name("TIME");
+    journal->add_option("--last", options.count, "the newest rows only")
+        ->check(CLI::Range(1L, 1'000'000'000L))
+        ->type_name("N");
+
+    CLI::App* send = verbs[Verb::send_changes] =
+        app.add_subcommand("send-changes", "write only what differs, each value verified");
+    add_file(*send, "SOURCE", options.file, "setup file, or restore point as @N");
+    send->add_option("--only", options.only, "only this item or cell, as MAPM or MAPM[007]; may stand several times")
+        ->type_name("KEY");
+    add_filters(*send, options);
+    send->add_flag("--preview", options.preview, "show what would be sent, and send nothing");
+    send->add_flag("--yes,-y", options.yes, "do not ask first");
+}
+
 Verbs add_verbs(CLI::App& app, Options& options) {
     Verbs verbs;
     verbs[Verb::info] = app.add_subcommand("info", "tell firmware, serial number and functions of the controller");
@@ -93,6 +142,7 @@ Verbs add_verbs(CLI::App& app, Options& options) {
     log->add_option("--rows", options.count, "rows to write; without it, until Ctrl+C")
         ->check(CLI::Range(1L, 1'000'000'000L))
         ->type_name("N");
+    add_history_verbs(app, verbs, options);
     return verbs;
 }
 

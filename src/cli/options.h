@@ -7,10 +7,23 @@
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 namespace ecu::cli {
 
-enum class Verb : std::uint8_t { info, download, upload, diff, check, monitor, log };
+enum class Verb : std::uint8_t {
+    info,
+    download,
+    upload,
+    diff,
+    check,
+    monitor,
+    log,
+    compare,
+    restore_point,
+    journal,
+    send_changes,
+};
 
 struct Options {
     Verb verb = Verb::info;
@@ -18,7 +31,20 @@ struct Options {
     std::string second; // of diff
     bool yes = false;   // upload without asking
     int interval_ms = 1000;
-    long count = 0; // samples or rows; 0: until Ctrl+C
+    long count = 0; // samples or rows; 0: until Ctrl+C. Of the journal: the newest rows; 0: all
+
+    // Of compare, restore-point, journal and send-changes
+    std::string action;            // of restore-point
+    std::optional<long> point;     // its number
+    std::string note;              // of a new one
+    std::string group;             // differences of this group only
+    std::string text;              // differences or rows with this text only
+    double rate = 0;               // differences of at least so many per cent
+    bool raw = false;              // raw numbers too
+    bool csv = false;              // for a spreadsheet
+    bool preview = false;          // show what would be sent, and send nothing
+    std::string since;             // rows of this time or later
+    std::vector<std::string> only; // keys to be sent: "ACC_RATE", "MAPM", "MAPM[007]"
 
     std::optional<int> port;
     std::string device; // what the port stands for

@@ -25,6 +25,16 @@ std::string value_text(const FileKey& key, std::int32_t raw, const Snapshot& val
     return std::to_string(raw) + (shown.empty() || shown == std::to_string(raw) ? "" : " (" + shown + ")");
 }
 
+QJsonObject value_object(const FileKey& key, std::int32_t raw, const Snapshot& values) {
+    QJsonObject object{{"raw", raw}};
+    if (const std::string shown = shown_text(key, raw, values.scales()); !shown.empty()) {
+        object["shown"] = json_text(shown);
+    }
+    return object;
+}
+
+} // namespace
+
 QJsonObject key_object(const FileKey& key) {
     QJsonObject object{{"key", json_text(key.table != nullptr ? key.table->key : key.parameter->key)}};
     if (key.table != nullptr || key.parameter->is_vector()) {
@@ -36,16 +46,6 @@ QJsonObject key_object(const FileKey& key) {
     }
     return object;
 }
-
-QJsonObject value_object(const FileKey& key, std::int32_t raw, const Snapshot& values) {
-    QJsonObject object{{"raw", raw}};
-    if (const std::string shown = shown_text(key, raw, values.scales()); !shown.empty()) {
-        object["shown"] = json_text(shown);
-    }
-    return object;
-}
-
-} // namespace
 
 std::string as_text(const Comparison& comparison, const Snapshot& a, const Snapshot& b, const std::string& name_a,
                     const std::string& name_b) {

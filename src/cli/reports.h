@@ -5,6 +5,8 @@
 #include "calibration/compare.h"
 #include "calibration/file_check.h"
 
+#include <QJsonObject>
+
 #include <string>
 
 namespace ecu::cli {
@@ -17,6 +19,9 @@ std::string as_json(const calibration::Comparison& comparison, const calibration
 
 std::string as_text(const calibration::CheckReport& report, const std::string& name);
 std::string as_json(const calibration::CheckReport& report);
+
+// {"key": "MAPM", "index": 7, "row": 9, "column": 1}
+QJsonObject key_object(const calibration::FileKey& key);
 
 // Reads the file. Throws Failure when it can't be.
 std::string text_of_file(const std::string& name);

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iostream>
 
 namespace ecu::cli {
 
@@ -35,14 +36,30 @@ std::string dotted_address(const std::string& host) {
     return host;
 }
 
+// Where the journal says that a write came from.
+std::string place_of(const Options& options) {
+    return options.verb == Verb::upload         ? "ecu-cli upload " + options.file
+           : options.verb == Verb::send_changes ? "ecu-cli send-changes " + options.file
+                                                : "ecu-cli";
+}
+
 } // namespace
 
 Session::Session(const Options& options)
     : options_(options),
       console({clock_, waiting_, timers_, terminal, terminal, serial_ports_, sockets_, std::filesystem::path(".")}) {
     console.forms.registry.set_host(&terminal);
+    console.journal.place = [what = place_of(options)] { return what; };
+    console.journal.warn = nullptr; // said once, at the end
     if (options_.remote.empty()) {
         find_port();
+    }
+}
+
+Session::~Session() {
+    if (!console.journal.flush()) {
+        std::cerr << "ecu-cli: the journal of writes cannot be kept in " << history::history_name << ": "
+                  << console.journal.failure() << ". What was written is not in it" << std::endl;
     }
 }
 

@@ -19,6 +19,7 @@ public:
     explicit Session(const Options& options);
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
+    ~Session(); // says so if the journal could not be kept
 
     // Throws Failure when the port cannot be opened or the server does not answer.
     void open_link();

@@ -2,12 +2,12 @@
 #include "calibration/file_check.h"
 #include "cli/interrupt.h"
 #include "cli/json.h"
+#include "cli/progress_line.h"
 #include "cli/reports.h"
 #include "cli/verbs.h"
 
 #include <QJsonArray>
 
-#include <algorithm>
 #include <iostream>
 #include <unistd.h>
 
@@ -16,49 +16,6 @@ namespace ecu::cli {
 namespace {
 
 using calibration::TransferResult;
-
-// What frm_wait shows, on one line of a terminal; nothing when the errors go elsewhere. Also where a transfer notices
-// that the user wants to end it.
-class ProgressLine {
-public:
-    explicit ProgressLine(Session& session) : session_(session), on_terminal_(isatty(STDERR_FILENO) == 1) {
-        session_.terminal.watch("frm_wait", [this](platform::Control& control) {
-            if (interrupted()) {
-                throw Interrupted{};
-            }
-            if (on_terminal_ && control.kind() == platform::Kind::shape) {
-                show();
-            }
-        });
-    }
-    ProgressLine(const ProgressLine&) = delete;
-    ProgressLine& operator=(const ProgressLine&) = delete;
-    ~ProgressLine() {
-        session_.terminal.watch("", {});
-        if (shown_) {
-            std::cerr << "\r\033[K" << std::flush;
-        }
-    }
-
-private:
-    void show() {
-        const calibration::FrmWait& wait = session_.console.forms.frm_wait;
-        const int percent = static_cast<int>(100 * wait.percent_bar.width() / wait.percent_track.width());
-        std::cerr << "\r" << percent << " %, " << wait.tx_bytes.text() << " bytes sent, " << wait.rx_bytes.text()
-                  << " received\033[K" << std::flush;
-        shown_ = true;
-    }
-
-    Session& session_;
-    bool on_terminal_;
-    bool shown_ = false;
-};
-
-// The console's texts are for a message box: several lines.
-std::string on_one_line(std::string text) {
-    std::ranges::replace(text, '\n', ' ');
-    return text;
-}
 
 void insist_on(const TransferResult& result, const Session& session) {
     switch (result.outcome) {
@@ -95,19 +52,10 @@ QJsonObject result_object(const Options& options, const TransferResult& result, 
 }
 
 bool agreed_to_upload(const Options& options, const Session& session, std::size_t values) {
-    if (isatty(STDIN_FILENO) != 1) {
-        throw Failure(Status::usage, "an upload replaces values in the controller and nobody can be asked here. Give "
-                                     "--yes if you want it");
-    }
-    std::cerr << "Write " << calibration::counted(values, "value") << " of " << options.file << " into "
-              << session.controller_name() << "? [y/N] " << std::flush;
-    std::string answer;
-    std::getline(std::cin, answer);
-    if (interrupted()) {
-        std::cerr << std::endl;
-        throw Interrupted{};
-    }
-    return answer == "y" || answer == "Y" || answer == "yes";
+    return agreed(
+        "Write " + calibration::counted(values, "value") + " of " + options.file + " into " +
+            session.controller_name() + "?",
+        "an upload replaces values in the controller and nobody can be asked here. Give --yes if you want it");
 }
 
 calibration::Snapshot values_of_controller(const Options& options) {

@@ -14,5 +14,9 @@ Status run_log(Session& session, const Options& options);
 // With files only these need no session.
 Status run_diff(const Options& options);
 Status run_check(const Options& options);
+Status run_compare(const Options& options);
+Status run_journal(const Options& options);
+Status run_restore_point(const Options& options);
+Status run_send_changes(Session& session, const Options& options);
 
 } // namespace ecu::cli

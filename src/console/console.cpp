@@ -43,7 +43,9 @@ Console::Console(const platform::Ports& machine)
       transfer({ports, state, comm, link_selection, image, forms.frm_wait, forms.frm_ecu.form, shell::console_version}),
       diagnostics({ports, state, comm, navigation, polling.timer1(), live, reply_decoders.wheel_samples(),
                    forms.frm_diagnostics}),
-      flash_utility(ports, state, *comm1, forms.frm_ecu.form, forms.sflash) {
+      flash_utility(ports, state, *comm1, forms.frm_ecu.form, forms.sflash),
+      history_file(ports.folder / history::history_name), journal(ports, state, comm, image, scales, history_file),
+      send_changes({ports, state, comm, transfer, image, journal}) {
     wire();
 }
 
@@ -94,6 +96,23 @@ void Console::wire() {
     live_decoder.on_dyno_finish = [this] { diagnostics.dyno().on_finish(); };
     main_console.on_flash_utility = [this] { flash_utility.open(); };
     main_console.offer_what_exists();
+    journal.place = [this] { return where_the_tuner_is(); };
+    journal.warn = [this](const std::string& text) {
+        ports.dialogs.message_box({.text = text, .icon = platform::Icon::warning});
+    };
+}
+
+// The transfer's "ECU<-tune1.set", or the view that is open by the name in its title.
+std::string Console::where_the_tuner_is() const {
+    if (forms.frm_wait.form.visible()) {
+        return forms.frm_wait.form.caption();
+    }
+    const platform::Form* view = navigation.form_of(state.current_view);
+    std::string name = (view != nullptr ? *view : forms.frm_ecu.form).caption();
+    if (const std::size_t suffix = name.rfind(state.link_title_suffix); suffix != std::string::npos) {
+        name.resize(suffix);
+    }
+    return name;
 }
 
 void Console::start(std::string_view command_line) {
@@ -106,6 +125,7 @@ void Console::start(std::string_view command_line) {
 
 void Console::before_end() {
     transfer.abandon();
+    journal.flush();
     comm1->close();
     flash_utility.close_port();
     diagnostics.dyno().close_file();

@@ -10,6 +10,8 @@
 #include "console/forms.h"
 #include "diagnostics/diagnostics.h"
 #include "flash/flash_utility.h"
+#include "history/journal.h"
+#include "history/send_changes.h"
 #include "link/ecu_comm.h"
 #include "link/link_selection.h"
 #include "link/remote_client.h"
@@ -85,11 +87,15 @@ public:
     calibration::Transfer transfer;
     diagnostics::Diagnostics diagnostics;
     flash::FlashUtility flash_utility;
+    history::HistoryFile history_file;
+    history::Journal journal;
+    history::SendChanges send_changes;
 
 private:
     static shell::Navigation with_views(const platform::Ports& ports, link::SharedState& state, link::EcuComm& comm,
                                         link::LinkSelection& link_selection, Forms& forms);
     void wire();
+    std::string where_the_tuner_is() const;
 };
 
 } // namespace ecu::console

@@ -346,6 +346,10 @@ bool Binding::eventFilter(QObject* watched, QEvent* event) {
     default:
         break;
     }
+    if (control.kind() == Kind::text_box && form_.find("menu_edit_undo") != nullptr && is_undo_key(*event)) {
+        event->ignore(); // the form's, not the line's
+        return true;
+    }
     switch (event->type()) {
     case QEvent::FocusIn: {
         move_focus(&control);

@@ -1,6 +1,7 @@
 #include "desktop/grid_delegate.h"
 
 #include "desktop/grid_view.h"
+#include "desktop/keys.h"
 #include "desktop/qt_text.h"
 #include "desktop/theme.h"
 
@@ -97,6 +98,12 @@ void GridDelegate::cell_may_have_changed() {
 
 bool GridDelegate::eventFilter(QObject* watched, QEvent* event) {
     auto* editor = qobject_cast<QLineEdit*>(watched);
+    if (editor != nullptr && is_undo_key(*event)) { // the grid's, not the line's
+        settle();
+        emit closeEditor(editor, NoHint);
+        event->ignore();
+        return true;
+    }
     if (editor == nullptr || event->type() != QEvent::KeyPress) {
         return QStyledItemDelegate::eventFilter(watched, event);
     }

@@ -27,7 +27,8 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
         return QVariant(Qt::AlignRight | Qt::AlignVCenter);
     case Qt::ToolTipRole:
     case Qt::StatusTipRole:
-        return state_of(row, column).isEmpty() ? QVariant() : QVariant(described(row, column));
+        return state_of(row, column).isEmpty() && remark_on(row, column).isEmpty() ? QVariant()
+                                                                                   : QVariant(described(row, column));
     case Qt::AccessibleTextRole:
     case Qt::AccessibleDescriptionRole:
         return described(row, column);
@@ -48,10 +49,14 @@ QString GridModel::state_of(int row, int column) const {
     return grid_.cell_unconfirmed(row, column) ? QStringLiteral("not confirmed by the controller") : QString();
 }
 
-// "0.914, 265 kPa, 312 rpm, pending"
+QString GridModel::remark_on(int row, int column) const {
+    return grid_.remark ? qt(grid_.remark(row, column)) : QString();
+}
+
+// "0.914, 265 kPa, 312 rpm, pending, was 0.887, +3.0 %"
 QString GridModel::described(int row, int column) const {
     QStringList parts{qt(grid_.cell_text(row, column)), grid_.place ? qt(grid_.place(row, column)) : QString(),
-                      state_of(row, column)};
+                      state_of(row, column), remark_on(row, column)};
     parts.removeAll(QString());
     return parts.join(QStringLiteral(", "));
 }

@@ -23,6 +23,7 @@ public:
 
 private:
     QString state_of(int row, int column) const;
+    QString remark_on(int row, int column) const;
     QString described(int row, int column) const;
 
     platform::Grid& grid_;

@@ -51,6 +51,14 @@ platform::KeyPress key_of(const QKeyEvent& event) {
             .ctrl = event.modifiers().testFlag(Qt::ControlModifier)};
 }
 
+bool is_undo_key(const QEvent& event) {
+    if (event.type() != QEvent::ShortcutOverride) {
+        return false;
+    }
+    const auto& key = static_cast<const QKeyEvent&>(event);
+    return key.modifiers() == Qt::ControlModifier && (key.key() == Qt::Key_Z || key.key() == Qt::Key_Y);
+}
+
 platform::MouseButton button_of(const QMouseEvent& event) {
     switch (event.button()) {
     case Qt::LeftButton:

@@ -101,6 +101,9 @@ void Binding::build_menus(QMenuBar& bar) {
             });
         }
         action->setMenuRole(QAction::NoRole);
+        if (!item->shortcut.empty()) {
+            action->setShortcut(QKeySequence(qt(item->shortcut)));
+        }
         action->setObjectName(qt(item->full_name()));
         place.addAction(action);
         Bound& bound = add(*item);

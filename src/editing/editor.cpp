@@ -17,7 +17,8 @@ constexpr int paint_interval = 60; // ms, of what an opening read fills
 Editor::Editor(const platform::Ports& ports, link::SharedState& state, link::EcuComm& comm,
                const calibration::Scales& scales, shell::Navigation& navigation, EditorWindow window)
     : ports_(ports), state_(state), navigation_(navigation), window_(std::move(window)),
-      link_(ports, state, comm, scales), paint_timer_(ports.timers.make_timer(paint_interval)) {
+      link_(ports, state, comm, scales), undo_(window_.form, ports),
+      paint_timer_(ports.timers.make_timer(paint_interval)) {
     window_.form.on_activate = [this] { open(); };
     window_.form.on_unload = [this] { unloading(); };
     window_.exit_button.clicked = [this] { close(); };
@@ -26,6 +27,7 @@ Editor::Editor(const platform::Ports& ports, link::SharedState& state, link::Ecu
         window_.read_again->set_enabled(false);
         window_.read_again->clicked = [this] { read_again(); };
     }
+    undo_.reveal = window_.reveal;
     link_.show_place = [this](platform::Control& control, int row, int column) {
         return show_place(control, row, column);
     };
@@ -46,7 +48,9 @@ Editor::Editor(const platform::Ports& ports, link::SharedState& state, link::Ecu
 // -- Items
 
 void Editor::add_box(std::unique_ptr<BoxItem> item, ItemTexts texts) {
+    undo_.add(item->box());
     item->box().changed = [this, box_item = item.get()] {
+        undo_.note(box_item->box());
         box_item->box().set_back_colour(platform::pending);
         box_item->note_changed();
         entered();
@@ -67,11 +71,13 @@ void Editor::add(const calibration::Table& row, platform::Grid& grid, ItemTexts 
     grid.place = texts.place;
     grid.cell_changed = [this, grid_item = item.get()](int cell_row, int column) {
         platform::Grid& written = grid_item->grid();
+        undo_.note(written, cell_row, column);
         written.set_cell_back(cell_row, column, platform::pending);
         grid_item->note_changed(index_of(written, cell_row, column));
         entered();
     };
     grid.pasted = [this, grid_item = item.get()](const platform::Grid::Paste& paste) { note_paste(*grid_item, paste); };
+    undo_.add(grid);
     grids_.push_back(item.get());
     items_.push_back({std::move(item), std::move(texts)});
 }
@@ -113,6 +119,7 @@ void Editor::read_again() {
 void Editor::run_opening(bool again) {
     const int opening = ++opening_;
     loading_ = true;
+    undo_.reading();
     allow_editing(false);
     bool complete = false;
     {
@@ -144,6 +151,7 @@ void Editor::run_opening(bool again) {
             window_.form.set_enabled(true);
             allow_editing(true);
             loading_ = false;
+            undo_.opened(!again);
             if (window_.ready) {
                 window_.ready();
             }
@@ -230,6 +238,7 @@ void Editor::update() {
         updating_ = false;
         if (!replaced(opening)) {
             end_walk();
+            undo_.sent();
         }
     }
     if (window_.walking) {

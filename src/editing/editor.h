@@ -24,6 +24,7 @@
 #pragma once
 
 #include "editing/editor_items.h"
+#include "editing/undo.h"
 #include "shell/navigation.h"
 
 #include <memory>
@@ -148,6 +149,7 @@ private:
     shell::Navigation& navigation_;
     EditorWindow window_;
     EditorLink link_;
+    Undo undo_;
     std::vector<Entry> items_;
     std::vector<GridItem*> grids_; // of the items
 

@@ -95,7 +95,9 @@ Outcome EcuComm::send_ecu_message(const Message& message, int expected_length) {
             return Outcome::unanswered;
         }
         state_.reply_accepted = false;
-        ++now.number;
+        if (++now.number == 1 && before_sending) {
+            before_sending(now.frame);
+        }
         count_bytes(state_.tx_byte_count, now.frame.size());
         now.sent_at = ports_.now();
         write(now);

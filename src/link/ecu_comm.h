@@ -54,6 +54,9 @@ public:
 
     // From now on every frame that passes is told to `observer`, for as long as the result is held.
     [[nodiscard]] Observation observe(Observer observer);
+    // Told of each message's request just before its first try goes out, for the journal, which must know of a write
+    // that nothing answers any more. Lets no events through; may be empty.
+    std::function<void(const Request&)> before_sending;
 
     // A sequence for one controller only (same_controller.h). As long as the way to it is unbroken nothing is asked.
     // Once it was broken, by a port opened anew or by a server that had no answer, no try of any message goes out

@@ -48,6 +48,14 @@ inline constexpr Command wheel_block{248, 34}; // n, 0 to 7
 inline constexpr std::uint8_t restart_now = 165;
 inline constexpr std::uint8_t restart_for_flash = 90;
 
+// The controller measures the value by itself, keeps it, and answers with it in one byte.
+struct Measured {
+    Command command;
+    const calibration::Parameter& row;
+};
+inline constexpr std::array measured{Measured{closed_throttle, calibration::parameter("TPS_BASE")},
+                                     Measured{open_throttle, calibration::parameter("TPS_FS")}};
+
 // Answered though nothing asks: taken and dropped
 inline constexpr std::array<Command, 4> unasked{{{'X', 6}, {'x', 6}, {'F', 7}, {'+', 4}}};
 

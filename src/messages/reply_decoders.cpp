@@ -23,8 +23,8 @@ constexpr std::array special_replies{firmware_revision, serial_number, compatibi
 constexpr std::array acknowledgements{fire_injectors,     fire_ignition,     dyno_setup,    dyno_control,
                                       oxygen_control_off, oxygen_control_on, session_latch, arm_capture};
 
-constexpr const Parameter& tps_base = calibration::parameter("TPS_BASE");
-constexpr const Parameter& tps_fs = calibration::parameter("TPS_FS");
+constexpr const Parameter& tps_base = measured[0].row;
+constexpr const Parameter& tps_fs = measured[1].row;
 
 constexpr bool is_element(calibration::WriteForm form) {
     return form == calibration::WriteForm::element_byte || form == calibration::WriteForm::element_word;
@@ -53,7 +53,8 @@ consteval bool link_knows_what_replies_repeat() {
 }
 static_assert(link_knows_what_replies_repeat());
 
-// 10200 is "V1.02.00".
+} // namespace
+
 std::string revision_text(std::int32_t word) {
     std::array<char, 16> digits{};
     std::snprintf(digits.data(), digits.size(), "%05d", static_cast<int>(word));
@@ -61,8 +62,6 @@ std::string revision_text(std::int32_t word) {
     return "V" + std::string(text.substr(0, 1)) + "." + std::string(text.substr(1, 2)) + "." +
            std::string(text.substr(3, 2));
 }
-
-} // namespace
 
 ReplyDecoders::ReplyDecoders(const platform::Ports& ports, link::SharedState& state,
                              calibration::CalibrationImage& image, calibration::Scales& scales,

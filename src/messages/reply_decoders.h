@@ -16,6 +16,9 @@ namespace ecu::messages {
 // The tag of a menu item behind which there is nothing in this version: no reply enables it.
 inline constexpr std::string_view nothing_behind = "nothing behind";
 
+// 10200 is "V1.02.00".
+std::string revision_text(std::int32_t word);
+
 class ReplyDecoders {
 public:
     // Decodes the live replies: true when the code and size were its own.

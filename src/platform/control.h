@@ -230,6 +230,7 @@ public:
     void set_checked(bool checked); // never fires `clicked`
     void click();                   // runs `clicked` if enabled; for a parent, as its menu opens
     bool separator_before = false;
+    std::string shortcut = {}; // "Ctrl+Z"; set before the window is made
     std::function<void()> clicked;
 
 private:

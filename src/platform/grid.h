@@ -55,6 +55,8 @@ public:
 
     // Where a cell stands in the map, for the user: "265 kPa, 312 rpm". Empty: nobody told.
     std::function<std::string(int row, int column)> place;
+    // What else is to be told of a cell: "was 0.984, +3.0 %". Empty: nothing.
+    std::function<std::string(int row, int column)> remark;
 
     // What the user puts in from elsewhere, one line a row, tabs between cells; a single value fills the block. A blank
     // leaves its cell alone, as does a hidden column; a decimal comma is a point, and what is no number is refused and

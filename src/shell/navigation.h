@@ -31,6 +31,7 @@ public:
     // The view exists: its menu item and button open this form. A view never added stays disabled.
     void add_view(link::View view, platform::Form& form);
     bool available(link::View view) const;
+    const platform::Form* form_of(link::View view) const { return views_.at(static_cast<std::size_t>(view)); }
     // What the menu item of the main form does: opens the link, reads C where the view's scales need it, sets
     // current_view, shows the form, hides the main form, and lets the form's activation run. Inside a transaction it
     // leaves a request instead. It does nothing while a view is up, inside another opening, or when the link is not

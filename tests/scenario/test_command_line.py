@@ -118,6 +118,41 @@ class Transfers(Scenario):
         self.assertEqual(len(json.loads(out)["changed"]), 1)
 
 
+class History(Scenario):
+    def test_what_differs_from_a_restore_point_is_sent_alone_and_journaled(self):
+        device = self.controller()
+        self.cli("restore-point", "make", "--note", "first", "--device", device)
+        self.cli("restore-point", "save", "1", "first.set")
+        self.write("edited.set", re.sub(r"(MAPM\[00[37]\]=)\d+", r"\g<1>99", self.read("first.set").decode()))
+        self.assertIn("2 values differ", self.cli("compare", "@1", "edited.set", status=1)[0])
+        edited = ("send-changes", "edited.set", "--device", device)
+        out, _ = self.cli(*edited, "--preview", "--json", status=1)
+        self.assertEqual([line["state"] for line in json.loads(out)["differences"]], ["not sent"] * 2)
+        self.cli(*edited, status=2)  # nobody can be asked
+        self.cli(*edited, "--yes", "--only", "MAPM[003]")
+        self.assertIn("1 value differs", self.cli("compare", "@1", "controller", "--device", device, status=1)[0])
+        self.cli("send-changes", "@1", "--yes", "--device", device)
+        self.cli("send-changes", "@1", "--yes", "--device", device)  # nothing differs any more
+        self.assertIn("The same", self.cli("compare", "@1", "controller", "--device", device)[0])
+        rows = [json.loads(line) for line in self.cli("journal", "--json")[0].splitlines()]
+        self.assertEqual([(row["key"], row["index"], row["new"]["raw"], row["taken"]) for row in rows],
+                         [("MAPM", 3, 99, True), ("MAPM", 3, rows[0]["old"]["raw"], True)])
+        self.assertEqual(rows[0]["place"], "ecu-cli send-changes edited.set")
+        self.cli("compare", "@2", "edited.set", status=4)
+        self.cli("restore-point", "remove", "2", status=4)
+
+    def test_a_lost_link_ends_the_sending_and_the_same_command_goes_on_from_there(self):
+        first = self.controller()
+        self.cli("download", "first.set", "--device", first)
+        self.write("edited.set", re.sub(r"(IGN3\[\d+\]=)\d+", r"\g<1>99", self.read("first.set").decode()))
+        link = str(self.folder / "port")
+        for seed in (1000, 2100):  # replies until the plug is pulled, and then another controller sits there
+            self.controller("--link", link, "--faults", f"unplug-after={seed},replug-as=55")
+            _, error = self.cli("send-changes", "edited.set", "--yes", "--device", link, status=3)
+        self.assertIn("the port was lost", error)
+        self.cli("send-changes", "edited.set", "--yes", "--device", first)
+
+
 class Live(Scenario):
     def test_info_monitor_and_log_show_the_running_engine(self):
         device = self.controller("--engine", "idle")

@@ -1,0 +1,193 @@
+#include "history/journal.h"
+
+#include "calibration/snapshot.h"
+#include "messages/catalogue.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace ecu::history {
+
+namespace {
+
+constexpr int tick_ms = 250;
+constexpr int ticks_to_wait = 3; // for a moment outside a message: a second in all
+constexpr int ticks_to_try_again = 20;
+constexpr std::size_t most_waiting = 50'000;
+constexpr std::size_t command_at = 2;
+
+// Which codes set a value, by their byte: the question comes with every message.
+constexpr auto sets_a_value = [] {
+    std::array<bool, 256> sets{};
+    sets[calibration::write_cell] = true;
+    for (const calibration::Parameter& row : calibration::parameters) {
+        sets[row.write.command] = true;
+    }
+    for (const messages::Measured& measured : messages::measured) {
+        sets[measured.command.code] = true;
+    }
+    return sets;
+}();
+
+struct Subject {
+    calibration::FileKey key;
+    std::optional<std::int32_t> raw;
+};
+
+std::optional<Subject> subject_of(const link::Request& request) {
+    for (const messages::Measured& measured : messages::measured) {
+        if (measured.command.code == request[command_at]) {
+            return Subject{{.parameter = &measured.row}, std::nullopt};
+        }
+    }
+    if (const auto written = calibration::written_value(request)) {
+        return Subject{written->key, written->raw};
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+std::string time_stamp(const platform::Clock& clock) {
+    const std::string date = clock.date_text(); // mm-dd-yyyy
+    const int hundredths = static_cast<int>(clock.seconds_since_midnight() * 100);
+    const int seconds = hundredths / 100;
+    std::array<char, 40> time{};
+    std::snprintf(time.data(), time.size(), " %02d:%02d:%02d.%02d", seconds / 3600, seconds / 60 % 60, seconds % 60,
+                  hundredths % 100);
+    return date.substr(6) + "-" + date.substr(0, 5) + time.data();
+}
+
+Journal::Journal(const platform::Ports& ports, const link::SharedState& state, link::EcuComm& comm,
+                 const calibration::CalibrationImage& image, const calibration::Scales& scales, HistoryFile& file)
+    : ports_(ports), state_(state), comm_(comm), image_(image), scales_(scales), file_(file),
+      timer_(ports.timers.make_timer(tick_ms)) {
+    comm_.before_sending = [this](const link::Request& request) {
+        if (sets_a_value[request[command_at]]) {
+            sending(request);
+        }
+    };
+    observation_ = comm_.observe([this](const link::Observed& observed) {
+        if (sets_a_value[observed.request[command_at]] &&
+            (observed.verdict == link::Verdict::accepted || observed.verdict == link::Verdict::given_up)) {
+            ended(observed);
+        }
+    });
+    timer_->on_tick = [this] { tick(); };
+}
+
+Journal::~Journal() {
+    comm_.before_sending = nullptr;
+    flush();
+}
+
+std::optional<std::int32_t> Journal::held(const calibration::FileKey& key) const {
+    if (key.table != nullptr) {
+        const int address = key.table->base + key.index;
+        return image_.cell_known(address) ? std::optional<std::int32_t>(image_.cell(address)) : std::nullopt;
+    }
+    return image_.known(*key.parameter, key.index) ? std::optional(image_.raw(*key.parameter, key.index))
+                                                   : std::nullopt;
+}
+
+std::string Journal::text_of(const calibration::FileKey& key, std::optional<std::int32_t> raw) const {
+    return raw ? calibration::shown_text(key, *raw, scales_) : std::string();
+}
+
+void Journal::sending(const link::Request& request) {
+    const auto subject = subject_of(request);
+    if (!subject) {
+        return;
+    }
+    const auto& key = subject->key;
+    const auto old = held(key);
+    Waiting waiting{.row = {.write = {.time = time_stamp(ports_.clock),
+                                      .place = !from_.empty() ? from_
+                                               : place        ? place()
+                                                              : std::string(),
+                                      .item = std::string(key.table != nullptr ? key.table->key : key.parameter->key),
+                                      .element = key.index,
+                                      .old_raw = old,
+                                      .old_text = text_of(key, old),
+                                      .sent_raw = subject->raw,
+                                      .sent_text = text_of(key, subject->raw),
+                                      .serial = state_.identity.serial},
+                            .answer = {},
+                            .id = {}},
+                    .key = key,
+                    .request = request};
+    waiting_.push_back(std::move(waiting));
+    if (waiting_.size() > most_waiting) {
+        waiting_.pop_front();
+    }
+    if (!failing_) {
+        append(false);
+    }
+    if (!timer_->running()) {
+        ticks_ = 0;
+        timer_->set_running(true);
+    }
+}
+
+// The latest of that request that is still open: one message may be inside another's waits.
+void Journal::ended(const link::Observed& observed) {
+    const auto found = std::find_if(waiting_.rbegin(), waiting_.rend(), [&](const Waiting& waiting) {
+        return !waiting.over && waiting.request == observed.request;
+    });
+    if (found == waiting_.rend()) {
+        return;
+    }
+    found->over = true;
+    AnswerRow answer{.taken = observed.verdict == link::Verdict::accepted, .raw = {}, .text = {}};
+    if (answer.taken) {
+        answer.raw = held(found->key);
+        answer.text = text_of(found->key, answer.raw);
+    }
+    found->row.answer = std::move(answer);
+}
+
+// What stands in the file and is over needs nothing more.
+void Journal::append(bool onto_disk) {
+    batch_.clear();
+    for (Waiting& waiting : waiting_) {
+        if (!waiting.row.id || waiting.over) {
+            batch_.push_back(&waiting.row);
+        }
+    }
+    if (batch_.empty()) {
+        return;
+    }
+    failure_ = file_.append(batch_, onto_disk);
+    failing_ = !failure_.empty();
+    if (!failing_) {
+        std::erase_if(waiting_, [](const Waiting& waiting) { return waiting.over; });
+    }
+}
+
+bool Journal::flush() {
+    if (!waiting_.empty()) {
+        append(true);
+    }
+    return waiting_.empty();
+}
+
+// A moment between two messages is the best one for the disk, but within a second it is done in any case; what arrives
+// meanwhile waits in the port.
+void Journal::tick() {
+    if (++ticks_ < (failing_ ? ticks_to_try_again : comm_.busy() ? ticks_to_wait : 1)) {
+        return;
+    }
+    ticks_ = 0;
+    append(true);
+    if (waiting_.empty()) {
+        timer_->set_running(false);
+    }
+    if (failing_ && !warned_ && warn && !comm_.busy()) {
+        warned_ = true;
+        warn("The journal of writes cannot be kept in " + std::string(history_name) + ": " + failure_ +
+             ".\nThe console goes on without it. Make room or make the folder writable; what is written meanwhile is "
+             "kept until the end of the program, and goes into the journal as soon as it can.");
+    }
+}
+
+} // namespace ecu::history
