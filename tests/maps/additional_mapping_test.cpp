@@ -479,6 +479,14 @@ TEST_F(AdditionalMapping, GraphsFollowWhatIsTypedTheShownPageAndTheirSizes) {
     box("ign_clt", 0).set_text("48"); // on a hidden page
     frm_2d.map_tabs.set_current(1);
     EXPECT_EQ(points(frm_2d.clt_ign_graph)[0], 12); // 400 less 85 % and 12 % of it
+    update();                                       // which held it, and draws what stands on no page either
+    EXPECT_EQ(points(frm_2d.clt_ign_graph)[0], 13);
+    box("clt_map", 0).set_text("9");
+    frm_2d.lambda_sp_table.set_cell_text(9, 1, "1.9");
+    update();
+    EXPECT_EQ(frm_2d.clt_enr_graph.text(), ".031 to 3.984");
+    EXPECT_EQ(frm_2d.lambda_sp_table.cell_back(9, 1), console.forms.frm_3d.bk_color[0].back_colour());
+    EXPECT_EQ(std::lround(100 * console.graphing.ego_surface_high()), 190);
     desktop.clear_changes();
     frm_2d.idle_speed_graph.resize(300, 200); // its page is shown for the first time
     frm_2d.ego_h_perspective.set_value(10);
