@@ -231,6 +231,7 @@ TEST_F(GpoMapping, AxesFollowTheModeByClickAndByReply) {
                                       {6, "---", "---", "0", "0", "0.0", "0.0", false, 43},
                                       {9, "---", "---", "0", "0", "0.0", "0.0", false, 43},
                                       {10, "   ", "IAC", "0", "0", "32.0", "256.0", true, 0}};
+    form.GPO_tbl[2].set_active_cell(4, 5);
     for (const bool by_reply : {false, true}) {
         for (const AxesCase& c : cases) {
             if (by_reply) {
@@ -253,6 +254,10 @@ TEST_F(GpoMapping, AxesFollowTheModeByClickAndByReply) {
             EXPECT_EQ(form.GPO_tbl[2].column_width(1), 43);
         }
     }
+    EXPECT_EQ(form.GPO_tbl[2].active_column(), 1);
+    memory.store(slot("FS_RPM"), 8000);
+    exchange({'C', '0', '0', '0'}, 21);
+    EXPECT_EQ(form.GPO_X_lbl[0][8].text() + form.GPO_boost_X_lbl[3][8].text(), "80008000");
     EXPECT_EQ(form.gpo_x_text[1].text(), "MAT"); // the others stayed
     form.gpo_mode[1][2].click();
     EXPECT_EQ(console.gpo_mapping.gpo_mode_byte(1), 128 + 2); // with its box
@@ -547,6 +552,10 @@ TEST_F(GpoMapping, MarkersAndDutiesFollowTheLiveValuesOfTheShownPage) {
     console.live.engine_rpm = 20000;
     form.GPO_tab.set_current(0);
     EXPECT_EQ(form.supp_x_ptr.left(), 3600);
+    form.use_as_pwm[0].click(); // from air temperature to pressure
+    EXPECT_EQ(form.boost_y_ptr.top(), 2700);
+    exchange({171, 0, 6, 0}, 5);
+    EXPECT_FALSE(form.supp_x_ptr.visible());
 }
 
 TEST_F(GpoMapping, ThePageSaysInWordsWhatItsChannelDoes) {
@@ -556,6 +565,10 @@ TEST_F(GpoMapping, ThePageSaysInWordsWhatItsChannelDoes) {
     EXPECT_EQ(form.gpo_words[2].text(), "Fully on at or above 3001 rpm, off below.");
     EXPECT_THAT(form.boost_words[0].text(), HasSubstr("while MAP is above 110.0 kPa. Cells are pressure in kPa"));
     EXPECT_THAT(form.boost_words[3].text(), HasSubstr("Open loop"));
+    form.cool_rly_temp[2].set_text("50"); // which this mode does not look at
+    form.cool_rly_temp[3].set_text("50");
+    desktop.run_for(0.01);
+    EXPECT_THAT(form.gpo_words[2].text() + form.gpo_words[3].text(), testing::Not(HasSubstr("Not sent")));
     form.rpm_switch[2].set_text("6000");
     form.gpo_mode[0][7].click();
     form.use_as_pwm[0].click();
@@ -578,6 +591,8 @@ TEST_F(GpoMapping, DemoModeShowsItsOwnValuesInWhite) {
     EXPECT_EQ(form.cool_rly_temp[0].text(), "95");
     EXPECT_EQ(form.boost_loop_rate[3].text(), "0");
     EXPECT_EQ(pending_everywhere(), 0U);
+    console.gpo_mapping.refresh_live();
+    EXPECT_EQ(form.gpo_now[0].text(), ""); // no controller has said so
 }
 
 } // namespace
