@@ -3,9 +3,11 @@
 #include "desktop/grid_delegate.h"
 #include "desktop/theme.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QPainter>
+#include <QScrollArea>
 
 #include <array>
 
@@ -107,6 +109,14 @@ QLabel* swatch(platform::Colour colour) {
 }
 
 QLabel* muted_label(const QString& text) { return new MutedLabel(text); }
+
+void keep_focus_in_sight(QScrollArea& area) {
+    QObject::connect(qApp, &QApplication::focusChanged, &area, [&area](QWidget*, QWidget* now) {
+        if (now != nullptr && area.isAncestorOf(now) && QApplication::mouseButtons() == Qt::NoButton) {
+            area.ensureWidgetVisible(now, 0, theme::margin);
+        }
+    });
+}
 
 QWidget* cell_legend(std::initializer_list<CellState> states, const std::vector<QWidget*>& scale) {
     auto* holder = new QWidget;

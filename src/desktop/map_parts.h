@@ -1,5 +1,5 @@
 // Small parts that the windows of maps share: the triangle that marks the operating point on an axis, the
-// legend of the cells, and a muted line of text.
+// legend of the cells, a muted line of text, and a page that scrolls to the keyboard's place.
 #pragma once
 
 #include "platform/colour.h"
@@ -8,6 +8,8 @@
 
 #include <initializer_list>
 #include <vector>
+
+class QScrollArea;
 
 namespace ecu::desktop {
 
@@ -30,6 +32,8 @@ enum class CellState : std::uint8_t { pending, confirmed, unread, unconfirmed };
 QPixmap pending_picture();
 QLabel* swatch(platform::Colour colour);
 QLabel* muted_label(const QString& text); // follows the desktop from light to dark
+// Scrolls to what gets the keyboard. Not under the mouse, whose click would miss what has moved away.
+void keep_focus_in_sight(QScrollArea& area);
 // What the grounds and marks of cells mean, and what those of the shading do, from low to high.
 QWidget* cell_legend(std::initializer_list<CellState> states, const std::vector<QWidget*>& scale = {});
 

@@ -81,8 +81,7 @@ AdditionalMapping::AdditionalMapping(const platform::Ports& ports, link::SharedS
                            selection_.close_modifier();
                        }
                    },
-               .read_again = &frm_2d.read_again,
-               .reveal = [this](const platform::Control& control) { reveal(control); }}) {
+               .read_again = &frm_2d.read_again}) {
     form_.menufileexit.clicked = [this] { editor_.close(); };
     form_.menuupdate.clicked = [this] { form_.Command3d2.press(); };
     form_.menureset.clicked = [this] { offer_resets(); };
@@ -223,14 +222,6 @@ void AdditionalMapping::focus_shown_page() {
             return;
         }
     }
-}
-
-void AdditionalMapping::reveal(const platform::Control& control) {
-    std::size_t page = target_page;
-    for (const CorrectionCurve& curve : correction_curves) {
-        page = (form_.*curve.boxes)[0].name() == control.name() ? curve.page : page;
-    }
-    form_.map_tabs.set_current(static_cast<int>(page));
 }
 
 // The pages as a whole take no entry while they are read; a box keeps what the controller's functions allow it.

@@ -38,7 +38,6 @@ private:
     void key_in_box(const CorrectionCurve& curve, std::size_t index, platform::KeyPress& press);
     void prepare_window();
     void focus_shown_page();
-    void reveal(const platform::Control& control);
     bool read_everything();
     void lead_to_page(std::size_t page);
     void allow_editing(bool allowed);

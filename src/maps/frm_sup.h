@@ -124,7 +124,9 @@ struct FrmSup {
         for (platform::Shape* marker : {&supp_x_ptr, &supp_y_ptr, &boost_x_ptr, &boost_y_ptr}) {
             marker->set_tool_tip("Where the engine runs now");
         }
-        tip(cool_rly_temp, "The coolant temperature at which the relay switches");
+        tip(cool_rly_temp,
+            "The coolant temperature at which the relay switches. One below zero goes out with 127 added, and is "
+            "shown so: -10 as 117");
         tip(rpm_switch, "GPO will turn full on at or above this RPM");
         tip(boost_p, "Servo proportional term.");
         tip(boost_i, "Servo integral term.");

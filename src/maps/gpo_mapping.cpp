@@ -81,8 +81,7 @@ GpoMapping::GpoMapping(const platform::Ports& ports, link::SharedState& state, l
                            selection.close_modifier();
                        }
                    },
-               .read_again = &frm_sup.read_again,
-               .reveal = [this](const platform::Control& control) { reveal(control); }}) {
+               .read_again = &frm_sup.read_again}) {
     form_.menufileexit.clicked = [this] { editor_.close(); };
     form_.menuupdate.clicked = [this] { form_.Command3d2.press(); };
     // The question is asked, and nothing follows from its answer.
@@ -275,18 +274,7 @@ void GpoMapping::prepare_window() {
             label->set_text("");
         }
     }
-    unit_changed_ = {};
     relabel_gpo_axes();
-}
-
-// The page of a box or map that a message speaks of.
-void GpoMapping::reveal(const platform::Control& control) {
-    for (std::size_t n = 0; n < channels; ++n) {
-        if (control.index() == static_cast<int>(n) || &control == &form_.GPO_tbl[n] ||
-            &control == &form_.boost_gpo[n]) {
-            form_.GPO_tab.set_current(static_cast<int>(n));
-        }
-    }
 }
 
 bool GpoMapping::read_everything() {

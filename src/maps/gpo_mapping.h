@@ -43,7 +43,6 @@ private:
     void lock_what_is_unread();
     std::string cell_place(std::size_t n, bool boost, int row, int column) const;
     void prepare_window();
-    void reveal(const platform::Control& control);
     bool read_everything();
     void label_outputs(std::size_t n);
     void label_boost(std::size_t n);

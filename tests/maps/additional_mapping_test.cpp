@@ -88,12 +88,15 @@ struct AdditionalMapping : MapBench, testing::Test {
 
 TEST_F(AdditionalMapping, OpeningReadsScalesThenFourteenTablesInTheirOrderThenTheTargetsAndShowsAll) {
     fill_memory(0);
+    frm_2d.inj_pw.set_text("9"); // of an earlier opening
+    frm_2d.ego_sp_graph.line(0, 0, 1, 1, platform::yellow);
     std::map<int, int> pages; // by address
     bool polled_between = false;
     on_request = [&](const Request& request) {
         pages[request[3] + 256 * request[4]] = frm_2d.map_tabs.current();
         polled_between = polled_between || !console.state.polling_paused;
-        EXPECT_FALSE(frm_2d.Command3d2.enabled() || frm_2d.map_tabs.enabled());
+        EXPECT_FALSE(frm_2d.Command3d2.enabled() || frm_2d.map_tabs.enabled() || frm_2d.menureset.enabled());
+        EXPECT_TRUE(frm_2d.inj_pw.text().empty() && frm_2d.ego_sp_graph.strokes().empty());
         EXPECT_TRUE(request[2] == 'C' || frm_2d.lambda_sp_table.locked());
     };
     const auto messages = sent_by([this] {
@@ -434,6 +437,7 @@ TEST_F(AdditionalMapping, KeysStepAndMoveInThreeArraysOnlyAndEnterUpdatesFromEve
     EXPECT_TRUE(focused("clt_map(0)"));
     press("clt_map", 5, {.code = 38});
     press("Pressure_Gain", 5, {.code = 40});
+    press("clt_map", 5, {.code = 40, .ctrl = true});
     EXPECT_FALSE(focused("clt_map(0)") || focused("Pressure_Gain(0)") || focused("mat_data(0)"));
     EXPECT_EQ(press("accel_map", 1, up), 38);
     for (const TableCase& table : cases) {
@@ -479,6 +483,14 @@ TEST_F(AdditionalMapping, GraphsFollowWhatIsTypedTheShownPageAndTheirSizes) {
     box("ign_clt", 0).set_text("48"); // on a hidden page
     frm_2d.map_tabs.set_current(1);
     EXPECT_EQ(points(frm_2d.clt_ign_graph)[0], 12); // 400 less 85 % and 12 % of it
+    update();                                       // which held it, and draws what stands on no page either
+    EXPECT_EQ(points(frm_2d.clt_ign_graph)[0], 13);
+    box("clt_map", 0).set_text("9");
+    frm_2d.lambda_sp_table.set_cell_text(9, 1, "1.9");
+    update();
+    EXPECT_EQ(frm_2d.clt_enr_graph.text(), ".031 to 3.984");
+    EXPECT_EQ(frm_2d.lambda_sp_table.cell_back(9, 1), console.forms.frm_3d.bk_color[0].back_colour());
+    EXPECT_EQ(std::lround(100 * console.graphing.ego_surface_high()), 190);
     desktop.clear_changes();
     frm_2d.idle_speed_graph.resize(300, 200); // its page is shown for the first time
     frm_2d.ego_h_perspective.set_value(10);
@@ -522,8 +534,10 @@ TEST_F(AdditionalMapping, ItsMenuAndItsOwnRequestLeaveForTheViewsByTheirNames) {
     EXPECT_FALSE(console.forms.frm_cellblock_modifier.form.visible());
     console.state.drop_view_requests();
     open();
+    console.state.request_view(link::ViewRequest::monitor);
     console.additional_mapping.open_anew();
     EXPECT_TRUE(requested(link::ViewRequest::additional_mapping));
+    EXPECT_FALSE(requested(link::ViewRequest::monitor));
 }
 
 } // namespace

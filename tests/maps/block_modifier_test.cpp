@@ -69,7 +69,9 @@ TEST_F(BlockModifier, OperationsReachTheCellsOfTheBlockOnlyAndPaintThemYellow) {
     EXPECT_FALSE(frm_3d.inj_map.cell_pending(5, 5));
 
     select(frm_3d.inj_map, 5, 5, 5, 5);
+    console.state.reset_comm_watch = false;
     run(CellOperation::set_all, platform::Answer::no);
+    EXPECT_TRUE(console.state.reset_comm_watch); // the question's time is not the controller's silence
     EXPECT_EQ(fuel(5, 5), "1.500");
     EXPECT_FALSE(dialog.form.visible());
 }

@@ -1,9 +1,12 @@
 #include "console/console.h"
+#include "messages/capabilities.h"
 #include "platform/display_mask.h"
 #include "support/sim_desktop.h"
 #include "support/wired_controller.h"
 
 #include <gmock/gmock.h>
+
+#include <cmath>
 
 namespace ecu::test {
 namespace {
@@ -64,6 +67,20 @@ struct GpoMapping : testing::Test {
     // What another window, or a reply that comes late, makes the controller say.
     void exchange(const Bytes& message, int length) { console.comm.poll(message, length); }
     std::string cell(const platform::Grid& grid, int i) { return maps::text_at(grid, i); }
+    // All cells, to the digit that they show: duties by 256, boost pressures by 255.
+    void expect_cells_equal_memory() {
+        const bool duty = (memory.value(slot("BOFG")) & 2) != 0;
+        for (std::size_t n = 0; n < 4; ++n) {
+            for (int k = 0; k < 81; ++k) {
+                const auto i = static_cast<std::size_t>(k);
+                EXPECT_NEAR(std::stod(cell(form.GPO_tbl[n], k)), memory.cell(at(output_bases, n) + i) / 2.56, 0.0501)
+                    << n << ' ' << k;
+                const double raw = memory.cell(at(boost_bases, n) + i);
+                EXPECT_NEAR(std::stod(cell(form.boost_gpo[n], k)), duty ? raw / 2.56 : raw + 10, 0.0501)
+                    << n << ' ' << k;
+            }
+        }
+    }
     std::size_t pending_everywhere() {
         std::size_t count = 0;
         for (std::size_t n = 0; n < 4; ++n) {
@@ -107,9 +124,11 @@ TEST_F(GpoMapping, OpeningReadsModesAndMapsInOrderWithNoPollBetweenAndShowsAll) 
     EXPECT_TRUE(form.dont_interpolate[1].checked() && !form.dont_interpolate[0].checked());
     EXPECT_EQ(form.cool_rly_temp[2].text(), "200"); // the read shows the byte as it stands
     EXPECT_EQ(form.rpm_switch[3].text(), "4001");
-    EXPECT_EQ(cell(form.GPO_tbl[0], 40), "46.9");    // 120 / 256
-    EXPECT_EQ(cell(form.boost_gpo[1], 40), "141.0"); // 131 of 255 kPa and 10
+    expect_cells_equal_memory();
     EXPECT_EQ(form.GPO_tbl[2].cell_text(9, 1), "0.8");
+    EXPECT_EQ(form.GPO_tbl[0].place(9, 3), "RPM 2500, MAP 10.0"); // by the axes of its mode
+    EXPECT_EQ(form.GPO_tbl[3].place(9, 1), "IAC 0.0");
+    EXPECT_EQ(form.GPO_tbl[2].place(2, 7), "row 2, column 7");
     EXPECT_EQ(form.boost_p[1].text(), "1.024");
     EXPECT_EQ(form.boost_i[0].text(), "2.000");
     EXPECT_EQ(form.boost_d[3].text(), "3.073");
@@ -120,60 +139,64 @@ TEST_F(GpoMapping, OpeningReadsModesAndMapsInOrderWithNoPollBetweenAndShowsAll) 
     EXPECT_EQ(form.form.caption(), "General Purpose Output Driver Mapping ->COM3");
 }
 
+// Every value another one, so that none can stand in the place of its neighbour.
 TEST_F(GpoMapping, UpdateOfEverythingSendsEachValueOnceInItsOrderAndShowsWhatTheControllerHolds) {
     open();
     std::vector<Bytes> expected;
+    const auto low = [](int word) { return static_cast<std::uint8_t>(word & 255); };
+    const auto high = [](int word) { return static_cast<std::uint8_t>(word >> 8); };
     for (std::uint8_t i = 0; i < 4; ++i) {
-        form.cool_rly_temp[i].set_text("-10");
-        form.rpm_switch[i].set_text("40000");
+        const int n = i;
+        form.cool_rly_temp[i].set_text(std::to_string(-10 - n));
+        form.rpm_switch[i].set_text(std::to_string(30000 + 1000 * n)); // the last two are held
         form.gpo_mode[i][i == 3 ? 6 : 4].click();
         form.dont_interpolate[i].click();
-        for (auto* gain : {&form.boost_p, &form.boost_i, &form.boost_d}) {
-            (*gain)[i].set_text("1.5");
-        }
-        form.boost_enable_press[i].set_text(i == 0 ? "5" : "400");
-        form.boost_integ_preset[i].set_text("30");
-        form.boost_loop_rate[i].set_text("999");
+        form.boost_p[i].set_text(std::to_string(1 + n) + ".5");
+        form.boost_i[i].set_text(std::to_string(5 + n) + ".25");
+        form.boost_d[i].set_text(std::to_string(9 + n) + ".125");
+        form.boost_enable_press[i].set_text(std::array{"5", "400", "100", "100.6"}[i]);
+        form.boost_integ_preset[i].set_text(std::to_string(30 + n));
+        form.boost_loop_rate[i].set_text(std::to_string(254 + n)); // held from the third on
         form.boost_ctrl_invert[i].click();
         form.use_as_pwm[i].click();
-        maps::write_all(form.GPO_tbl[i], "30");
-        maps::write_all(form.boost_gpo[i], "200");
-        expected.push_back({173, i, 117, 0});
-        expected.push_back({226, i, 0xFF, 0x7F});
+        expected.push_back({173, i, low(117 - n), 0});
+        const int rpm = std::min(30000 + 1000 * n, 32767);
+        expected.push_back({226, i, low(rpm), high(rpm)});
     }
     expected.insert(expected.end(), {{171, 0, 132, 0}, {171, 1, 4, 0}, {171, 2, 132, 0}, {171, 3, 134, 0}});
-    const auto cells = [&](int base, std::uint8_t raw) {
-        for (int address = base; address < base + 81; ++address) {
+    const auto enter = [&](platform::Grid& grid, int base, double first, const auto& raw_of) {
+        for (int k = 0; k < 81; ++k) {
+            maps::write_at(grid, k, platform::plain_number(static_cast<float>(first + k)));
+            const int address = base + k;
             expected.push_back(
-                {'e', static_cast<std::uint8_t>(address & 255), static_cast<std::uint8_t>(address >> 8), raw});
+                {'e', low(address), high(address), low(static_cast<int>(std::lrint(raw_of(first + k))))});
         }
     };
-    for (std::size_t n = 0; n < 4; ++n) {
-        cells(output_bases[n], n == 3 ? 76 : 77); // the fourth output's full duty is 255
+    for (std::size_t n = 0; n < 4; ++n) { // the fourth output's full duty is 255
+        enter(form.GPO_tbl[n], output_bases[n], 3 + 5.0 * static_cast<double>(n),
+              [n](double duty) { return duty / 100 * (n == 3 ? 255 : 256); });
     }
-    for (const int base : boost_bases) {
-        cells(base, 191); // 190 of 255 kPa by 256, the older flag holding until its own echo
+    for (std::size_t n = 0; n < 4; ++n) { // the older flag holds until its own echo
+        enter(form.boost_gpo[n], boost_bases[n], 60 + 40.0 * static_cast<double>(n),
+              [](double pressure) { return (pressure - 10) / 255 * 256; });
     }
     for (std::uint8_t i = 0; i < 4; ++i) {
-        expected.insert(expected.end(), {{218, i, 0x00, 0x18},
-                                         {219, i, 0x00, 0x18},
-                                         {220, i, 0x00, 0x18},
-                                         {221, i, static_cast<std::uint8_t>(i == 0 ? 0 : 255), 0},
-                                         {222, i, 76, 0},
-                                         {223, i, 255, 0},
-                                         {224, i, static_cast<std::uint8_t>(std::array{3, 2, 1, 0}[i]), 0}});
+        expected.insert(expected.end(), {{218, i, 0x00, low(0x18 + 0x10 * i)},
+                                         {219, i, 0x00, low(0x54 + 0x10 * i)},
+                                         {220, i, 0x00, low(0x92 + 0x10 * i)},
+                                         {221, i, std::array<std::uint8_t, 4>{0, 255, 90, 91}[i], 0},
+                                         {222, i, std::array<std::uint8_t, 4>{76, 79, 82, 84}[i], 0},
+                                         {223, i, std::array<std::uint8_t, 4>{254, 255, 255, 255}[i], 0},
+                                         {224, i, std::array<std::uint8_t, 4>{3, 2, 1, 0}[i], 0}});
     }
     form.Command3d2.press();
     EXPECT_EQ(sent, expected);
     EXPECT_EQ(pending_everywhere(), 0U);
-    EXPECT_EQ(form.cool_rly_temp[0].text(), "117");
-    EXPECT_EQ(form.boost_enable_press[1].text(), "265.0");
-    EXPECT_EQ(cell(form.GPO_tbl[0], 5), "30.1");
-    EXPECT_EQ(cell(form.GPO_tbl[3], 5), "29.7");
-    EXPECT_EQ(cell(form.boost_gpo[0], 5), "74.6"); // duty now, by the first channel's new flag
-    EXPECT_EQ(cell(form.boost_gpo[3], 80), "74.6");
+    expect_cells_equal_memory(); // boost in duty now, by the first channel's new flag
     EXPECT_EQ(memory.value(slot("BOFG")), 3);
-    EXPECT_EQ(memory.cell(0x0A60 + 80), 191);
+    EXPECT_EQ(form.cool_rly_temp[0].text() + " " + form.boost_enable_press[1].text() + " " + form.boost_d[3].text() +
+                  " " + form.boost_integ_preset[3].text(),
+              "117 265.0 12.125 33");
 }
 
 TEST_F(GpoMapping, RawNumbersAreHeldAndTheEchoOfTheRelayIsSigned) {
@@ -208,6 +231,7 @@ TEST_F(GpoMapping, AxesFollowTheModeByClickAndByReply) {
                                       {6, "---", "---", "0", "0", "0.0", "0.0", false, 43},
                                       {9, "---", "---", "0", "0", "0.0", "0.0", false, 43},
                                       {10, "   ", "IAC", "0", "0", "32.0", "256.0", true, 0}};
+    form.GPO_tbl[2].set_active_cell(4, 5);
     for (const bool by_reply : {false, true}) {
         for (const AxesCase& c : cases) {
             if (by_reply) {
@@ -230,6 +254,10 @@ TEST_F(GpoMapping, AxesFollowTheModeByClickAndByReply) {
             EXPECT_EQ(form.GPO_tbl[2].column_width(1), 43);
         }
     }
+    EXPECT_EQ(form.GPO_tbl[2].active_column(), 1);
+    memory.store(slot("FS_RPM"), 8000);
+    exchange({'C', '0', '0', '0'}, 21);
+    EXPECT_EQ(form.GPO_X_lbl[0][8].text() + form.GPO_boost_X_lbl[3][8].text(), "80008000");
     EXPECT_EQ(form.gpo_x_text[1].text(), "MAT"); // the others stayed
     form.gpo_mode[1][2].click();
     EXPECT_EQ(console.gpo_mapping.gpo_mode_byte(1), 128 + 2); // with its box
@@ -248,7 +276,7 @@ TEST_F(GpoMapping, TheFirstChannelsStoredFlagGovernsAllBoostCellsAndEachBoxItsOw
     EXPECT_EQ(form.boost_ctrl_invert[0].fore_colour(), pending);
     EXPECT_NE(form.use_as_pwm[0].fore_colour(), pending);
     EXPECT_EQ(cell(form.boost_gpo[2], 40), "142.0"); // not before the controller has it
-    form.boost_gpo[2].set_cell_text(9, 1, "12");
+    form.boost_gpo[2].set_cell_text(9, 1, "30");
     exchange({224, 1, 3, 0}, 5);
     EXPECT_EQ(cell(form.boost_gpo[2], 40), "142.0");
     sent.clear();
@@ -258,13 +286,13 @@ TEST_F(GpoMapping, TheFirstChannelsStoredFlagGovernsAllBoostCellsAndEachBoxItsOw
     EXPECT_EQ(cell(form.boost_gpo[2], 40), "51.6"); // 132 / 256
     EXPECT_EQ(cell(form.boost_gpo[3], 80), "98.8");
     EXPECT_EQ(form.boost_gpo[2].cell_back(5, 5), platform::confirmed);
-    EXPECT_EQ(form.boost_gpo[2].cell_text(9, 1), "12"); // the tuner's own
+    EXPECT_EQ(form.boost_gpo[2].cell_text(9, 1), "30"); // the tuner's own
     EXPECT_TRUE(form.boost_gpo[2].cell_pending(9, 1));
     desktop.run_for(0.01);
     EXPECT_THAT(form.boost_words[2].text(), testing::EndsWith(" 1 pending cell is now read as % duty."));
     EXPECT_THAT(form.boost_words[3].text(), testing::Not(HasSubstr("pending cell")));
-    EXPECT_THAT(update(), testing::Contains(Bytes{'e', 0, 0x0A, 31})); // 12 % of 255
-    EXPECT_EQ(form.boost_gpo[2].cell_text(9, 1), "12.1");
+    EXPECT_THAT(update(), testing::Contains(Bytes{'e', 0, 0x0A, 76})); // 30 % of 255
+    EXPECT_EQ(form.boost_gpo[2].cell_text(9, 1), "29.7");              // and of 256
 }
 
 TEST_F(GpoMapping, AModeThatTheConsoleDoesNotKnowIsToldAndKept) {
@@ -296,6 +324,8 @@ TEST_F(GpoMapping, MarksCountOnTheirPageAndGoWithTheEchoOrTheNextOpening) {
     EXPECT_EQ(form.pending_on_page[1].text(), "2 pending");
     EXPECT_EQ(form.pending_on_page[2].text(), "1 pending");
     EXPECT_FALSE(form.gpo_map_holder[2].visible());
+    messages::Capabilities(console.forms.registry).apply(0); // nor does the controller own to an output driver
+    EXPECT_FALSE(form.GPO_params[1].visible() || form.GPO_params[3].visible());
     const auto messages = update();
     EXPECT_THAT(messages, testing::IsSupersetOf({Bytes{171, 1, 5, 0}, Bytes{224, 1, 0, 0}, Bytes{224, 3, 1, 0},
                                                  Bytes{'e', 0x60 + 80, 3, 18}}));
@@ -386,13 +416,6 @@ TEST_F(GpoMapping, WithoutTheModesAPageAssertsNone) {
     EXPECT_EQ(console.gpo_mapping.gpo_mode_byte(1), 0);
     EXPECT_FALSE(form.gpo_map_holder[1].visible());
     EXPECT_EQ(form.GPO_tbl[1].place(3, 4), "row 3, column 4");
-}
-
-TEST_F(GpoMapping, ACellIsNamedByTheAxesOfItsMode) {
-    open();
-    EXPECT_EQ(form.GPO_tbl[0].place(9, 3), "RPM 2500, MAP 10.0");
-    EXPECT_EQ(form.GPO_tbl[3].place(9, 1), "IAC 0.0");
-    EXPECT_EQ(form.GPO_tbl[2].place(2, 7), "row 2, column 7");
 }
 
 TEST_F(GpoMapping, UpdateWaitsATenthAroundAndKeepsPollingOutOfIt) {
@@ -529,6 +552,10 @@ TEST_F(GpoMapping, MarkersAndDutiesFollowTheLiveValuesOfTheShownPage) {
     console.live.engine_rpm = 20000;
     form.GPO_tab.set_current(0);
     EXPECT_EQ(form.supp_x_ptr.left(), 3600);
+    form.use_as_pwm[0].click(); // from air temperature to pressure
+    EXPECT_EQ(form.boost_y_ptr.top(), 2700);
+    exchange({171, 0, 6, 0}, 5);
+    EXPECT_FALSE(form.supp_x_ptr.visible());
 }
 
 TEST_F(GpoMapping, ThePageSaysInWordsWhatItsChannelDoes) {
@@ -538,6 +565,10 @@ TEST_F(GpoMapping, ThePageSaysInWordsWhatItsChannelDoes) {
     EXPECT_EQ(form.gpo_words[2].text(), "Fully on at or above 3001 rpm, off below.");
     EXPECT_THAT(form.boost_words[0].text(), HasSubstr("while MAP is above 110.0 kPa. Cells are pressure in kPa"));
     EXPECT_THAT(form.boost_words[3].text(), HasSubstr("Open loop"));
+    form.cool_rly_temp[2].set_text("50"); // which this mode does not look at
+    form.cool_rly_temp[3].set_text("50");
+    desktop.run_for(0.01);
+    EXPECT_THAT(form.gpo_words[2].text() + form.gpo_words[3].text(), testing::Not(HasSubstr("Not sent")));
     form.rpm_switch[2].set_text("6000");
     form.gpo_mode[0][7].click();
     form.use_as_pwm[0].click();
@@ -560,6 +591,8 @@ TEST_F(GpoMapping, DemoModeShowsItsOwnValuesInWhite) {
     EXPECT_EQ(form.cool_rly_temp[0].text(), "95");
     EXPECT_EQ(form.boost_loop_rate[3].text(), "0");
     EXPECT_EQ(pending_everywhere(), 0U);
+    console.gpo_mapping.refresh_live();
+    EXPECT_EQ(form.gpo_now[0].text(), ""); // no controller has said so
 }
 
 } // namespace

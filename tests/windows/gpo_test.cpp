@@ -107,6 +107,11 @@ TEST_F(GpoWindow, IsUsedByKeyboardAlone) {
     }
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_7);
     EXPECT_EQ(form.GPO_tbl[0].cell_text(1, 1), "7");
+    window->resize(902, 472); // the halves stand one below the other, and the page follows the keyboard
+    QTest::qWait(1);
+    form.boost_loop_rate[0].set_focus();
+    EXPECT_FALSE(of<QWidget>("boost_loop_rate(0)").visibleRegion().isEmpty());
+    of<QWidget>("GPO_tbl_0").setFocus();
     choose(0, 0); // the map goes, and F6 passes it by
     EXPECT_EQ(focus(), "gpo_0_mode(0)");
     QTest::keyClick(window, Qt::Key_F6);

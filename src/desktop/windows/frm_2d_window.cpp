@@ -9,7 +9,6 @@
 #include "maps/correction_curves.h"
 #include "maps/frm_3d.h"
 
-#include <QApplication>
 #include <QGridLayout>
 #include <QLabel>
 #include <QPainter>
@@ -98,7 +97,7 @@ private:
     QRect field_;
 };
 
-// A page scrolls when the screen is too small for it, and keeps the box that has the keyboard in sight.
+// A page scrolls when the screen is too small for it.
 QWidget* page(QWidget* content) {
     auto* area = new QScrollArea;
     area->setWidgetResizable(true);
@@ -106,11 +105,7 @@ QWidget* page(QWidget* content) {
     area->setFocusPolicy(Qt::NoFocus);
     content->setContentsMargins(0, theme::gap, 0, 0);
     area->setWidget(content);
-    QObject::connect(qApp, &QApplication::focusChanged, area, [area](QWidget*, QWidget* now) {
-        if (now != nullptr && area->isAncestorOf(now)) {
-            area->ensureWidgetVisible(now, 0, theme::margin);
-        }
-    });
+    keep_focus_in_sight(*area);
     return area;
 }
 

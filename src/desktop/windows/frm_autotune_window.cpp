@@ -44,7 +44,8 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent*) override {
-        const QRect field(left() + 4, line() / 2, width() - left() - 8, height() - 2 * line() - line() / 2);
+        const QRect field(left() + 4, line() / 2, width() - left() - 8 - left() / 2,
+                          height() - 2 * line() - line() / 2);
         grid_->setGeometry(field);
         for (std::size_t i = 0; i < load_.size(); ++i) {
             const int at = field.bottom() - field.height() * static_cast<int>(i) / 16;

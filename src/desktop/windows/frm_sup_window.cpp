@@ -38,6 +38,7 @@ public:
         setWidgetResizable(true);
         setFrameShape(QFrame::NoFrame);
         setFocusPolicy(Qt::NoFocus);
+        keep_focus_in_sight(*this);
     }
     void set_page(QWidget* page, QBoxLayout* halves) {
         halves_ = halves;
