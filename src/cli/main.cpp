@@ -18,6 +18,9 @@ Status run(const Options& options) {
     if (options.verb == Verb::diff) {
         return run_diff(options);
     }
+    if (options.verb == Verb::flash_check) {
+        return run_flash_check(options);
+    }
     Session session(options);
     try {
         switch (options.verb) {
@@ -31,8 +34,11 @@ Status run(const Options& options) {
             return run_monitor(session, options);
         case Verb::log:
             return run_log(session, options);
+        case Verb::link:
+            return run_link(session, options);
         case Verb::diff:
         case Verb::check:
+        case Verb::flash_check:
             break;
         }
     } catch (const LinkFailed& failed) {

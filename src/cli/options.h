@@ -10,7 +10,7 @@
 
 namespace ecu::cli {
 
-enum class Verb : std::uint8_t { info, download, upload, diff, check, monitor, log };
+enum class Verb : std::uint8_t { info, download, upload, diff, check, monitor, log, link, flash_check };
 
 struct Options {
     Verb verb = Verb::info;
@@ -18,7 +18,8 @@ struct Options {
     std::string second; // of diff
     bool yes = false;   // upload without asking
     int interval_ms = 1000;
-    long count = 0; // samples or rows; 0: until Ctrl+C
+    int questions = 100; // that link asks
+    long count = 0;      // samples or rows; 0: until Ctrl+C
 
     std::optional<int> port;
     std::string device; // what the port stands for

@@ -10,9 +10,11 @@ Status run_info(Session& session, const Options& options);
 Status run_download(Session& session, const Options& options);
 Status run_upload(Session& session, const Options& options);
 Status run_monitor(Session& session, const Options& options);
+Status run_link(Session& session, const Options& options);
 Status run_log(Session& session, const Options& options);
 // With files only these need no session.
 Status run_diff(const Options& options);
 Status run_check(const Options& options);
+Status run_flash_check(const Options& options);
 
 } // namespace ecu::cli

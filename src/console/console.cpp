@@ -43,7 +43,9 @@ Console::Console(const platform::Ports& machine)
       transfer({ports, state, comm, link_selection, image, forms.frm_wait, forms.frm_ecu.form, shell::console_version}),
       diagnostics({ports, state, comm, navigation, polling.timer1(), live, reply_decoders.wheel_samples(),
                    forms.frm_diagnostics}),
-      flash_utility(ports, state, *comm1, forms.frm_ecu.form, forms.sflash) {
+      flash_utility(ports, state, *comm1, forms.frm_ecu.form, forms.sflash),
+      link_check({ports, state, comm, link_selection, *comm1, forms.frm_link}),
+      flash_check({ports, forms.sflash, forms.frm_flash_check}) {
     wire();
 }
 
@@ -92,6 +94,7 @@ void Console::wire() {
     main_console.on_halt_client = [this] { remote_client.halt(); };
     live_decoder.on_dyno_row = [this] { diagnostics.dyno().on_row(); };
     live_decoder.on_dyno_finish = [this] { diagnostics.dyno().on_finish(); };
+    forms.frm_ecu.menu_comm_check.clicked = [this] { link_check.open(); };
     main_console.on_flash_utility = [this] { flash_utility.open(); };
     main_console.offer_what_exists();
 }

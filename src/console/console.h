@@ -9,8 +9,10 @@
 #include "configuration/configuration_page.h"
 #include "console/forms.h"
 #include "diagnostics/diagnostics.h"
+#include "flash/flash_check.h"
 #include "flash/flash_utility.h"
 #include "link/ecu_comm.h"
+#include "link/link_check.h"
 #include "link/link_selection.h"
 #include "link/remote_client.h"
 #include "link/remote_server.h"
@@ -85,6 +87,8 @@ public:
     calibration::Transfer transfer;
     diagnostics::Diagnostics diagnostics;
     flash::FlashUtility flash_utility;
+    link::LinkCheck link_check;
+    flash::FlashCheck flash_check;
 
 private:
     static shell::Navigation with_views(const platform::Ports& ports, link::SharedState& state, link::EcuComm& comm,
