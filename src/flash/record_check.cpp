@@ -99,7 +99,7 @@ private:
     // The bytes behind the type, count and checksum among them; none where the line is no whole record.
     std::vector<std::uint8_t> bytes_of(std::string_view line) {
         if (line.find_first_not_of(" \t") == std::string_view::npos) {
-            fault("is blank");
+            fault("blank");
             return {};
         }
         if (line.size() < 2 || line[0] != 'S' || line[1] < '0' || line[1] > '9') {
@@ -295,7 +295,7 @@ std::string report(const RecordReport& checked, const std::optional<Rehearsal>& 
         text += "Starts at " + hex(*checked.starts, 4) + "\n";
     }
     for (const RecordFault& fault : checked.faults) {
-        text += (fault.line > 0 ? "Line " + std::to_string(fault.line) + " " : "") + fault.text + "\n";
+        text += (fault.line > 0 ? "Line " + std::to_string(fault.line) + ": " : "") + fault.text + "\n";
     }
     if (checked.fault_count > checked.faults.size()) {
         text += "and " + grouped(checked.fault_count - checked.faults.size()) + " more\n";

@@ -55,7 +55,7 @@ TEST(RecordCheck, TellsEachFaultWithItsLine) {
     for (const Case& c : {Case{{header, bad_sum, data, end}, 2, "checksum is 60; its bytes add up to 61"},
                           {{data, cut, end}, 2, "has 30 characters; its count 13 asks for 42"},
                           {{data, std::string(data) + "00", end}, 2, "has 44 characters"},
-                          {{data, "", end}, 2, "is blank"},
+                          {{data, "", end}, 2, "blank"},
                           {{data, "hello", end}, 2, "\"hello\""},
                           {{data, "SA03", end}, 2, "S and a digit"},
                           {{data, "S1", end}, 2, "cut before its count"},
@@ -77,7 +77,7 @@ TEST(RecordCheck, TellsEachFaultWithItsLine) {
         EXPECT_EQ(report.faults[0].line, c.line) << c.said;
         EXPECT_THAT(report.faults[0].text, HasSubstr(c.said));
         if (c.line > 0) {
-            EXPECT_THAT(flash::report(report, {}, "f"), HasSubstr("Line " + std::to_string(c.line) + " "));
+            EXPECT_THAT(flash::report(report, {}, "f"), HasSubstr("Line " + std::to_string(c.line) + ": "));
         }
     }
 }

@@ -60,8 +60,9 @@ TEST(CheckWindows, RecordFileShowsItsFindings) {
     form.check_file_name.set_text("/home/tuner/firmware/engine-1-03-00.s");
     form.check_result.set_text("2 findings: read them before you flash this file.");
     form.check_result.set_fore_colour(platform::light_red);
-    form.check_text.set_text("engine.s: 7 lines, 16 bytes of data in 1 record\nHeader: HDR\nData: 7AF0 to 7AFF, 16 bytes\n"
-                             "Line 2 its checksum is 60; its bytes add up to 61\nLine 4 is blank\n2 findings\n");
+    form.check_text.set_text(
+        "engine.s: 7 lines, 16 bytes of data in 1 record\nHeader: HDR\nData: 7AF0 to 7AFF, 16 bytes\n"
+        "Line 2 its checksum is 60; its bytes add up to 61\nLine 4 is blank\n2 findings\n");
     form.form.show();
     expect_to_fit(*window);
     save_picture(*window, {640, 420});

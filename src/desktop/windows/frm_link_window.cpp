@@ -34,29 +34,31 @@ QWidget* findings(FormWindow& window, link::FrmLink& f) {
     for (std::size_t i = 0; i < link::round_trip_classes; ++i) {
         const std::string name = link::round_trip_class(i);
         auto* count = static_cast<QLabel*>(window.make(f.trip_count[i], std::string_view("Messages " + name)));
-        count->setAlignment(Qt::AlignRight);
+        count->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         count->setMinimumWidth(count->fontMetrics().horizontalAdvance(widest_count));
         auto* caption = new QLabel(QString::fromStdString(name));
         caption->setMinimumWidth(caption->fontMetrics().horizontalAdvance("100 to 250 ms") + 8);
         QWidget* bar = window.progress(f.trip_track[i], f.trip_bar[i], std::string_view("Share " + name));
+        bar->setMaximumHeight(14);
         trips.add(window.across({caption, bar, count}, {0, 1, 0}));
     }
     trips.fill();
     Panel advice = window.panel("Advice");
-    advice.add(f.link_advice, "Advice", 1)->setMinimumHeight(90);
-    return window.down({window.across({trips, window.stack({link, retries})}, {1, 1}), advice}, {0, 1});
+    advice.add(f.link_advice, "Advice", 1)->setMinimumHeight(64);
+    return window.down({advice, window.across({trips, window.stack({link, retries})}, {1, 1})}, {1, 0});
 }
 
 QWidget* frames(FormWindow& window, link::FrmLink& f) {
     Panel panel = window.panel("Frames");
-    panel.add(f.trace_on);
-    panel.row("Filter", f.trace_filter);
+    auto* caption = new QLabel("Filter");
+    panel.add(window.across(
+        {window.make(f.trace_on), caption, window.make(f.trace_filter, "Filter"), window.make(f.trace_save)},
+        {0, 0, 1, 0}));
     auto* area = static_cast<QPlainTextEdit*>(panel.add(f.trace_text, "Frames", 1));
     area->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     area->setLineWrapMode(QPlainTextEdit::NoWrap);
     area->setMinimumHeight(160);
     panel.add(f.trace_note, "Frames kept");
-    panel.add(f.trace_save);
     return panel;
 }
 
