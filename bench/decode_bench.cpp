@@ -23,6 +23,7 @@ class NoMachine final : public ecu::platform::Clock,
 
 public:
     float seconds_since_midnight() const override { return 43200; }
+    double fine_seconds() const override { return 0; }
     std::string date_text() const override { return "01-01-2026"; }
     std::string time_text() const override { return "12:00:00"; }
     void process_events() override {}

@@ -2,6 +2,8 @@
 
 #include <QDateTime>
 
+#include <chrono>
+
 namespace ecu::adapters {
 
 namespace {
@@ -20,6 +22,10 @@ float QtClock::seconds_since_midnight() const {
         minute_of_offset_ = minute;
     }
     return static_cast<float>((now + utc_offset_ms_) % ms_per_day) / 1000.0F;
+}
+
+double QtClock::fine_seconds() const {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
 std::string QtClock::date_text() const { return QDate::currentDate().toString("MM-dd-yyyy").toStdString(); }

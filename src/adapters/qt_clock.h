@@ -10,6 +10,7 @@ namespace ecu::adapters {
 class QtClock final : public platform::Clock {
 public:
     float seconds_since_midnight() const override;
+    double fine_seconds() const override;
     std::string date_text() const override;
     std::string time_text() const override;
 

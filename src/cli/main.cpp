@@ -27,6 +27,9 @@ Status run(const Options& options) {
     if (options.verb == Verb::restore_point) {
         return run_restore_point(options);
     }
+    if (options.verb == Verb::flash_check) {
+        return run_flash_check(options);
+    }
     Session session(options);
     try {
         switch (options.verb) {
@@ -42,11 +45,14 @@ Status run(const Options& options) {
             return run_log(session, options);
         case Verb::send_changes:
             return run_send_changes(session, options);
+        case Verb::link:
+            return run_link(session, options);
         case Verb::diff:
         case Verb::check:
         case Verb::compare:
         case Verb::restore_point:
         case Verb::journal:
+        case Verb::flash_check:
             break;
         }
     } catch (const LinkFailed& failed) {

@@ -20,7 +20,7 @@ constexpr const char* closing =
 constexpr const char* global_group = "Options of every verb";
 
 struct Verbs {
-    std::array<CLI::App*, 11> apps{};
+    std::array<CLI::App*, 13> apps{};
     CLI::App*& operator[](Verb verb) { return apps.at(static_cast<std::size_t>(verb)); }
 };
 
@@ -143,6 +143,18 @@ Verbs add_verbs(CLI::App& app, Options& options) {
         ->check(CLI::Range(1L, 1'000'000'000L))
         ->type_name("N");
     add_history_verbs(app, verbs, options);
+
+    CLI::App* link = verbs[Verb::link] =
+        app.add_subcommand("link", "tell how well the link does and what to do about it; 1: there is advice");
+    link->add_option("--count", options.questions,
+                     "times that the live values are asked for; 0 looks at the port alone")
+        ->check(CLI::Range(0, 1'000'000))
+        ->capture_default_str()
+        ->type_name("N");
+
+    CLI::App* flash_check = verbs[Verb::flash_check] =
+        app.add_subcommand("flash-check", "look through a record file before it is flashed; needs no controller");
+    add_file(*flash_check, "FILE", options.file, "Motorola S-record file");
     return verbs;
 }
 

@@ -23,6 +23,8 @@ enum class Verb : std::uint8_t {
     restore_point,
     journal,
     send_changes,
+    link,
+    flash_check,
 };
 
 struct Options {
@@ -31,7 +33,8 @@ struct Options {
     std::string second; // of diff
     bool yes = false;   // upload without asking
     int interval_ms = 1000;
-    long count = 0; // samples or rows; 0: until Ctrl+C. Of the journal: the newest rows; 0: all
+    int questions = 100; // that link asks
+    long count = 0;      // samples or rows; 0: until Ctrl+C. Of the journal: the newest rows; 0: all
 
     // Of compare, restore-point, journal and send-changes
     std::string action;            // of restore-point

@@ -10,6 +10,7 @@ Status run_info(Session& session, const Options& options);
 Status run_download(Session& session, const Options& options);
 Status run_upload(Session& session, const Options& options);
 Status run_monitor(Session& session, const Options& options);
+Status run_link(Session& session, const Options& options);
 Status run_log(Session& session, const Options& options);
 // With files only these need no session.
 Status run_diff(const Options& options);
@@ -18,5 +19,6 @@ Status run_compare(const Options& options);
 Status run_journal(const Options& options);
 Status run_restore_point(const Options& options);
 Status run_send_changes(Session& session, const Options& options);
+Status run_flash_check(const Options& options);
 
 } // namespace ecu::cli

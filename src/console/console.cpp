@@ -45,7 +45,9 @@ Console::Console(const platform::Ports& machine)
                    forms.frm_diagnostics}),
       flash_utility(ports, state, *comm1, forms.frm_ecu.form, forms.sflash),
       history_file(ports.folder / history::history_name), journal(ports, state, comm, image, scales, history_file),
-      send_changes({ports, state, comm, transfer, image, journal}) {
+      send_changes({ports, state, comm, transfer, image, journal}),
+      link_check({ports, state, comm, link_selection, *comm1, forms.frm_link}),
+      flash_check({ports, forms.sflash, forms.frm_flash_check}) {
     wire();
 }
 
@@ -94,6 +96,7 @@ void Console::wire() {
     main_console.on_halt_client = [this] { remote_client.halt(); };
     live_decoder.on_dyno_row = [this] { diagnostics.dyno().on_row(); };
     live_decoder.on_dyno_finish = [this] { diagnostics.dyno().on_finish(); };
+    forms.frm_ecu.menu_comm_check.clicked = [this] { link_check.open(); };
     main_console.on_flash_utility = [this] { flash_utility.open(); };
     main_console.offer_what_exists();
     journal.place = [this] { return where_the_tuner_is(); };

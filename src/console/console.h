@@ -9,10 +9,12 @@
 #include "configuration/configuration_page.h"
 #include "console/forms.h"
 #include "diagnostics/diagnostics.h"
+#include "flash/flash_check.h"
 #include "flash/flash_utility.h"
 #include "history/journal.h"
 #include "history/send_changes.h"
 #include "link/ecu_comm.h"
+#include "link/link_check.h"
 #include "link/link_selection.h"
 #include "link/remote_client.h"
 #include "link/remote_server.h"
@@ -90,6 +92,8 @@ public:
     history::HistoryFile history_file;
     history::Journal journal;
     history::SendChanges send_changes;
+    link::LinkCheck link_check;
+    flash::FlashCheck flash_check;
 
 private:
     static shell::Navigation with_views(const platform::Ports& ports, link::SharedState& state, link::EcuComm& comm,

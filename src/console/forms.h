@@ -6,8 +6,10 @@
 #include "calibration/frm_wait.h"
 #include "configuration/frm_tool.h"
 #include "diagnostics/frm_diagnostics.h"
+#include "flash/frm_flash_check.h"
 #include "flash/frm_sflash.h"
 #include "link/frm_dialog.h"
+#include "link/frm_link.h"
 #include "link/frm_remote_ip.h"
 #include "link/frm_retries.h"
 #include "link/frm_server.h"
@@ -26,12 +28,28 @@
 namespace ecu::console {
 
 struct Forms {
-    explicit Forms(platform::Timers& timers) : frm_retries(timers), frm_server(timers) {
-        for (platform::Form* form :
-             {&frm_ecu.form, &frm_about.form, &frm_dialog.form, &frm_retries.form, &frm_wait.form, &frm_mon.form,
-              &frm_dashboard.form, &frm_tool.form, &frm_3d.form, &frm_3d_graph.form, &frm_cellblock_modifier.form,
-              &frm_2d.form, &frm_sup.form, &frm_plotter.form, &frm_diagnostics.form, &frm_autotune.form,
-              &frm_remote_ip.form, &frm_server.form, &sflash.form}) {
+    explicit Forms(platform::Timers& timers) : frm_retries(timers), frm_server(timers), frm_link(timers) {
+        for (platform::Form* form : {&frm_ecu.form,
+                                     &frm_about.form,
+                                     &frm_dialog.form,
+                                     &frm_retries.form,
+                                     &frm_wait.form,
+                                     &frm_mon.form,
+                                     &frm_dashboard.form,
+                                     &frm_tool.form,
+                                     &frm_3d.form,
+                                     &frm_3d_graph.form,
+                                     &frm_cellblock_modifier.form,
+                                     &frm_2d.form,
+                                     &frm_sup.form,
+                                     &frm_plotter.form,
+                                     &frm_diagnostics.form,
+                                     &frm_autotune.form,
+                                     &frm_remote_ip.form,
+                                     &frm_server.form,
+                                     &sflash.form,
+                                     &frm_link.form,
+                                     &frm_flash_check.form}) {
             registry.add(*form);
         }
     }
@@ -55,6 +73,8 @@ struct Forms {
     link::FrmRemoteIp frm_remote_ip;
     link::FrmServer frm_server;
     flash::FrmSflash sflash;
+    flash::FrmFlashCheck frm_flash_check;
+    link::FrmLink frm_link;
     views::HeldNote held_note{frm_dashboard,
                               {&frm_mon.form, &frm_dashboard.form, &frm_tool.form, &frm_3d.form, &frm_2d.form,
                                &frm_sup.form, &frm_plotter.form, &frm_diagnostics.form}};

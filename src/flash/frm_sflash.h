@@ -12,6 +12,7 @@ struct FrmSflash {
     platform::Button Command2{form, "Command2", "Halt Flashing"};
     platform::Button Command3{form, "Command3", "Monitor Check"};
     platform::Button exit_flash{form, "exit_flash", "Exit Flash Util."};
+    platform::Button check_file{form, "check_file", "Check file..."};
     platform::CheckBox line_delay_box{form, "line_delay_box", "Add line dly."};
     platform::TextBox line_dly{form, "line_dly", "0.020"};
     platform::CheckBox char_delay_box{form, "char_delay_box", "Add charecter dly."};
@@ -33,6 +34,7 @@ struct FrmSflash {
         Command1.set_tool_tip("Click to choose a record file and send it to the controller's monitor");
         Command2.set_tool_tip("Click to stop the run at its next line; the controller must be flashed again then");
         Command3.set_tool_tip("Click to ask the monitor whether it is there; a B in its answer says so");
+        check_file.set_tool_tip("Click to look through a record file before it is flashed; nothing is sent");
         exit_flash.set_tool_tip("Click to give the port back and return to the console");
         line_delay_box.set_tool_tip("Wait after each line");
         line_dly.set_tool_tip("Seconds; read anew for each line");

@@ -100,6 +100,7 @@ Outcome EcuComm::send_ecu_message(const Message& message, int expected_length) {
         }
         count_bytes(state_.tx_byte_count, now.frame.size());
         now.sent_at = ports_.now();
+        now.sent_fine = ports_.clock.fine_seconds();
         write(now);
         await_bytes(now, reply_timeout());
         Verdict verdict = take_reply(now);
@@ -315,7 +316,7 @@ void EcuComm::tell(const Try& now, std::span<const std::uint8_t> reply, Verdict 
                             .verdict = verdict,
                             .fault = fault,
                             .sent_at = now.sent_at,
-                            .seconds = ports_.elapsed_since(now.sent_at),
+                            .seconds = static_cast<float>(ports_.clock.fine_seconds() - now.sent_fine),
                             .tries = now.number,
                             .depth = depth_};
     // By index and held: an observer may begin or end an observation.

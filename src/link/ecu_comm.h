@@ -83,6 +83,7 @@ private:
         int wanted_count = 0;
         int number = 0;
         float sent_at = 0;
+        double sent_fine = 0; // by the clock that measures
         std::size_t last_count = 0;
         Verdict last_verdict = Verdict::silent;
     };

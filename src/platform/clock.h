@@ -18,6 +18,8 @@ class Clock {
 public:
     virtual ~Clock() = default;
     virtual float seconds_since_midnight() const = 0;
+    // For measuring: runs on evenly from a moment of its own, and tells microseconds, which the time of day does not.
+    virtual double fine_seconds() const = 0;
     virtual std::string date_text() const = 0; // mm-dd-yyyy
     virtual std::string time_text() const = 0; // hh:mm:ss, 24 hours
 };

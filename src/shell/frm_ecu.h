@@ -35,6 +35,7 @@ struct FrmEcu {
     platform::MenuItem menu_comm_8{menu_comm, "menu_comm_8", "COM &8"};
     platform::MenuItem menu_comm_9{menu_comm, "menu_comm_9", "COM &9"};
     platform::MenuItem menu_comm_10{menu_comm, "menu_comm_10", "COM 1&0"};
+    platform::MenuItem menu_comm_check{menu_comm, "menu_comm_check", "Check the &link..."};
     // Element i is port i + 1.
     std::array<platform::MenuItem*, 10> ports{&menu_comm_1, &menu_comm_2, &menu_comm_3, &menu_comm_4, &menu_comm_5,
                                               &menu_comm_6, &menu_comm_7, &menu_comm_8, &menu_comm_9, &menu_comm_10};
@@ -80,6 +81,7 @@ struct FrmEcu {
 
     FrmEcu() {
         menu_file_exit.separator_before = true;
+        menu_comm_check.separator_before = true;
         menuUnitsPressure[0].separator_before = true;
         menu_remote_setup.separator_before = true;
         Command3d5.set_tool_tip("Click to end the program");

@@ -37,6 +37,7 @@ public:
     void cancel(const Key& key) { queue_.erase(key); }
 
     float seconds_since_midnight() const override;
+    double fine_seconds() const override { return seconds(); }
     std::string date_text() const override { return "03-05-2021"; }
     std::string time_text() const override;
 

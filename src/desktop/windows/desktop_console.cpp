@@ -1,5 +1,6 @@
 #include "desktop/windows/desktop_console.h"
 
+#include "controller/rehearsal.h"
 #include "desktop/windows/windows.h"
 
 namespace ecu::desktop {
@@ -7,6 +8,7 @@ namespace ecu::desktop {
 DesktopConsole::DesktopConsole()
     : console_({clock_, waiting_, timers_, dialogs_, program_, serial_ports_, datagram_sockets_}) {
     program_.before_end = [this] { console_.before_end(); };
+    console_.flash_check.make_monitor = controller::rehearsal_monitor<flash::Monitor>;
     add_windows();
     console_.forms.registry.set_host(&host_);
 }
@@ -35,6 +37,8 @@ void DesktopConsole::add_windows() {
     add(forms.frm_server, make_frm_server_window);
     add(forms.frm_diagnostics, make_frm_diagnostics_window);
     add(forms.sflash, make_sflash_window);
+    add(forms.frm_link, make_frm_link_window);
+    add(forms.frm_flash_check, make_frm_flash_check_window);
 }
 
 } // namespace ecu::desktop

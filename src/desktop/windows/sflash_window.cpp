@@ -47,7 +47,7 @@ std::unique_ptr<FormWindow> make_sflash_window(flash::FrmSflash& f, QtHost& host
     delays.add(f.char_delay_box);
     delays.row("after each character", f.char_dly, "Sec");
     window->set_body(window->across({terminal(*window, f), window->stack({run, delays})}, {1, 1}));
-    window->set_footer(window->buttons({&f.Command3, &f.exit_flash}));
+    window->set_footer(window->buttons({&f.check_file, &f.Command3, &f.exit_flash}));
     window->focus_first([&f]() -> platform::Control& { return f.Command3; });
     window->resize(760, 480);
     return window;

@@ -8,6 +8,7 @@
 
 namespace ecu::link {
 struct FrmDialog;
+struct FrmLink;
 struct FrmRemoteIp;
 struct FrmRetries;
 struct FrmServer;
@@ -44,8 +45,9 @@ namespace ecu::diagnostics {
 struct FrmDiagnostics;
 }
 namespace ecu::flash {
+struct FrmFlashCheck;
 struct FrmSflash;
-}
+} // namespace ecu::flash
 
 namespace ecu::desktop {
 
@@ -65,8 +67,10 @@ std::unique_ptr<FormWindow> make_frm_cellblock_modifier_window(maps::FrmCellbloc
 std::unique_ptr<FormWindow> make_frm_sup_window(maps::FrmSup& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_autotune_window(autotune::FrmAutotune& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_remote_ip_window(link::FrmRemoteIp& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_link_window(link::FrmLink& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_server_window(link::FrmServer& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_diagnostics_window(diagnostics::FrmDiagnostics& form, QtHost& host);
 std::unique_ptr<FormWindow> make_sflash_window(flash::FrmSflash& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_flash_check_window(flash::FrmFlashCheck& form, QtHost& host);
 
 } // namespace ecu::desktop
