@@ -7,6 +7,10 @@
 #include "configuration/frm_tool.h"
 #include "diagnostics/frm_diagnostics.h"
 #include "flash/frm_sflash.h"
+#include "history/frm_changes.h"
+#include "history/frm_compare.h"
+#include "history/frm_journal.h"
+#include "history/frm_restore_points.h"
 #include "link/frm_dialog.h"
 #include "link/frm_remote_ip.h"
 #include "link/frm_retries.h"
@@ -27,11 +31,29 @@ namespace ecu::console {
 
 struct Forms {
     explicit Forms(platform::Timers& timers) : frm_retries(timers), frm_server(timers) {
-        for (platform::Form* form :
-             {&frm_ecu.form, &frm_about.form, &frm_dialog.form, &frm_retries.form, &frm_wait.form, &frm_mon.form,
-              &frm_dashboard.form, &frm_tool.form, &frm_3d.form, &frm_3d_graph.form, &frm_cellblock_modifier.form,
-              &frm_2d.form, &frm_sup.form, &frm_plotter.form, &frm_diagnostics.form, &frm_autotune.form,
-              &frm_remote_ip.form, &frm_server.form, &sflash.form}) {
+        for (platform::Form* form : {&frm_ecu.form,
+                                     &frm_about.form,
+                                     &frm_dialog.form,
+                                     &frm_retries.form,
+                                     &frm_wait.form,
+                                     &frm_mon.form,
+                                     &frm_dashboard.form,
+                                     &frm_tool.form,
+                                     &frm_3d.form,
+                                     &frm_3d_graph.form,
+                                     &frm_cellblock_modifier.form,
+                                     &frm_2d.form,
+                                     &frm_sup.form,
+                                     &frm_plotter.form,
+                                     &frm_diagnostics.form,
+                                     &frm_autotune.form,
+                                     &frm_remote_ip.form,
+                                     &frm_server.form,
+                                     &sflash.form,
+                                     &frm_changes.form,
+                                     &frm_compare.form,
+                                     &frm_restore_points.form,
+                                     &frm_journal.form}) {
             registry.add(*form);
         }
     }
@@ -55,6 +77,10 @@ struct Forms {
     link::FrmRemoteIp frm_remote_ip;
     link::FrmServer frm_server;
     flash::FrmSflash sflash;
+    history::FrmChanges frm_changes;
+    history::FrmCompare frm_compare;
+    history::FrmRestorePoints frm_restore_points;
+    history::FrmJournal frm_journal;
     views::HeldNote held_note{frm_dashboard,
                               {&frm_mon.form, &frm_dashboard.form, &frm_tool.form, &frm_3d.form, &frm_2d.form,
                                &frm_sup.form, &frm_plotter.form, &frm_diagnostics.form}};

@@ -35,6 +35,10 @@ void DesktopConsole::add_windows() {
     add(forms.frm_server, make_frm_server_window);
     add(forms.frm_diagnostics, make_frm_diagnostics_window);
     add(forms.sflash, make_sflash_window);
+    add(forms.frm_changes, make_frm_changes_window);
+    add(forms.frm_compare, make_frm_compare_window);
+    add(forms.frm_journal, make_frm_journal_window);
+    add(forms.frm_restore_points, make_frm_restore_points_window);
 }
 
 } // namespace ecu::desktop

@@ -47,6 +47,13 @@ namespace ecu::flash {
 struct FrmSflash;
 }
 
+namespace ecu::history {
+struct FrmChanges;
+struct FrmCompare;
+struct FrmJournal;
+struct FrmRestorePoints;
+} // namespace ecu::history
+
 namespace ecu::desktop {
 
 std::unique_ptr<FormWindow> make_frm_ecu_window(shell::FrmEcu& form, QtHost& host);
@@ -67,6 +74,10 @@ std::unique_ptr<FormWindow> make_frm_autotune_window(autotune::FrmAutotune& form
 std::unique_ptr<FormWindow> make_frm_remote_ip_window(link::FrmRemoteIp& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_server_window(link::FrmServer& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_diagnostics_window(diagnostics::FrmDiagnostics& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_changes_window(history::FrmChanges& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_compare_window(history::FrmCompare& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_journal_window(history::FrmJournal& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_restore_points_window(history::FrmRestorePoints& form, QtHost& host);
 std::unique_ptr<FormWindow> make_sflash_window(flash::FrmSflash& form, QtHost& host);
 
 } // namespace ecu::desktop
