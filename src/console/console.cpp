@@ -47,7 +47,13 @@ Console::Console(const platform::Ports& machine)
       history_file(ports.folder / history::history_name), journal(ports, state, comm, image, scales, history_file),
       send_changes({ports, state, comm, transfer, image, journal}),
       link_check({ports, state, comm, link_selection, *comm1, forms.frm_link}),
-      flash_check({ports, forms.sflash, forms.frm_flash_check}) {
+      flash_check({ports, forms.sflash, forms.frm_flash_check}),
+      changes_window({ports, state, send_changes, scales, forms.frm_changes}),
+      compare_window({ports, history_file, scales, changes_window, forms.frm_compare}),
+      points_window({ports, history_file, changes_window, forms.frm_restore_points}),
+      journal_window({ports, history_file, journal, image, scales, changes_window, forms.frm_journal}),
+      two_calibrations({ports, history_file, journal, send_changes, changes_window, forms.frm_ecu.form,
+                        forms.frm_ecu.transfer_result}) {
     wire();
 }
 
@@ -89,7 +95,11 @@ void Console::wire() {
         forms.frm_ecu.transfer_result.set_text(result);
         forms.frm_ecu.transfer_result.set_tool_tip(result);
     };
-    main_console.on_upload = [this] { transfer.menufileopen_Click(); };
+    main_console.on_upload = [this] {
+        if (points_window.before("an upload")) {
+            transfer.menufileopen_Click();
+        }
+    };
     main_console.on_download = [this] { transfer.menufilesave_Click(); };
     main_console.on_start_server = [this] { remote_server.start(); };
     main_console.on_start_client = [this] { remote_client.start(); };
@@ -98,7 +108,22 @@ void Console::wire() {
     live_decoder.on_dyno_finish = [this] { diagnostics.dyno().on_finish(); };
     forms.frm_ecu.menu_comm_check.clicked = [this] { link_check.open(); };
     main_console.on_flash_utility = [this] { flash_utility.open(); };
+    wire_history();
     main_console.offer_what_exists();
+}
+
+void Console::wire_history() {
+    main_console.on_compare = [this] { compare_window.open(); };
+    main_console.on_upload_changes = [this] { changes_window.choose_file_and_show(); };
+    main_console.on_restore_points = [this] { points_window.open(); };
+    main_console.on_journal = [this] { journal_window.open(); };
+    main_console.on_switch = [this] { two_calibrations.switch_over(); };
+    main_console.before_reflash = [this] { return points_window.before("a re-flash"); };
+    points_window.compare_with_controller = [this](const std::string& name) {
+        compare_window.open_with_controller(name);
+    };
+    points_window.use_as = [this](bool b, const std::string& name) { two_calibrations.choose(b, name); };
+    points_window.letter_of = [this](const std::string& name) { return two_calibrations.letter_of(name); };
     journal.place = [this] { return where_the_tuner_is(); };
     journal.warn = [this](const std::string& text) {
         ports.dialogs.message_box({.text = text, .icon = platform::Icon::warning});

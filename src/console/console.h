@@ -11,8 +11,10 @@
 #include "diagnostics/diagnostics.h"
 #include "flash/flash_check.h"
 #include "flash/flash_utility.h"
-#include "history/journal.h"
-#include "history/send_changes.h"
+#include "history/compare_window.h"
+#include "history/journal_window.h"
+#include "history/points_window.h"
+#include "history/two_calibrations.h"
 #include "link/ecu_comm.h"
 #include "link/link_check.h"
 #include "link/link_selection.h"
@@ -94,11 +96,17 @@ public:
     history::SendChanges send_changes;
     link::LinkCheck link_check;
     flash::FlashCheck flash_check;
+    history::ChangesWindow changes_window;
+    history::CompareWindow compare_window;
+    history::PointsWindow points_window;
+    history::JournalWindow journal_window;
+    history::TwoCalibrations two_calibrations;
 
 private:
     static shell::Navigation with_views(const platform::Ports& ports, link::SharedState& state, link::EcuComm& comm,
                                         link::LinkSelection& link_selection, Forms& forms);
     void wire();
+    void wire_history();
     std::string where_the_tuner_is() const;
 };
 

@@ -8,6 +8,10 @@
 #include "diagnostics/frm_diagnostics.h"
 #include "flash/frm_flash_check.h"
 #include "flash/frm_sflash.h"
+#include "history/frm_changes.h"
+#include "history/frm_compare.h"
+#include "history/frm_journal.h"
+#include "history/frm_restore_points.h"
 #include "link/frm_dialog.h"
 #include "link/frm_link.h"
 #include "link/frm_remote_ip.h"
@@ -49,7 +53,11 @@ struct Forms {
                                      &frm_server.form,
                                      &sflash.form,
                                      &frm_link.form,
-                                     &frm_flash_check.form}) {
+                                     &frm_flash_check.form,
+                                     &frm_changes.form,
+                                     &frm_compare.form,
+                                     &frm_restore_points.form,
+                                     &frm_journal.form}) {
             registry.add(*form);
         }
     }
@@ -75,6 +83,10 @@ struct Forms {
     flash::FrmSflash sflash;
     flash::FrmFlashCheck frm_flash_check;
     link::FrmLink frm_link;
+    history::FrmChanges frm_changes;
+    history::FrmCompare frm_compare;
+    history::FrmRestorePoints frm_restore_points;
+    history::FrmJournal frm_journal;
     views::HeldNote held_note{frm_dashboard,
                               {&frm_mon.form, &frm_dashboard.form, &frm_tool.form, &frm_3d.form, &frm_2d.form,
                                &frm_sup.form, &frm_plotter.form, &frm_diagnostics.form}};

@@ -3,6 +3,7 @@
 #include "desktop/box_marks.h"
 #include "desktop/grid_view.h"
 #include "desktop/keys.h"
+#include "desktop/list_view.h"
 #include "desktop/panel.h"
 #include "desktop/picture_view.h"
 #include "desktop/qt_text.h"
@@ -88,6 +89,11 @@ QWidget* Binding::make(Control& control, const QString& spoken_name) {
     case Kind::picture: {
         auto* view = new PictureView(static_cast<platform::Picture&>(control));
         bind_custom(control, view, [view](Property) { view->update(); });
+        break;
+    }
+    case Kind::list: {
+        auto* view = new ListView(static_cast<platform::List&>(control));
+        bind_custom(control, view, [view](Property property) { view->refresh(property); });
         break;
     }
     case Kind::menu_item:
@@ -296,6 +302,7 @@ void Binding::paint_colours(Control& control, QWidget& widget) {
     case Kind::picture:
     case Kind::strip_chart:
     case Kind::gauge:
+    case Kind::list:
         return; // these paint themselves
     }
     const bool ticked = control.kind() == Kind::check_box || control.kind() == Kind::option_button;

@@ -99,6 +99,7 @@ void Journal::sending(const link::Request& request) {
     if (!subject) {
         return;
     }
+    ++writes_;
     const auto& key = subject->key;
     const auto old = held(key);
     Waiting waiting{.row = {.write = {.time = time_stamp(ports_.clock),

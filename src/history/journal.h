@@ -49,6 +49,8 @@ public:
 
     // Brings all that is known onto the disk. True when nothing waits any more.
     bool flush();
+    // Messages that set a value, since the start.
+    std::uint64_t writes() const { return writes_; }
     // What the file could not take yet.
     std::size_t waiting() const { return waiting_.size(); }
     const std::string& failure() const { return failure_; } // the last one, empty while all is well
@@ -83,6 +85,7 @@ private:
     bool failing_ = false;
     bool warned_ = false;
     int ticks_ = 0;
+    std::uint64_t writes_ = 0;
 };
 
 } // namespace ecu::history

@@ -75,13 +75,48 @@ ReadResult SendChanges::read(const Going& going) {
                                                 : "the controller was not read";
         return out;
     }
-    if (!use_.state.identity.serial) {
-        const link::Pause pause(use_.state);
-        ask(use_.comm, messages::serial_number);
-    }
+    learn_serial();
     copy.identity = use_.state.identity;
     copy.values = calibration::values_of(copy.setup);
     out.copy = std::move(copy);
+    return out;
+}
+
+void SendChanges::learn_serial() {
+    const link::Pause pause(use_.state);
+    if (!use_.state.identity.firmware) {
+        ask(use_.comm, messages::firmware_revision);
+    }
+    if (!use_.state.identity.serial) {
+        ask(use_.comm, messages::serial_number);
+    }
+}
+
+ReadResult SendChanges::read_items(const std::vector<calibration::FileKey>& keys) {
+    std::vector<calibration::WriteRequest> reads;
+    for (const calibration::FileKey& key : keys) {
+        calibration::WriteRequest read = calibration::read_request_of(key);
+        if (std::ranges::find(reads, read.message, &calibration::WriteRequest::message) == reads.end()) {
+            reads.push_back(std::move(read));
+        }
+    }
+    bool answered_all = true;
+    const calibration::TransferResult result = use_.transfer.send_sequence(
+        "controller", {.count = reads.size(),
+                       .begin = [] { return std::string(); },
+                       .message = [&](std::size_t i) { return std::pair(reads[i].message, reads[i].reply); },
+                       .ended = [&](std::size_t, bool answered) { return answered_all = answered_all && answered; }});
+    ReadResult out;
+    if (result.outcome != calibration::TransferResult::Outcome::done || !answered_all) {
+        out.trouble = !result.trouble.empty() ? result.trouble : "the controller was not read: check the link";
+        return out;
+    }
+    learn_serial();
+    out.copy = ControllerCopy{
+        .values = {}, .identity = use_.state.identity, .setup = {}, .time = time_stamp(use_.ports.clock)};
+    for (const calibration::FileKey& key : keys) {
+        out.copy->values.put(key, {.raw = held(key).value_or(0)});
+    }
     return out;
 }
 

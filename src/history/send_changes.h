@@ -76,6 +76,8 @@ public:
     // Lines so far of all; returns false to end the reading.
     using Going = std::function<bool(int done, int all)>;
     ReadResult read(const Going& going = {});
+    // These items alone; its `setup` stays empty.
+    ReadResult read_items(const std::vector<calibration::FileKey>& keys);
 
     // Sends the ticked lines that wait, in their order. `wanted_of` is who was read; `from` says where the values come
     // from, for the journal and the progress.
@@ -83,6 +85,7 @@ public:
                     const Going& going = {});
 
 private:
+    void learn_serial();
     std::string ask_who(const link::ControllerIdentity& wanted);
     std::optional<std::int32_t> held(const calibration::FileKey& key) const;
 

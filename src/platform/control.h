@@ -34,6 +34,7 @@ enum class Kind : std::uint8_t {
     picture,
     strip_chart,
     gauge,
+    list,
 };
 
 enum class Property : std::uint8_t {

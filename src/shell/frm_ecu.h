@@ -54,6 +54,11 @@ struct FrmEcu {
     platform::MenuItem menu_tool_flash_utility{menu_tool, "menu_tool_flash_utility", "Flash &Utility"};
     platform::MenuItem menu_tool_reflash{menu_tool, "menu_tool_reflash", "Prepare to Re-&Flash"};
     platform::MenuItem menu_tool_reset{menu_tool, "menu_tool_reset", "&Reset"};
+    platform::MenuItem menu_tool_compare{menu_tool, "menu_tool_compare", "&Compare calibrations..."};
+    platform::MenuItem menu_tool_upload_changes{menu_tool, "menu_tool_upload_changes", "Upload c&hanges..."};
+    platform::MenuItem menu_tool_restore_point{menu_tool, "menu_tool_restore_point", "Restore &point..."};
+    platform::MenuItem menu_tool_journal{menu_tool, "menu_tool_journal", "&Journal of writes..."};
+    platform::MenuItem menu_tool_switch{menu_tool, "menu_tool_switch", "Switch &A/B"};
     platform::MenuItem menu_remote_setup{menu_tool, "menu_remote_setup", "&Remote Setup"};
     platform::MenuItem menu_remote_setup_start_server{menu_remote_setup, "menu_remote_setup_start_server",
                                                       "Start &server"};
@@ -84,6 +89,13 @@ struct FrmEcu {
         menu_comm_check.separator_before = true;
         menuUnitsPressure[0].separator_before = true;
         menu_remote_setup.separator_before = true;
+        menu_tool_compare.separator_before = true;
+        menu_tool_switch.shortcut = "F8";
+        menu_tool_compare.set_tool_tip("Two calibrations side by side: files, restore points, the controller");
+        menu_tool_upload_changes.set_tool_tip("Send only what a setup file changes, after a look at it");
+        menu_tool_restore_point.set_tool_tip("Keep the controller's whole calibration, and go back to it");
+        menu_tool_journal.set_tool_tip("Everything that was written to the controller from this folder");
+        menu_tool_switch.set_tool_tip("Make the controller hold the other one of restore points A and B");
         Command3d5.set_tool_tip("Click to end the program");
     }
 };

@@ -70,6 +70,11 @@ void MainConsole::wire_tools() {
     form.menu_remote_setup_start_client.clicked = between_messages([this] { on_start_client(); });
     form.menu_remote_setup_halt_client.clicked = instead_of_a_view([this] { on_halt_client(); });
     form.menu_tool_flash_utility.clicked = instead_of_a_view([this] { on_flash_utility(); });
+    form.menu_tool_compare.clicked = instead_of_a_view([this] { on_compare(); });
+    form.menu_tool_upload_changes.clicked = between_messages([this] { on_upload_changes(); });
+    form.menu_tool_restore_point.clicked = instead_of_a_view([this] { on_restore_points(); });
+    form.menu_tool_journal.clicked = instead_of_a_view([this] { on_journal(); });
+    form.menu_tool_switch.clicked = between_messages([this] { on_switch(); });
     offer_what_exists();
 }
 
@@ -129,6 +134,11 @@ void MainConsole::offer_what_exists() {
     offer_tool(form.menu_remote_setup_start_client, on_start_client);
     offer_tool(form.menu_remote_setup_halt_client, on_halt_client);
     offer_tool(form.menu_tool_flash_utility, on_flash_utility);
+    offer_tool(form.menu_tool_compare, on_compare);
+    offer_tool(form.menu_tool_upload_changes, on_upload_changes);
+    offer_tool(form.menu_tool_restore_point, on_restore_points);
+    offer_tool(form.menu_tool_journal, on_journal);
+    offer_tool(form.menu_tool_switch, on_switch);
     form.menu_remote_setup_halt_client.set_enabled(false);
     form.menu_tool_flash_utility.set_enabled(false);
     form.menu_tool_flash_utility.set_tag(on_flash_utility ? "" : messages::nothing_behind);
@@ -210,6 +220,9 @@ void MainConsole::prepare_to_reflash() {
                                         .buttons = platform::Buttons::ok_cancel,
                                         .icon = platform::Icon::warning,
                                         .preset = platform::Answer::cancel});
+    if (answer == platform::Answer::ok && before_reflash && !before_reflash()) {
+        return;
+    }
     use_.link_selection.open_comm_link();
     if (answer == platform::Answer::ok) {
         use_.state.reset_comm_watch = true;

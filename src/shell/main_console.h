@@ -28,9 +28,17 @@ public:
     std::function<void()> on_upload;        // menufileopen: a file to the controller
     std::function<void()> on_download;      // menufilesave: the controller to a file
     std::function<void()> on_flash_utility; // enabled by the controller's answer to the preparation only
+    std::function<void()> on_compare;
+    std::function<void()> on_upload_changes;
+    std::function<void()> on_restore_points;
+    std::function<void()> on_journal;
+    std::function<void()> on_switch;
     std::function<void()> on_start_server;
     std::function<void()> on_start_client;
     std::function<void()> on_halt_client; // its item starts disabled: there is no client yet
+
+    // Before the controller is stopped for new firmware, once that was agreed to; false keeps it running. May be empty.
+    std::function<bool()> before_reflash;
 
     // Run with each tick while no view is open: what waited for the link to settle, and show_link_state.
     void look_around();

@@ -39,6 +39,10 @@ void DesktopConsole::add_windows() {
     add(forms.sflash, make_sflash_window);
     add(forms.frm_link, make_frm_link_window);
     add(forms.frm_flash_check, make_frm_flash_check_window);
+    add(forms.frm_changes, make_frm_changes_window);
+    add(forms.frm_compare, make_frm_compare_window);
+    add(forms.frm_journal, make_frm_journal_window);
+    add(forms.frm_restore_points, make_frm_restore_points_window);
 }
 
 } // namespace ecu::desktop

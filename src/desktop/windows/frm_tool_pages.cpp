@@ -132,10 +132,10 @@ QWidget* engine_setup_page(FormWindow& window, FrmTool& f) {
     };
     QWidget* top = in_columns({{panel("Crank Wheel and Speed"), panel("Manifold Pressure"), panel("MAP Sensor")},
                                {panel("Rev Limit 1"), panel("Rev Limit 2"), panel("Overrev")}});
-    const QMargins margins = top->layout()->contentsMargins(); // of every page: they stand in line
+    const QMargins margins = top->layout()->contentsMargins(); // of every page: their left sides stand in line
     top->layout()->setContentsMargins(0, 0, 0, 0);
     QWidget* page = window.stack({top, stutter_panel(window, f)});
-    page->layout()->setContentsMargins(margins);
+    page->layout()->setContentsMargins(margins.left(), margins.top(), 0, margins.bottom());
     return page;
 }
 

@@ -49,6 +49,13 @@ struct FrmFlashCheck;
 struct FrmSflash;
 } // namespace ecu::flash
 
+namespace ecu::history {
+struct FrmChanges;
+struct FrmCompare;
+struct FrmJournal;
+struct FrmRestorePoints;
+} // namespace ecu::history
+
 namespace ecu::desktop {
 
 std::unique_ptr<FormWindow> make_frm_ecu_window(shell::FrmEcu& form, QtHost& host);
@@ -70,6 +77,10 @@ std::unique_ptr<FormWindow> make_frm_remote_ip_window(link::FrmRemoteIp& form, Q
 std::unique_ptr<FormWindow> make_frm_link_window(link::FrmLink& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_server_window(link::FrmServer& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_diagnostics_window(diagnostics::FrmDiagnostics& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_changes_window(history::FrmChanges& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_compare_window(history::FrmCompare& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_journal_window(history::FrmJournal& form, QtHost& host);
+std::unique_ptr<FormWindow> make_frm_restore_points_window(history::FrmRestorePoints& form, QtHost& host);
 std::unique_ptr<FormWindow> make_sflash_window(flash::FrmSflash& form, QtHost& host);
 std::unique_ptr<FormWindow> make_frm_flash_check_window(flash::FrmFlashCheck& form, QtHost& host);
 

@@ -1,0 +1,340 @@
+#include "history/compare_window.h"
+
+#include "calibration/encoding.h"
+#include "platform/leading_number.h"
+#include "platform/safe_file.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+
+namespace ecu::history {
+
+namespace {
+
+constexpr std::size_t first_raw_column = 8;
+constexpr int map_column_width = 46;
+constexpr int map_row_height = 20;
+
+std::filesystem::path path_of(const std::string& text) { return {std::u8string(text.begin(), text.end())}; }
+
+std::string file_name(const std::string& path) {
+    const std::u8string name = path_of(path).filename().u8string();
+    return {name.begin(), name.end()};
+}
+
+// Red above zero and blue below it, the stronger the farther; white is no difference.
+platform::Colour around_zero(double part) {
+    const auto faded = static_cast<std::uint8_t>(255 - std::lround(175 * std::min(1.0, std::abs(part))));
+    return part == 0  ? platform::bright_white
+           : part > 0 ? platform::Colour{255, faded, faded}
+                      : platform::Colour{faded, faded, 255};
+}
+
+} // namespace
+
+CompareWindow::CompareWindow(const Use& use) : use_(use) {
+    wire();
+    show_buttons();
+}
+
+void CompareWindow::wire() {
+    FrmCompare& form = use_.form;
+    for (std::size_t side : {0U, 1U}) {
+        form.side_file[side].clicked = [this, side] { take_file(side); };
+        form.side_point[side].clicked = [this, side] { take_point(side, use_.form.side_point_number[side].text()); };
+        form.side_controller[side].clicked = [this, side] { take_controller(side); };
+    }
+    form.compare_swap.clicked = [this] { swap(); };
+    form.compare_stop.clicked = [this] { stop_ = true; };
+    form.compare_text.changed = [this] { show_list(); };
+    form.compare_rate.changed = [this] { show_list(); };
+    form.compare_raw.clicked = [this] { show_list(); };
+    form.compare_groups.chosen = [this] { show_list(); };
+    form.compare_list.chosen = [this] { show_map(); };
+    form.compare_list.ticks_changed = [this] {
+        const auto& rows = use_.form.compare_list.rows();
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            rows[i].ticked ? (void)ticked_.insert(shown_[i]) : (void)ticked_.erase(shown_[i]);
+        }
+        show_buttons();
+    };
+    form.compare_copy.clicked = [this] {
+        if (use_.form.to_clipboard) {
+            use_.form.to_clipboard(as_text(listed(), comparison_, names(), use_.form.compare_raw.checked()));
+            say(std::to_string(shown_.size()) + " lines are on the clipboard");
+        }
+    };
+    form.compare_csv.clicked = [this] {
+        save("Export differences", "csv", "Comma separated (*.csv)|", as_csv(listed(), comparison_, names()));
+    };
+    form.compare_page.clicked = [this] {
+        save("Printable page", "html", "Pages (*.html)|",
+             as_page(listed(), comparison_, names(), time_stamp(use_.ports.clock).substr(0, 16)));
+    };
+    form.compare_send.clicked = [this] { send(); };
+    form.compare_close.clicked = [this] { use_.form.form.close_requested(); };
+    form.form.on_close = [this] {
+        stop_ = true;
+        use_.form.form.unload();
+    };
+}
+
+void CompareWindow::open() {
+    if (!sides_[side_a] || !sides_[side_b]) {
+        say("Choose what stands on each side");
+    }
+    show_buttons();
+    use_.form.form.show();
+    use_.form.form.raise();
+}
+
+void CompareWindow::open_with_controller(const std::string& point) {
+    open();
+    take_point(side_a, point);
+    take_controller(side_b);
+}
+
+void CompareWindow::take_file(std::size_t side) {
+    const std::string path = use_.ports.dialogs.open_file({.title = side == side_a ? "Side A" : "Side B",
+                                                           .default_extension = "set",
+                                                           .filter = "Setup Files (*.set)|",
+                                                           .initial_name = "*.SET"});
+    if (!calibration::Transfer::names_no_file(path)) {
+        take(side, side_of_file(use_.ports.folder / path_of(path), file_name(path)));
+    }
+}
+
+void CompareWindow::take_point(std::size_t side, const std::string& number) {
+    std::string failure;
+    const std::vector<RestorePoint> points = use_.file.points(failure);
+    if (!failure.empty() || points.empty()) {
+        say(failure.empty() ? "There is no restore point yet: Tools > Restore point makes one"
+                            : std::string(history_name) + " cannot be read: " + failure);
+        return;
+    }
+    const auto named = point_of_name(number.starts_with('@') ? number : "@" + number);
+    if (!named && !number.empty()) {
+        say(number + " is no number of a restore point");
+        return;
+    }
+    take(side, side_of_point(use_.file, named.value_or(points.back().id)));
+}
+
+void CompareWindow::take_controller(std::size_t side) {
+    stop_ = false;
+    use_.form.compare_stop.set_enabled(true);
+    if (auto copy = use_.changes.read(use_.form.compare_status, stop_)) {
+        take(side, side_of_copy(*copy));
+        copies_[side] = std::move(copy);
+    }
+    show_buttons();
+}
+
+void CompareWindow::take(std::size_t side, Side taken) {
+    if (!taken.failure.empty()) {
+        say(taken.name + " cannot be used: " + taken.failure);
+        return;
+    }
+    use_.form.side_name[side].set_text(taken.name + ", " + calibration::counted(taken.values.size(), "value"));
+    copies_[side].reset();
+    sides_[side] = std::move(taken);
+    compare();
+}
+
+void CompareWindow::swap() {
+    std::swap(sides_[side_a], sides_[side_b]);
+    std::swap(copies_[side_a], copies_[side_b]);
+    const std::string a = use_.form.side_name[0].text();
+    use_.form.side_name[0].set_text(use_.form.side_name[1].text());
+    use_.form.side_name[1].set_text(a);
+    compare();
+}
+
+void CompareWindow::compare() {
+    ticked_.clear();
+    all_.clear();
+    comparison_ = {};
+    if (sides_[side_a] && sides_[side_b]) {
+        comparison_ = calibration::compare(sides_[side_a]->values, sides_[side_b]->values);
+        all_ = differences(comparison_, sides_[side_a]->values, sides_[side_b]->values, use_.units);
+        say(summary(comparison_, names().a, names().b));
+    }
+    show_groups();
+    show_list();
+}
+
+ReportNames CompareWindow::names() const {
+    ReportNames names{sides_[side_a] ? sides_[side_a]->name : "A", sides_[side_b] ? sides_[side_b]->name : "B"};
+    if (names.a == names.b) {
+        names.a += " (A)";
+        names.b += " (B)";
+    }
+    return names;
+}
+
+void CompareWindow::show_groups() {
+    groups_ = {""};
+    std::map<std::string, std::size_t> counts;
+    for (const Difference& one : all_) {
+        if (counts[one.group]++ == 0) {
+            groups_.push_back(one.group);
+        }
+    }
+    std::vector<platform::List::Row> rows;
+    for (const std::string& group : groups_) {
+        rows.push_back(
+            {.cells = {group.empty() ? "All" : group, std::to_string(group.empty() ? all_.size() : counts[group])}});
+    }
+    use_.form.compare_groups.set_rows(std::move(rows));
+}
+
+DifferenceFilter CompareWindow::filter() const {
+    const int group = use_.form.compare_groups.current();
+    return {.group =
+                group > 0 && group < static_cast<int>(groups_.size()) ? groups_[static_cast<std::size_t>(group)] : "",
+            .text = use_.form.compare_text.text(),
+            .rate = platform::leading_number(use_.form.compare_rate.text())};
+}
+
+std::vector<Difference> CompareWindow::listed() const {
+    std::vector<Difference> list;
+    for (const std::size_t i : shown_) {
+        list.push_back(all_[i]);
+    }
+    return list;
+}
+
+void CompareWindow::show_list() {
+    const DifferenceFilter wanted = filter();
+    const bool raw = use_.form.compare_raw.checked();
+    const auto raw_text = [raw](const std::optional<std::int32_t>& number) {
+        return raw && number ? std::to_string(*number) : std::string();
+    };
+    std::vector<platform::List::Row> rows;
+    shown_.clear();
+    for (std::size_t i = 0; i < all_.size(); ++i) {
+        const Difference& one = all_[i];
+        if (wanted.passes(one)) {
+            shown_.push_back(i);
+            rows.push_back(
+                {.cells = {one.item, one.place, one.a_raw ? one.a : "missing", one.b_raw ? one.b : "missing", one.unit,
+                           one.change, rate_text(one.rate), one.group, raw_text(one.a_raw), raw_text(one.b_raw)},
+                 .ticked = ticked_.contains(i),
+                 .tickable = one.b_raw.has_value()});
+        }
+    }
+    use_.form.compare_list.set_heading(first_raw_column, raw ? "Raw A" : "");
+    use_.form.compare_list.set_heading(first_raw_column + 1, raw ? "Raw B" : "");
+    use_.form.compare_list.set_rows(std::move(rows));
+    show_map();
+    show_buttons();
+}
+
+void CompareWindow::show_map() {
+    FrmCompare& form = use_.form;
+    const int current = form.compare_list.current();
+    const calibration::Table* table = current >= 0 && current < static_cast<int>(shown_.size())
+                                          ? all_[shown_[static_cast<std::size_t>(current)]].key.table
+                                          : nullptr;
+    const bool map = table != nullptr && table->shape != calibration::TableShape::nine_boxes;
+    form.map_name.set_text(map ? item_of({.table = table}) + ": A, B, and B less A"
+                               : "Choose a line of a map to see it here");
+    const int size = !map ? 0 : table->shape == calibration::TableShape::grid_16 ? 16 : 9;
+    for (platform::Grid* grid : {&form.map_a, &form.map_b, &form.map_difference}) {
+        grid->begin_batch();
+        for (int i = 1; i <= 16; ++i) {
+            grid->set_column_width(i, i <= size ? map_column_width : 0);
+            grid->set_row_height(i, i <= size ? map_row_height : 0);
+        }
+    }
+    double largest = 0;
+    std::vector<std::optional<double>> change(map ? static_cast<std::size_t>(table->cells()) : 0);
+    const auto scales = [&](std::size_t side) {
+        calibration::Scales own = sides_[side]->values.scales();
+        own.lambda_scale = use_.units.lambda_scale;
+        own.shows_lambda = use_.units.shows_lambda;
+        return own;
+    };
+    for (int i = 0; map && i < table->cells(); ++i) {
+        const calibration::FileKey key{.table = table, .index = i};
+        const int row = calibration::map_row(*table, i);
+        const int column = calibration::map_col(*table, i);
+        const auto a = sides_[side_a]->values.find(key);
+        const auto b = sides_[side_b]->values.find(key);
+        form.map_a.set_cell_text(row, column, a ? value_text(key, a->raw, scales(side_a)) : "");
+        form.map_b.set_cell_text(row, column, b ? value_text(key, b->raw, scales(side_b)) : "");
+        const bool differs = a && b && a->raw != b->raw;
+        if (a && b) {
+            change[static_cast<std::size_t>(i)] = calibration::shown_value(table->shown, b->raw, scales(side_b)) -
+                                                  calibration::shown_value(table->shown, a->raw, scales(side_a));
+            largest = std::max(largest, std::abs(*change[static_cast<std::size_t>(i)]));
+        }
+        form.map_difference.set_cell_text(
+            row, column, differs ? difference(key, a->raw, b->raw, scales(side_a), scales(side_b)).change : "");
+    }
+    for (int i = 0; map && i < table->cells(); ++i) {
+        const int row = calibration::map_row(*table, i);
+        const int column = calibration::map_col(*table, i);
+        const double part = largest > 0 ? change[static_cast<std::size_t>(i)].value_or(0) / largest : 0;
+        form.map_difference.set_cell_back(row, column, around_zero(part));
+        for (platform::Grid* grid : {&form.map_a, &form.map_b}) {
+            grid->set_cell_back(row, column, platform::bright_white);
+        }
+    }
+    for (platform::Grid* grid : {&form.map_a, &form.map_b, &form.map_difference}) {
+        grid->end_batch();
+    }
+}
+
+void CompareWindow::show_buttons() {
+    FrmCompare& form = use_.form;
+    const bool free = !use_.changes.busy();
+    const bool both = sides_[side_a] && sides_[side_b];
+    for (std::size_t side : {0U, 1U}) {
+        form.side_file[side].set_enabled(free);
+        form.side_point[side].set_enabled(free);
+        form.side_controller[side].set_enabled(free);
+    }
+    form.compare_stop.set_enabled(!free);
+    form.compare_swap.set_enabled(free && both);
+    form.compare_copy.set_enabled(both);
+    form.compare_csv.set_enabled(both);
+    form.compare_page.set_enabled(both);
+    form.compare_send.set_enabled(free && both && !ticked_.empty());
+    form.compare_send.set_text(ticked_.empty() ? "&Send ticked of B..."
+                                               : "&Send " + std::to_string(ticked_.size()) + " of B...");
+}
+
+void CompareWindow::save(const std::string& title, const std::string& extension, const std::string& filter,
+                         const std::string& text) {
+    const std::string path = use_.ports.dialogs.save_file(
+        {.title = title, .default_extension = extension, .filter = filter, .initial_name = "differences." + extension});
+    if (!path.empty()) {
+        const std::string why = platform::replace_file(use_.ports.folder / path_of(path), text);
+        say(why.empty() ? std::to_string(shown_.size()) + " lines are in " + file_name(path)
+                        : path + " could not be written: " + why + ". Choose another folder or name");
+    }
+}
+
+// Against what the controller holds: the side that was just read from it, or a reading now.
+void CompareWindow::send() {
+    Side wanted{.name = sides_[side_b]->name, .values = {}, .identity = {}, .failure = {}};
+    for (const std::size_t i : ticked_) {
+        wanted.values.put(all_[i].key, {.raw = *all_[i].b_raw});
+    }
+    const std::string title = "Send " + calibration::counted(ticked_.size(), "value") + " of " + wanted.name;
+    if (!copies_[side_a]) {
+        use_.changes.show_differences_to(wanted, title);
+        return;
+    }
+    use_.changes.show({.title = title,
+                       .from = title,
+                       .identity = copies_[side_a]->identity,
+                       .now_scales = copies_[side_a]->values.scales(),
+                       .wanted_scales = sides_[side_b]->values.scales(),
+                       .lines = changes_to(wanted.values, copies_[side_a]->values),
+                       .when_empty = {}});
+}
+
+} // namespace ecu::history
