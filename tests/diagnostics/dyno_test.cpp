@@ -64,7 +64,7 @@ protected:
     }
 };
 
-TEST_F(DynoTest, Run_is_armed_recorded_row_by_row_and_becomes_the_first_reference) {
+TEST_F(DynoTest, RunIsArmedRecordedRowByRowAndBecomesTheFirstReference) {
     EXPECT_FALSE(form.dyno_save.enabled() || form.dyno_ref_file.enabled() || form.dyno_cancel.enabled());
     form.dyno_sample_rate.set_text("50");
     const double start = desktop.seconds();
@@ -113,7 +113,7 @@ TEST_F(DynoTest, Run_is_armed_recorded_row_by_row_and_becomes_the_first_referenc
     EXPECT_EQ(desktop.read_file("dyno_temp.csv"), written);
 }
 
-TEST(DynoFile, Row_has_its_seventeen_fields_by_their_masks) {
+TEST(DynoFile, RowHasItsSeventeenFieldsByTheirMasks) {
     messages::EcuLiveData live;
     live.manifold_kpa = 98.25F;
     live.engine_rpm = 1; // the smoothed one has no place here
@@ -135,7 +135,7 @@ TEST(DynoFile, Row_has_its_seventeen_fields_by_their_masks) {
     EXPECT_EQ(dyno_row(live, 1005), "1.005,98.3,4512.00,0.88,101.3,-7,21,12.346,12,0.5,7,0.,0,0.99,0.90,55.6,4\r\n");
 }
 
-TEST_F(DynoTest, Curves_stand_where_the_rates_of_rise_put_them) {
+TEST_F(DynoTest, CurvesStandWhereTheRatesOfRisePutThem) {
     desktop.write_file("ref_dyno_temp.csv", run_file({{"0.000", "2500"}, {"1.000", "3600"}, {"2.000", "5500"}}));
     desktop.write_file("dyno_temp.csv", run_file({{"0.000", "2500"},
                                                   {"1.000", "3300"},
@@ -171,7 +171,7 @@ TEST_F(DynoTest, Curves_stand_where_the_rates_of_rise_put_them) {
     EXPECT_EQ(form.dyno_plot_screen.strokes().size(), 4U * (5 + 3));
 }
 
-TEST_F(DynoTest, Missing_reference_leaves_the_area_uncleared_at_its_own_scale_and_nothing_leaves_it_as_it_was) {
+TEST_F(DynoTest, MissingReferenceLeavesTheAreaUnclearedAtItsOwnScaleAndNothingLeavesItAsItWas) {
     form.dyno_plot_screen.line(1, 2, 3, 4, palette[1]);
     form.dyno_plot.press();
     EXPECT_EQ(form.dyno_plot_screen.strokes().size(), 1U);
@@ -183,7 +183,7 @@ TEST_F(DynoTest, Missing_reference_leaves_the_area_uncleared_at_its_own_scale_an
 
 // A point exactly on the upper edge counts as none before the next, whose rise is lost. With a scale of 1000 that takes
 // a rise of 1000 rpm/s.
-TEST_F(DynoTest, Point_on_the_upper_edge_takes_the_rise_from_the_next) {
+TEST_F(DynoTest, PointOnTheUpperEdgeTakesTheRiseFromTheNext) {
     const std::vector<DynoSample> samples{{0, 2500}, {1, 3500}, {2, 4400}, {3, 5400}};
     const DynoCurves curves = dyno_curves(samples, {2500, 8000}, 1000, 1000, 500);
     EXPECT_EQ(curves.points[1].torque_y, 0);
@@ -191,7 +191,7 @@ TEST_F(DynoTest, Point_on_the_upper_edge_takes_the_rise_from_the_next) {
     EXPECT_EQ(curves.points[3].torque, 1000);
 }
 
-TEST_F(DynoTest, Bad_limit_arms_nothing_and_keeps_the_last_run) {
+TEST_F(DynoTest, BadLimitArmsNothingAndKeepsTheLastRun) {
     desktop.write_file("dyno_temp.csv", "kept");
     for (const char* text : {"70000", "-1", "abc", "", "65535.6", "1e99"}) {
         form.dyno_trig_rpm[1].set_text(text);
@@ -206,7 +206,7 @@ TEST_F(DynoTest, Bad_limit_arms_nothing_and_keeps_the_last_run) {
     EXPECT_EQ(dyno_messages().at(1), (Bytes{3, 1, 0xC4, 0x09}));
 }
 
-TEST_F(DynoTest, Cancel_disarms_between_two_waits_and_leaves_the_file_open) {
+TEST_F(DynoTest, CancelDisarmsBetweenTwoWaitsAndLeavesTheFileOpen) {
     form.dyno_arm.press();
     sent.clear();
     const double start = desktop.seconds();
@@ -220,7 +220,7 @@ TEST_F(DynoTest, Cancel_disarms_between_two_waits_and_leaves_the_file_open) {
     EXPECT_EQ(rows_of("dyno_temp.csv"), 0U);
 }
 
-TEST_F(DynoTest, Cancel_or_leaving_inside_the_waits_of_Arm_has_the_last_word) {
+TEST_F(DynoTest, CancelOrLeavingInsideTheWaitsOfArmHasTheLastWord) {
     desktop.schedule(desktop.now() + 100'000, [this] { form.dyno_cancel.press(); });
     form.dyno_arm.press();
     EXPECT_THAT(dyno_messages(), ElementsAre(Bytes{4, 0, 0, 0}));
@@ -233,7 +233,7 @@ TEST_F(DynoTest, Cancel_or_leaving_inside_the_waits_of_Arm_has_the_last_word) {
     EXPECT_FALSE(console.state.polling_paused);
 }
 
-TEST_F(DynoTest, Controller_that_does_not_answer_is_not_taken_for_armed) {
+TEST_F(DynoTest, ControllerThatDoesNotAnswerIsNotTakenForArmed) {
     wired.silence();
     press_in_dialog(2);
     form.dyno_arm.press();
@@ -245,7 +245,7 @@ TEST_F(DynoTest, Controller_that_does_not_answer_is_not_taken_for_armed) {
     EXPECT_FALSE(form.dyno_save.enabled());
 }
 
-TEST_F(DynoTest, Run_that_ends_behind_another_view_is_finished_on_return) {
+TEST_F(DynoTest, RunThatEndsBehindAnotherViewIsFinishedOnReturn) {
     form.dyno_arm.press();
     ASSERT_TRUE(run_until_state("Running"));
     form.Command3d2.press();
@@ -261,7 +261,7 @@ TEST_F(DynoTest, Run_that_ends_behind_another_view_is_finished_on_return) {
     EXPECT_EQ(desktop.read_file("ref_dyno_temp.csv"), written);
 }
 
-TEST_F(DynoTest, Spoiled_limits_and_broken_files_do_not_stop_the_finish) {
+TEST_F(DynoTest, SpoiledLimitsAndBrokenFilesDoNotStopTheFinish) {
     const std::string broken =
         run_file({{"0.000", "2500"}}) + "1,2\r\nx,0,y,,,,,,,,,,,,,,\r\n,,,,,,,,,,,,,,,,\r\n\xFF\r\n";
     desktop.write_file("ref_dyno_temp.csv", broken);
@@ -281,7 +281,7 @@ TEST_F(DynoTest, Spoiled_limits_and_broken_files_do_not_stop_the_finish) {
     EXPECT_THAT(form.dyno_peaks.text(), HasSubstr("nothing to draw"));
 }
 
-TEST_F(DynoTest, Save_trims_its_boxes_overwrites_and_counts_up) {
+TEST_F(DynoTest, SaveTrimsItsBoxesOverwritesAndCountsUp) {
     arm_and_finish();
     const std::string run = desktop.read_file("dyno_temp.csv");
     desktop.write_file("my car_009.csv", "older");
@@ -310,7 +310,7 @@ TEST_F(DynoTest, Save_trims_its_boxes_overwrites_and_counts_up) {
     EXPECT_EQ(desktop.read_file("ref_dyno_temp.csv"), run);
 }
 
-TEST_F(DynoTest, File_that_cannot_be_opened_arms_nothing_and_one_that_goes_stops_the_record) {
+TEST_F(DynoTest, FileThatCannotBeOpenedArmsNothingAndOneThatGoesStopsTheRecord) {
     std::filesystem::create_directory(desktop.folder() / "dyno_temp.csv");
     desktop.expect_box("dyno_temp.csv in the folder " + desktop.folder().string());
     form.dyno_arm.press();

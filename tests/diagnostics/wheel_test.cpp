@@ -25,7 +25,7 @@ protected:
     const Bytes one_capture{'A', 248, 248, 248, 248, 248, 248, 248, 248};
 };
 
-TEST_F(Diagnostics, Window_polls_nothing_but_the_live_block_on_the_dyno_tab_and_leaves_at_ten_milliseconds) {
+TEST_F(Diagnostics, WindowPollsNothingButTheLiveBlockOnTheDynoTabAndLeavesAtTenMilliseconds) {
     EXPECT_EQ(form.form.caption(), "Diagnostics ->COM3");
     EXPECT_EQ(form.dyno_sample_rate.text(), "250");
     desktop.run_for(1);
@@ -44,7 +44,7 @@ TEST_F(Diagnostics, Window_polls_nothing_but_the_live_block_on_the_dyno_tab_and_
     EXPECT_TRUE(console.forms.frm_ecu.form.visible());
 }
 
-TEST_F(Diagnostics, Tests_are_unlocked_by_either_button_after_the_warning_and_locked_again_at_each_opening) {
+TEST_F(Diagnostics, TestsAreUnlockedByEitherButtonAfterTheWarningAndLockedAgainAtEachOpening) {
     EXPECT_FALSE(form.Command1.enabled() || form.Command2.enabled());
     unlock();
     EXPECT_TRUE(form.Command1.enabled() && form.Command2.enabled());
@@ -56,7 +56,7 @@ TEST_F(Diagnostics, Tests_are_unlocked_by_either_button_after_the_warning_and_lo
     EXPECT_TRUE(form.Command3[0].enabled() && form.Command3[1].enabled());
 }
 
-TEST_F(Diagnostics, Press_fires_the_ticked_channels_once_and_none_with_mask_zero) {
+TEST_F(Diagnostics, PressFiresTheTickedChannelsOnceAndNoneWithMaskZero) {
     unlock();
     form.inj_chan_test[0].click();
     form.inj_chan_test[7].click();
@@ -70,7 +70,7 @@ TEST_F(Diagnostics, Press_fires_the_ticked_channels_once_and_none_with_mask_zero
     EXPECT_EQ(wired.controller.firmware().fired_injectors(), 129);
 }
 
-TEST_F(Diagnostics, Press_inside_another_message_waits_for_its_end_and_goes_out_once) {
+TEST_F(Diagnostics, PressInsideAnotherMessageWaitsForItsEndAndGoesOutOnce) {
     unlock();
     form.inj_chan_test[1].click();
     bool leaves = false;
@@ -89,13 +89,28 @@ TEST_F(Diagnostics, Press_inside_another_message_waits_for_its_end_and_goes_out_
     form.arm_capture.press();
     EXPECT_THAT(sent, ElementsAre(Bytes{247, '0', '0', '0'}, Bytes{1, 2, 0, 0}));
     sent.clear();
-    leaves = true; // and what still waits as the window closes does not fire behind it
+    leaves = true; // and what still waits as the window closes does not go out behind it
     form.arm_capture.press();
     desktop.run_for(0.1);
     EXPECT_EQ(codes(), Bytes{247});
+    open();
+    unlock();
+    wired.controller.on_request = [&](const link::Request& request) {
+        sent.emplace_back(request.begin() + 2, request.begin() + 6);
+        desktop.post([&] {
+            form.arm_capture.press();
+            form.dyno_arm.press();
+            form.Command3d2.press();
+        });
+    };
+    desktop.write_file("dyno_temp.csv", "the last run");
+    form.Command1.press();
+    desktop.run_for(1);
+    EXPECT_EQ(codes(), Bytes{1});
+    EXPECT_EQ(desktop.read_file("dyno_temp.csv"), "the last run");
 }
 
-TEST_F(Diagnostics, Get_Plot_reads_without_arming_and_draws_every_tooth) {
+TEST_F(Diagnostics, GetPlotReadsWithoutArmingAndDrawsEveryTooth) {
     form.arm_capture.press();
     sent.clear();
     form.wheel_speed_plot.resize(1190, 400);
@@ -115,7 +130,7 @@ TEST_F(Diagnostics, Get_Plot_reads_without_arming_and_draws_every_tooth) {
     EXPECT_THAT(form.wheel_summary.text(), HasSubstr("3 of 120 periods lie beyond 50 % of the mean: tooth 28, 63, 98"));
 }
 
-TEST_F(Diagnostics, Trace_keeps_its_band_to_the_very_edge_and_no_signal_to_the_middle) {
+TEST_F(Diagnostics, TraceKeepsItsBandToTheVeryEdgeAndNoSignalToTheMiddle) {
     messages::WheelSamples samples;
     std::fill_n(samples.periods.begin(), 120, 100.0F);
     samples.periods[1] = 150;
@@ -144,7 +159,7 @@ TEST_F(Diagnostics, Trace_keeps_its_band_to_the_very_edge_and_no_signal_to_the_m
     }
 }
 
-TEST_F(Diagnostics, Lost_block_leaves_its_older_samples_and_says_so) {
+TEST_F(Diagnostics, LostBlockLeavesItsOlderSamplesAndSaysSo) {
     form.arm_capture.press();
     form.get_wheel_plot_data.press();
     const auto before = console.reply_decoders.wheel_samples().periods;
@@ -166,7 +181,7 @@ TEST_F(Diagnostics, Lost_block_leaves_its_older_samples_and_says_so) {
     EXPECT_NE(before[30], after[30]);
 }
 
-TEST_F(Diagnostics, Hover_and_arrows_tell_tooth_and_period) {
+TEST_F(Diagnostics, HoverAndArrowsTellToothAndPeriod) {
     form.wheel_speed_plot.pointed_at(10, 10);
     EXPECT_EQ(form.wheel_reading.text(), ""); // nothing drawn yet
     form.arm_capture.press();
@@ -190,7 +205,7 @@ TEST_F(Diagnostics, Hover_and_arrows_tell_tooth_and_period) {
     EXPECT_EQ(form.wheel_speed_plot.marker(), 595);
 }
 
-TEST_F(Diagnostics, Every_way_out_ends_the_continuous_capture_with_its_cycle) {
+TEST_F(Diagnostics, EveryWayOutEndsTheContinuousCaptureWithItsCycle) {
     const std::vector<std::function<void()>> ways{
         [this] { form.wheel_diag_halt.press(); }, [this] { form.Command3d2.press(); },
         [this] { form.menufileexit.click(); }, [this] { form.form.close_requested(); },
@@ -225,7 +240,7 @@ TEST_F(Diagnostics, Every_way_out_ends_the_continuous_capture_with_its_cycle) {
     }
 }
 
-TEST_F(Diagnostics, Halt_works_after_Abort_and_in_demo_mode_without_using_all_of_the_processor) {
+TEST_F(Diagnostics, HaltWorksAfterAbortAndInDemoModeWithoutUsingAllOfTheProcessor) {
     for (const std::size_t button : {2U, 1U}) {
         wired.silence();
         press_in_dialog(button);

@@ -122,7 +122,7 @@ protected:
     std::function<void()> on_bytes;
 };
 
-TEST_F(FlashTest, Utility_is_offered_by_the_monitors_reply_alone_and_asks_on_a_port_of_its_own) {
+TEST_F(FlashTest, UtilityIsOfferedByTheMonitorsReplyAloneAndAsksOnAPortOfItsOwn) {
     EXPECT_FALSE(console.forms.frm_ecu.menu_tool_flash_utility.enabled());
     desktop.answer_box("Do you really want to stop", Answer::cancel);
     console.forms.frm_ecu.menu_tool_reflash.click();
@@ -143,7 +143,7 @@ TEST_F(FlashTest, Utility_is_offered_by_the_monitors_reply_alone_and_asks_on_a_p
     EXPECT_EQ(line_, "q") << "nothing is asked of a controller without firmware";
 }
 
-TEST_F(FlashTest, Whole_image_goes_over_without_line_ends_and_the_controller_comes_back_with_it) {
+TEST_F(FlashTest, WholeImageGoesOverWithoutLineEndsAndTheControllerComesBackWithIt) {
     open_utility();
     const auto lines = image(2640); // 200 KB
     const double start = desktop.seconds();
@@ -173,7 +173,7 @@ TEST_F(FlashTest, Whole_image_goes_over_without_line_ends_and_the_controller_com
     EXPECT_EQ(desktop.line().baud(), 38400);
 }
 
-TEST_F(FlashTest, Delays_send_each_character_and_a_line_end_behind_each_line_but_the_first) {
+TEST_F(FlashTest, DelaysSendEachCharacterAndALineEndBehindEachLineButTheFirst) {
     open_utility();
     form.char_delay_box.click();
     form.line_delay_box.click();
@@ -187,7 +187,7 @@ TEST_F(FlashTest, Delays_send_each_character_and_a_line_end_behind_each_line_but
     expect_idle();
 }
 
-TEST_F(FlashTest, Lines_are_taken_as_they_are) {
+TEST_F(FlashTest, LinesAreTakenAsTheyAre) {
     open_utility();
     wired.silence();
     const auto run = [this](const std::string& content) {
@@ -205,7 +205,7 @@ TEST_F(FlashTest, Lines_are_taken_as_they_are) {
     EXPECT_EQ(form.lines_sent.text(), "2");
 }
 
-TEST_F(FlashTest, Delays_are_read_anew_each_time) {
+TEST_F(FlashTest, DelaysAreReadAnewEachTime) {
     open_utility();
     form.line_delay_box.click();
     form.line_dly.set_text("5");
@@ -215,7 +215,7 @@ TEST_F(FlashTest, Delays_are_read_anew_each_time) {
     EXPECT_NEAR(desktop.seconds() - start, 0.25 + 10 + 100 * 84 / 1920.0, 1);
 }
 
-TEST_F(FlashTest, Halt_ends_the_run_with_the_message_of_an_error_and_the_next_one_is_whole) {
+TEST_F(FlashTest, HaltEndsTheRunWithTheMessageOfAnErrorAndTheNextOneIsWhole) {
     open_utility();
     const auto lines = image(300);
     in(2, [this] { form.Command2.press(); });
@@ -241,7 +241,7 @@ protected:
           }()) {}
 };
 
-TEST_F(FlashErrorTest, Error_at_a_line_stops_the_run_behind_it_and_is_forgotten_by_the_next) {
+TEST_F(FlashErrorTest, ErrorAtALineStopsTheRunBehindItAndIsForgottenByTheNext) {
     open_utility();
     const auto lines = image(300);
     desktop.expect_box(failed);
@@ -258,26 +258,37 @@ TEST_F(FlashErrorTest, Error_at_a_line_stops_the_run_behind_it_and_is_forgotten_
     expect_port_free_after_leaving();
 }
 
-TEST_F(FlashTest, Pulled_cable_ends_the_run_even_when_it_is_back_at_once) {
+TEST_F(FlashTest, PulledCableEndsTheRunEvenWhenItIsBackAtOnce) {
     open_utility();
     const auto lines = image(300);
-    in(2, [this] {
-        desktop.line().unplug();
-        desktop.line().plug_in();
-    });
-    desktop.expect_box(failed);
-    flash(joined(lines, "\r\n"));
-    EXPECT_THAT(desktop.boxes().back().details, StartsWith("The device of the serial port is gone."));
-    EXPECT_LT(line_.size(), 5000U);
-    EXPECT_FALSE(desktop.line().is_open());
-    expect_idle();
+    enum class Ways { back, opened_again, between_characters };
+    for (const Ways way : {Ways::back, Ways::opened_again, Ways::between_characters}) {
+        form.char_delay_box.set_checked(way == Ways::between_characters);
+        form.char_dly.set_text("0.5");
+        const double start = desktop.seconds();
+        in(2, [this, way] {
+            desktop.line().unplug();
+            desktop.line().plug_in();
+            if (way == Ways::opened_again) { // as a write does it
+                desktop.line().reopen_lost();
+            }
+        });
+        desktop.expect_box(failed);
+        flash(joined(lines, "\r\n"));
+        EXPECT_THAT(desktop.boxes().back().details, StartsWith("The device of the serial port is gone."));
+        EXPECT_LT(desktop.seconds() - start, 3) << "at once, not at the end of its line";
+        EXPECT_LT(line_.size(), 5000U);
+        EXPECT_FALSE(desktop.line().is_open());
+        expect_idle();
+    }
+    form.char_delay_box.set_checked(false);
     flash(joined(lines, "\r\n"));
     desktop.run_for(0.3);
     EXPECT_EQ(line_, "q" + joined(lines, ""));
     expect_port_free_after_leaving();
 }
 
-TEST_F(FlashTest, Stalled_line_loses_nothing_and_can_still_be_halted) {
+TEST_F(FlashTest, StalledLineLosesNothingAndCanStillBeHalted) {
     open_utility();
     const auto lines = image(100);
     in(1, [this] { desktop.line().stall(); });
@@ -295,7 +306,7 @@ TEST_F(FlashTest, Stalled_line_loses_nothing_and_can_still_be_halted) {
     EXPECT_EQ(line_, "q" + joined(lines, ""));
 }
 
-TEST_F(FlashTest, Only_a_B_behind_the_question_and_in_its_time_counts) {
+TEST_F(FlashTest, OnlyABBehindTheQuestionAndInItsTimeCounts) {
     open_utility();
     wired.silence();
     const char* not_ready = "The controller doesnt appear to be ready to reflash, prepare it from the System Console "
@@ -313,11 +324,24 @@ TEST_F(FlashTest, Only_a_B_behind_the_question_and_in_its_time_counts) {
     try_with("", 0, false);
     try_with("xBx", 0.23, true);
     try_with("B", 0.4, false);
+    desktop.run_for(0.37);
+    try_with("B", 0.2495, true); // behind the last reading of the terminal
     EXPECT_TRUE(desktop.line().is_open()) << "kept after not ready";
-    EXPECT_EQ(line_, "qqq");
+    EXPECT_EQ(line_, "qqqq");
 }
 
-TEST_F(FlashTest, Error_from_before_the_run_is_forgotten) {
+TEST_F(FlashTest, SecondPressOrLeavingInsideTheQuestionAsksNothingMore) {
+    open_utility();
+    desktop.expect_box(other_applications);
+    in(0.1, [this] { form.Command1.press(); });
+    in(0.2, [this] { form.exit_flash.press(); });
+    form.Command1.press();
+    EXPECT_EQ(line_, "q");
+    EXPECT_THAT(desktop.file_dialogs(), testing::IsEmpty());
+    EXPECT_FALSE(form.form.visible() || desktop.line().is_open());
+}
+
+TEST_F(FlashTest, ErrorFromBeforeTheRunIsForgotten) {
     open_utility();
     say("E");
     desktop.run_for(0.3);
@@ -329,7 +353,7 @@ TEST_F(FlashTest, Error_from_before_the_run_is_forgotten) {
     EXPECT_EQ(form.lines_sent.text(), "4");
 }
 
-TEST_F(FlashTest, Cancels_unusable_files_and_ports_send_nothing_and_are_told) {
+TEST_F(FlashTest, CancelsUnusableFilesAndPortsSendNothingAndAreTold) {
     open_utility();
     desktop.answer_box(other_applications, Answer::cancel);
     form.Command1.press();
@@ -359,7 +383,7 @@ TEST_F(FlashTest, Cancels_unusable_files_and_ports_send_nothing_and_are_told) {
     EXPECT_TRUE(desktop.line().is_open());
 }
 
-TEST_F(FlashTest, Closing_the_window_during_a_run_asks_first) {
+TEST_F(FlashTest, ClosingTheWindowDuringARunAsksFirst) {
     open_utility();
     in(1, [this] {
         desktop.answer_box("The controller is being flashed.", Answer::no);
@@ -378,7 +402,7 @@ TEST_F(FlashTest, Closing_the_window_during_a_run_asks_first) {
     EXPECT_TRUE(console.forms.frm_ecu.form.visible());
 }
 
-TEST(Terminal, Wraps_behind_forty_characters_that_count_and_bears_any_byte) {
+TEST(Terminal, WrapsBehindFortyCharactersThatCountAndBearsAnyByte) {
     Terminal terminal;
     const auto receive = [&terminal](std::string_view text) {
         for (const char c : text) {
