@@ -72,7 +72,7 @@ int main(int argc, char** argv) {
     std::printf("start to shown main window           %.2f s  (at most 0.4)\n", process_age());
 
     const ecu::bench::ControllerProcess controller(program, {"--pace", "38400", "--engine", "cycle"});
-    desktop.console().forms.frm_ecu.Command3d4.press();
+    desktop.console().forms.frm_ecu.monitor_button.press();
     desktop.ports().wait_seconds(2);
     const double before = processor_seconds();
     const auto start = std::chrono::steady_clock::now();

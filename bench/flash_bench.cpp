@@ -143,7 +143,7 @@ int main(int argc, char** argv) {
     console.forms.frm_ecu.menu_tool_flash_utility.click();
     console.ports.wait_seconds(0.5F);
     ecu::flash::FrmSflash& form = console.forms.sflash;
-    form.Command1.press();
+    form.flash_button.press();
     // The terminal wraps what the monitor says, so only the last word's end is looked for.
     ecu::platform::wait_until(waiting, clock, 5, [&] {
         std::string said = form.terminal.text();

@@ -167,17 +167,17 @@ int main(int argc, char** argv) {
     ecu::console::Forms& forms = console.forms;
     const double outputs = opening_read_ratio({.name = "outputs' window",
                                                .opens = forms.frm_ecu.menu_View_supp,
-                                               .closes = forms.frm_sup.Command3d1,
+                                               .closes = forms.frm_sup.exit_button,
                                                .status = forms.frm_sup.map_status,
                                                .wire_bytes = output_bytes});
     const double additional = opening_read_ratio({.name = "additional map window",
                                                   .opens = forms.frm_ecu.menu_view_temperature,
-                                                  .closes = forms.frm_2d.Command3d1,
+                                                  .closes = forms.frm_2d.exit_button,
                                                   .status = forms.frm_2d.map_status,
                                                   .wire_bytes = additional_bytes});
     const double maps = opening_read_ratio({.name = "map window",
                                             .opens = forms.frm_ecu.menu_View_Mapping,
-                                            .closes = forms.frm_3d.Command3d1,
+                                            .closes = forms.frm_3d.exit_button,
                                             .status = forms.frm_3d.map_status,
                                             .wire_bytes = map_bytes});
     forms.frm_ecu.menu_View_Mapping.click();

@@ -66,7 +66,7 @@ int main(int argc, char** argv) {
         box.set_checked(true);
     }
     form.menu_log_int[fastest].click();
-    form.Command3d2.press();
+    form.start_log_button.press();
     run_for(2);
 
     std::array<double, 2> rows{};
@@ -82,7 +82,7 @@ int main(int argc, char** argv) {
         spent[drawing] += static_cast<double>(clock.nsecsElapsed()) * 1e-9;
         rows[drawing] += console.plotter.log_sample_count() - before;
     }
-    form.Command3d3.press();
+    form.stop_log_button.press();
 
     const double with = rows[true] / spent[true];
     const double without = rows[false] / spent[false];

@@ -140,7 +140,7 @@ Autotune::Autotune(const platform::Ports& ports, link::SharedState& state, FrmAu
         autotune_reset();
     };
     form_.form.on_close = [this] { leave(); };
-    form_.Command3d1.clicked = [this] { leave(); };
+    form_.exit_button.clicked = [this] { leave(); };
     form_.apply_to_maps.clicked = [this] { apply_to_maps(); };
     form_.reset_autotune_params.clicked = [this] { autotune_reset(); };
     form_.menu_load_logfile.clicked = [this] { load_logfile(); };

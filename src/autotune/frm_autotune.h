@@ -32,7 +32,7 @@ struct FrmAutotune {
 
     platform::Button apply_to_maps{form, "apply_to_maps", "Apply to maps"};
     platform::Button reset_autotune_params{form, "reset_autotune_params", "Reset Autotune"};
-    platform::Button Command3d1{form, "Command3d1", "Exit"};
+    platform::Button exit_button{form, "Command3d1", "Exit"};
 
     FrmAutotune() {
         constexpr std::string_view gain_tip =
@@ -41,7 +41,7 @@ struct FrmAutotune {
             "fuel.";
         autotune_inj_factors.set_tool_tip(gain_tip);
         autotune_tps_factors.set_tool_tip(gain_tip);
-        Command3d1.set_tool_tip("Click to exit back to the console");
+        exit_button.set_tool_tip("Click to exit back to the console");
     }
 };
 

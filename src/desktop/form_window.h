@@ -12,7 +12,7 @@
 //         Panel options = window->frame(f.Frame1);                     // a Frame control as a panel
 //         options.column(each(f.mode));                                // option buttons downwards
 //         window->set_body(window->across({engine, options}));         // or down({...}), nested as needed
-//         window->set_footer(window->buttons({&f.Command3d2, &f.Command3d1}));
+//         window->set_footer(window->buttons({&f.update_button, &f.exit_button}));
 //         window->demo_badge(f.show_demo_mode);
 //         return window;
 //     }

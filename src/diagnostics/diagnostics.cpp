@@ -17,7 +17,7 @@ Diagnostics::Diagnostics(const Use& use)
     form.form.on_load = [this] { load(); };
     form.form.on_activate = [this] { activate(); };
     form.form.on_unload = [this] { leave(); };
-    form.Command3d2.clicked = form.menufileexit.clicked = [this] { use_.form.form.unload(); };
+    form.exit_button.clicked = form.menufileexit.clicked = [this] { use_.form.form.unload(); };
 }
 
 void Diagnostics::load() {
@@ -35,7 +35,6 @@ void Diagnostics::activate() {
 void Diagnostics::leave() {
     crank_wheel_.halt();
     use_.form.diagnostics_open = false;
-    driver_tests_.lock();
     use_.timer1.set_interval_ms(timer1_after_ms);
     use_.navigation.view_closed(use_.form.form);
 }

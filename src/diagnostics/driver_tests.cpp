@@ -24,13 +24,13 @@ std::string fired_text(std::string_view drivers, std::string_view channels, link
 
 DriverTests::DriverTests(const platform::Ports& ports, link::EcuComm& comm, WhenFree& when_free, FrmDiagnostics& form)
     : ports_(ports), comm_(comm), when_free_(when_free), form_(form) {
-    for (platform::Button& button : form_.Command3) {
+    for (platform::Button& button : form_.unlock_button) {
         button.clicked = [this] { unlock(); };
     }
-    form_.Command1.clicked = [this] {
+    form_.test_injectors_button.clicked = [this] {
         fire({form_.inj_chan_test, messages::fire_injectors, "injector", form_.test_result[0]});
     };
-    form_.Command2.clicked = [this] {
+    form_.test_ignition_button.clicked = [this] {
         fire({form_.ign_chan_test, messages::fire_ignition, "ignition", form_.test_result[1]});
     };
 }
@@ -43,9 +43,9 @@ void DriverTests::lock() {
 }
 
 void DriverTests::set_unlocked(bool unlocked) {
-    form_.Command1.set_enabled(unlocked);
-    form_.Command2.set_enabled(unlocked);
-    for (platform::Button& button : form_.Command3) {
+    form_.test_injectors_button.set_enabled(unlocked);
+    form_.test_ignition_button.set_enabled(unlocked);
+    for (platform::Button& button : form_.unlock_button) {
         button.set_enabled(!unlocked);
     }
 }

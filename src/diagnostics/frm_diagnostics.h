@@ -30,15 +30,15 @@ struct FrmDiagnostics {
     platform::MenuItem menu_plot{form, "menu_plot", "&Plotter"};
 
     platform::Tabs diags_tab{form, "diags_tab"};
-    platform::Button Command3d2{form, "Command3d2", "Exit"};
+    platform::Button exit_button{form, "Command3d2", "Exit"};
     platform::Label show_demo_mode{form, "show_demo_mode", "DEMO MODE!"};
 
     // Driver tests: element 0 and the injector boxes on one panel, element 1 and the ignition boxes on the other
-    Buttons<2> Command3{form, "Command3", "Click this button to enable driver diagnostics!"};
+    Buttons<2> unlock_button{form, "Command3", "Click this button to enable driver diagnostics!"};
     Channels inj_chan_test{form, "inj_chan_test", channel_captions};
     Channels ign_chan_test{form, "ign_chan_test", channel_captions};
-    platform::Button Command1{form, "Command1", "Test"};
-    platform::Button Command2{form, "Command2", "Test"};
+    platform::Button test_injectors_button{form, "Command1", "Test"};
+    platform::Button test_ignition_button{form, "Command2", "Test"};
     platform::ControlArray<platform::Label, 2> test_result{form, "test_result"}; // what the last press has done
 
     // Crank wheel
@@ -76,17 +76,17 @@ struct FrmDiagnostics {
 
     FrmDiagnostics() {
         show_demo_mode.set_visible(false);
-        Command1.set_enabled(false);
-        Command2.set_enabled(false);
+        test_injectors_button.set_enabled(false);
+        test_ignition_button.set_enabled(false);
         wheel_diag_halt.set_enabled(false);
         dyno_cancel.set_enabled(false);
         dyno_save.set_enabled(false);
         dyno_ref_file.set_enabled(false);
-        for (platform::Button& unlock : Command3) {
+        for (platform::Button& unlock : unlock_button) {
             unlock.set_tool_tip("Click once the engine stands still; both panels are unlocked until the window closes");
         }
-        Command1.set_tool_tip("Click to fire the ticked injector channels once");
-        Command2.set_tool_tip("Click to fire the ticked ignition channels once");
+        test_injectors_button.set_tool_tip("Click to fire the ticked injector channels once");
+        test_ignition_button.set_tool_tip("Click to fire the ticked ignition channels once");
         arm_capture.set_tool_tip("Click to let the controller capture one revolution of the crank wheel");
         get_wheel_plot_data.set_tool_tip("Click to read the last capture and draw it");
         wheel_diag_continuous.set_tool_tip("Click to capture and draw again and again");
@@ -107,7 +107,7 @@ struct FrmDiagnostics {
         for (platform::Button* save : {&wheel_save_picture, &dyno_save_picture}) {
             save->set_tool_tip("Click to save the drawing with its axes as a picture");
         }
-        Command3d2.set_tool_tip("Click to exit back to the console");
+        exit_button.set_tool_tip("Click to exit back to the console");
     }
 };
 

@@ -3,8 +3,8 @@
 // rows, their order and what it draws; a use in full:
 //
 //     editor_(ports, state, comm, scales, navigation,
-//             {.form = form.form, .title = "Additional Mapping", .update_button = form.Command3d2,
-//              .exit_button = form.Command3d1, .status = form.map_status,
+//             {.form = form.form, .title = "Additional Mapping", .update_button = form.update_button,
+//              .exit_button = form.exit_button, .status = form.map_status,
 //              .update_waits = {0.2F, 0.2F},
 //              .prepare = [this] { label_axes(); },
 //              .read = [this] { return editor_.ask(read_request('C')) && editor_.read_table(table("CLTM"), read_9) &&

@@ -9,7 +9,7 @@ FlashCheck::FlashCheck(const Use& use) : use_(use) {
 }
 
 void FlashCheck::choose() {
-    if (use_.flash.Command2.enabled()) {
+    if (use_.flash.halt_button.enabled()) {
         return; // a run is going, which nothing may hold up
     }
     const std::string name = use_.ports.dialogs.open_file({.title = "Check a record file",

@@ -40,9 +40,9 @@ FlashUtility::FlashUtility(const platform::Ports& ports, link::SharedState& stat
     form_.form.on_activate = [this] { opened(); };
     form_.form.on_close = [this] { close_requested(); };
     form_.exit_flash.clicked = [this] { leave(); };
-    form_.Command1.clicked = [this] { flash_program(); };
-    form_.Command2.clicked = [this] { flash_halt_ = true; };
-    form_.Command3.clicked = [this] { monitor_check(); };
+    form_.flash_button.clicked = [this] { flash_program(); };
+    form_.halt_button.clicked = [this] { flash_halt_ = true; };
+    form_.monitor_check_button.clicked = [this] { monitor_check(); };
 }
 
 void FlashUtility::open() {
@@ -327,9 +327,9 @@ void FlashUtility::tell_end(End end) {
 void FlashUtility::set_flashing(bool flashing) {
     flashing_ = flashing;
     form_.exit_flash.set_enabled(!flashing);
-    form_.Command3.set_enabled(!flashing);
-    form_.Command2.set_enabled(flashing);
-    form_.Command1.set_enabled(!flashing);
+    form_.monitor_check_button.set_enabled(!flashing);
+    form_.halt_button.set_enabled(flashing);
+    form_.flash_button.set_enabled(!flashing);
 }
 
 // The question stands inside the run's own handling of events, so the run stands still until it is answered.

@@ -8,9 +8,9 @@ namespace ecu::flash {
 struct FrmSflash {
     platform::Form form{"sflash", "Kerrin Flash Utility"};
 
-    platform::Button Command1{form, "Command1", "Flash Program"};
-    platform::Button Command2{form, "Command2", "Halt Flashing"};
-    platform::Button Command3{form, "Command3", "Monitor Check"};
+    platform::Button flash_button{form, "Command1", "Flash Program"};
+    platform::Button halt_button{form, "Command2", "Halt Flashing"};
+    platform::Button monitor_check_button{form, "Command3", "Monitor Check"};
     platform::Button exit_flash{form, "exit_flash", "Exit Flash Util."};
     platform::Button check_file{form, "check_file", "Check file..."};
     platform::CheckBox line_delay_box{form, "line_delay_box", "Add line dly."};
@@ -28,12 +28,12 @@ struct FrmSflash {
 
     FrmSflash() {
         terminal.multi_line = true;
-        Command2.set_enabled(false);
+        halt_button.set_enabled(false);
         flash_track.place(0, 0, 1000, 20);
         flash_bar.place(0, 0, 0, 20);
-        Command1.set_tool_tip("Click to choose a record file and send it to the controller's monitor");
-        Command2.set_tool_tip("Click to stop the run at its next line; the controller must be flashed again then");
-        Command3.set_tool_tip("Click to ask the monitor whether it is there; a B in its answer says so");
+        flash_button.set_tool_tip("Click to choose a record file and send it to the controller's monitor");
+        halt_button.set_tool_tip("Click to stop the run at its next line; the controller must be flashed again then");
+        monitor_check_button.set_tool_tip("Click to ask the monitor whether it is there; a B in its answer says so");
         check_file.set_tool_tip("Click to look through a record file before it is flashed; nothing is sent");
         exit_flash.set_tool_tip("Click to give the port back and return to the console");
         line_delay_box.set_tool_tip("Wait after each line");

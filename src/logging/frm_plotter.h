@@ -35,9 +35,9 @@ struct FrmPlotter {
     platform::Button browse{form, "browse", "Bro&wse..."};
     platform::Button save_picture{form, "save_picture", "Save &picture..."};
     platform::Label File_Samples{form, "File_Samples", "N/A"};
-    platform::Button Command3d2{form, "Command3d2", "Start Log"};
-    platform::Button Command3d3{form, "Command3d3", "Stop Log"};
-    platform::Button Command3d1{form, "Command3d1", "Exit"};
+    platform::Button start_log_button{form, "Command3d2", "Start Log"};
+    platform::Button stop_log_button{form, "Command3d3", "Stop Log"};
+    platform::Button exit_button{form, "Command3d1", "Exit"};
     platform::Label show_demo_mode{form, "show_demo_mode", "DEMO MODE!"};
 
     FrmPlotter() {
@@ -51,10 +51,10 @@ struct FrmPlotter {
         new_name.set_tool_tip("Take the next name that no file has, so that no earlier log is replaced");
         browse.set_tool_tip("Choose the file's name and location");
         save_picture.set_tool_tip("Save what the chart shows as a PNG file");
-        Command3d2.set_tool_tip("Click to begin a data log file");
-        Command3d3.set_tool_tip("Click to halt a data log file");
-        Command3d3.set_enabled(false);
-        Command3d1.set_tool_tip("Click to exit back to the console");
+        start_log_button.set_tool_tip("Click to begin a data log file");
+        stop_log_button.set_tool_tip("Click to halt a data log file");
+        stop_log_button.set_enabled(false);
+        exit_button.set_tool_tip("Click to exit back to the console");
         show_demo_mode.set_visible(false);
     }
 };

@@ -49,9 +49,9 @@ Plotter::Plotter(const platform::Ports& ports, link::SharedState& state, link::E
 void Plotter::wire() {
     form_.form.on_activate = [this] { activate(); };
     form_.form.on_unload = [this] { leave(); };
-    form_.Command3d2.clicked = [this] { start_logging(); };
-    form_.Command3d3.clicked = [this] { stop_logging(); };
-    form_.Command3d1.clicked = [this] { form_.form.unload(); };
+    form_.start_log_button.clicked = [this] { start_logging(); };
+    form_.stop_log_button.clicked = [this] { stop_logging(); };
+    form_.exit_button.clicked = [this] { form_.form.unload(); };
     form_.menufileexit.clicked = [this] { form_.form.unload(); };
     form_.plot_file.double_clicked = [this] { choose_file(); };
     form_.browse.clicked = [this] { choose_file(); };
@@ -81,8 +81,8 @@ void Plotter::activate() {
 void Plotter::take_over() {
     const link::Pause paused(state_);
     ports_.wait_seconds(0.1F);
-    form_.Command3d3.set_enabled(logging_active_);
-    form_.Command3d2.set_enabled(!logging_active_);
+    form_.stop_log_button.set_enabled(logging_active_);
+    form_.start_log_button.set_enabled(!logging_active_);
     show_interval();
     show_file_note();
     ports_.wait_seconds(0.5F);
@@ -166,8 +166,8 @@ void Plotter::set_logging(bool active) {
          std::initializer_list<platform::Control*>{&form_.plot_file, &form_.browse, &form_.new_name}) {
         control->set_enabled(!active);
     }
-    form_.Command3d2.set_enabled(!active);
-    form_.Command3d3.set_enabled(active);
+    form_.start_log_button.set_enabled(!active);
+    form_.stop_log_button.set_enabled(active);
     show_file_note();
 }
 

@@ -54,8 +54,8 @@ AdditionalMapping::AdditionalMapping(const platform::Ports& ports, link::SharedS
       editor_(ports, state, comm, scales, navigation,
               {.form = frm_2d.form,
                .title = "Additional Mapping",
-               .update_button = frm_2d.Command3d2,
-               .exit_button = frm_2d.Command3d1,
+               .update_button = frm_2d.update_button,
+               .exit_button = frm_2d.exit_button,
                .status = frm_2d.map_status,
                .update_waits = update_waits,
                .locks = false, // it would enable boxes whose function the controller does not have
@@ -83,7 +83,7 @@ AdditionalMapping::AdditionalMapping(const platform::Ports& ports, link::SharedS
                    },
                .read_again = &frm_2d.read_again}) {
     form_.menufileexit.clicked = [this] { editor_.close(); };
-    form_.menuupdate.clicked = [this] { form_.Command3d2.press(); };
+    form_.menuupdate.clicked = [this] { form_.update_button.press(); };
     form_.menureset.clicked = [this] { offer_resets(); };
     form_.read_again.clicked = [this] { editor_.read_again(); };
     form_.map_tabs.changed = [this] { draw_shown_page(); };
@@ -124,7 +124,7 @@ void AdditionalMapping::wire_target_table() {
                      return load + " kPa, " + form_.Label7[static_cast<std::size_t>(column - 1)].text() + " rpm";
                  }});
     wire_grid(form_.lambda_sp_table, {.block_table_id = surface::lambda, .step = target_step}, selection_,
-              [this] { form_.Command3d2.press(); });
+              [this] { form_.update_button.press(); });
     form_.menuresetegosetpoint.clicked = [this] { reset_target_table(); };
     form_.form.on_load = [this] {
         for (int column = 1; column <= form_.lambda_sp_table.columns(); ++column) {
@@ -147,7 +147,7 @@ void AdditionalMapping::wire_surface() {
 void AdditionalMapping::key_in_box(const CorrectionCurve& curve, std::size_t index, KeyPress& press) {
     if (press.code == key::enter) {
         press.code = 0;
-        form_.Command3d2.press();
+        form_.update_button.press();
         return;
     }
     if (curve.keys != CurveKeys::stepped) {

@@ -63,8 +63,8 @@ BasicMapping::BasicMapping(const platform::Ports& ports, link::SharedState& stat
       editor_(ports, state, comm, scales, navigation,
               {.form = frm_3d.form,
                .title = "Basic Mapping",
-               .update_button = frm_3d.Command3d2,
-               .exit_button = frm_3d.Command3d1,
+               .update_button = frm_3d.update_button,
+               .exit_button = frm_3d.exit_button,
                .status = frm_3d.map_status,
                .prepare = [this] { prepare_window(); },
                .read = [this] { return read_everything(); },
@@ -92,7 +92,7 @@ BasicMapping::BasicMapping(const platform::Ports& ports, link::SharedState& stat
                .read_again = &frm_3d.read_again,
                .reveal = [this](const platform::Control& control) { reveal(control); }}) {
     form_.menufileexit.clicked = [this] { editor_.close(); };
-    form_.menuupdate.clicked = [this] { form_.Command3d2.press(); };
+    form_.menuupdate.clicked = [this] { form_.update_button.press(); };
     form_.show_this_graph.clicked = [this] {
         show_graph(static_cast<std::size_t>(map_view_index_));
         surface_window_.raise();
@@ -122,7 +122,7 @@ void BasicMapping::wire_boxes() {
             const std::span boxes(form_.ecu_pgm.begin(), form_.ecu_pgm.end());
             if (press.code == key::enter) {
                 press.code = 0;
-                form_.Command3d2.press();
+                form_.update_button.press();
             } else if (!step_box(form_.ecu_pgm[i], box_step, press) && !move_along(boxes, i, press) &&
                        press.code == key::up && !press.shift && !press.ctrl) {
                 press.code = 0;
@@ -140,7 +140,7 @@ void BasicMapping::wire_grids() {
                          return cell_place(row, column, n < 2, scales_);
                      }});
         wire_grid(*form_.grids[n], {.block_table_id = map.id, .step = map.step}, selection_,
-                  [this] { form_.Command3d2.press(); });
+                  [this] { form_.update_button.press(); });
         form_.show_map_type[n].clicked = [this, n] { show_map(static_cast<int>(n)); };
     }
 }

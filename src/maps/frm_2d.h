@@ -45,8 +45,8 @@ struct Frm2d {
 
     platform::Tabs map_tabs{form, "map_tabs"};
     platform::Button read_again{form, "read_again", "Read again"};
-    platform::Button Command3d2{form, "Command3d2", "Update"};
-    platform::Button Command3d1{form, "Command3d1", "Exit"};
+    platform::Button update_button{form, "Command3d2", "Update"};
+    platform::Button exit_button{form, "Command3d1", "Exit"};
     platform::Label show_demo_mode{form, "show_demo_mode", "DEMO MODE!"};
     platform::Label inj_pw{form, "inj_pw"};         // ms
     platform::Label ign_deg{form, "ign_deg"};       // degrees, "A" or "B" behind
@@ -102,8 +102,8 @@ struct Frm2d {
     Frm2d() {
         show_demo_mode.set_visible(false);
         read_again.set_tool_tip("Click to read the values that the controller has not given yet");
-        Command3d2.set_tool_tip("Click to update modified entries");
-        Command3d1.set_tool_tip("Click to exit back to the console");
+        update_button.set_tool_tip("Click to update modified entries");
+        exit_button.set_tool_tip("Click to exit back to the console");
         const auto tip = [](Nine& boxes, std::string_view text) {
             for (platform::TextBox& box : boxes) {
                 box.set_tool_tip(text);

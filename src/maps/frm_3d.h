@@ -77,8 +77,8 @@ struct Frm3d {
 
     platform::Button show_this_graph{form, "show_this_graph", "Show Graph"};
     platform::Button read_again{form, "read_again", "Read again"};
-    platform::Button Command3d2{form, "Command3d2", "Update"};
-    platform::Button Command3d1{form, "Command3d1", "Exit"};
+    platform::Button update_button{form, "Command3d2", "Update"};
+    platform::Button exit_button{form, "Command3d1", "Exit"};
     platform::Label show_demo_mode{form, "show_demo_mode", "DEMO MODE!"};
     platform::Label map_status{form, "map_status"}; // progress of the opening read, then the count of pending values
 
@@ -113,8 +113,8 @@ struct Frm3d {
         rpm_end.place(axis_length, 0, 0, 0);
         show_this_graph.set_tool_tip("Click here to show the current map as a surface map.");
         read_again.set_tool_tip("Click to read the values that the controller has not given yet");
-        Command3d2.set_tool_tip("Click to update modified entries");
-        Command3d1.set_tool_tip("Click to exit back to the console");
+        update_button.set_tool_tip("Click to update modified entries");
+        exit_button.set_tool_tip("Click to exit back to the console");
         show_demo_mode.set_visible(false);
     }
 };

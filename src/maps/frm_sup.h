@@ -37,8 +37,8 @@ struct FrmSup {
 
     platform::Tabs GPO_tab{form, "GPO_tab"};
     platform::Button read_again{form, "read_again", "Read again"};
-    platform::Button Command3d2{form, "Command3d2", "Update"};
-    platform::Button Command3d1{form, "Command3d1", "Exit"};
+    platform::Button update_button{form, "Command3d2", "Update"};
+    platform::Button exit_button{form, "Command3d1", "Exit"};
     platform::Label show_demo_mode{form, "show_demo_mode", "DEMO MODE!"};
     platform::Label map_status{form, "map_status", "No values pending"}; // pending values, progress of a read
 
@@ -102,8 +102,8 @@ struct FrmSup {
         supp_x_end.place(axis_length, 0, 0, 0);
         show_demo_mode.set_visible(false);
         read_again.set_tool_tip("Click to read the values that the controller has not given yet");
-        Command3d2.set_tool_tip("Click to update modified entries");
-        Command3d1.set_tool_tip("Click to exit back to the console");
+        update_button.set_tool_tip("Click to update modified entries");
+        exit_button.set_tool_tip("Click to exit back to the console");
         const auto tip = [](auto& controls, std::string_view text) {
             for (auto& control : controls) {
                 control.set_tool_tip(text);

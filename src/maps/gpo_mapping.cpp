@@ -56,8 +56,8 @@ GpoMapping::GpoMapping(const platform::Ports& ports, link::SharedState& state, l
       editor_(ports, state, comm, scales, navigation,
               {.form = frm_sup.form,
                .title = "General Purpose Output Driver Mapping",
-               .update_button = frm_sup.Command3d2,
-               .exit_button = frm_sup.Command3d1,
+               .update_button = frm_sup.update_button,
+               .exit_button = frm_sup.exit_button,
                .status = frm_sup.map_status,
                .opening_waits = {.before = 0.1F, .after = 0},
                .update_waits = {.before = 0.1F, .after = 0.1F},
@@ -83,7 +83,7 @@ GpoMapping::GpoMapping(const platform::Ports& ports, link::SharedState& state, l
                    },
                .read_again = &frm_sup.read_again}) {
     form_.menufileexit.clicked = [this] { editor_.close(); };
-    form_.menuupdate.clicked = [this] { form_.Command3d2.press(); };
+    form_.menuupdate.clicked = [this] { form_.update_button.press(); };
     // The question is asked, and nothing follows from its answer.
     form_.menuresetmap.clicked = [this] {
         ask_caution(ports_.dialogs, "this function will overwrite the table, continue?");
@@ -130,7 +130,7 @@ void GpoMapping::wire_switches(std::size_t n) {
 void GpoMapping::wire_tables(std::size_t n, BlockSelection& selection) {
     const auto wire = [&](platform::Grid& grid, const MapRow& map) {
         wire_grid(grid, {.block_table_id = map.block_table_id, .step = cell_step}, selection,
-                  [this] { form_.Command3d2.press(); });
+                  [this] { form_.update_button.press(); });
         grid.set_row_height(0, 0);
         for (int column = 0; column <= grid.columns(); ++column) {
             grid.set_column_width(column, column == 0 ? 0 : column_width);

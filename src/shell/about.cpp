@@ -15,7 +15,7 @@ About::About(const platform::Ports& ports, link::SharedState& state, link::EcuCo
              link::LinkSelection& link_selection, FrmAbout& form)
     : ports_(ports), state_(state), comm_(comm), link_selection_(link_selection), form_(form) {
     form_.form.on_activate = [this] { activate(); };
-    form_.Command3d1.clicked = [this] { form_.form.unload(); };
+    form_.exit_button.clicked = [this] { form_.form.unload(); };
     form_.menu_file_exit.clicked = [this] { form_.form.unload(); };
 }
 

@@ -19,7 +19,7 @@ struct FrmAbout {
     platform::Label serial_num{form, "serial_num"};
     platform::TextBox oemtext{form, "oemtext"};
     platform::Label comm_details{form, "comm_details"};
-    platform::Button Command3d1{form, "Command3d1", "Exit"};
+    platform::Button exit_button{form, "Command3d1", "Exit"};
 
     FrmAbout() { oemtext.multi_line = true; }
 };

@@ -73,16 +73,16 @@ struct FrmEcu {
     platform::Label link_state{form, "link_state"};           // how the controller is reached at the moment
     platform::Label transfer_result{form, "transfer_result"}; // what became of the last one
 
-    platform::Button Command3d4{form, "Command3d4", "Monitor"};
-    platform::Button Command1{form, "Command1", "Dashboard"};
-    platform::Button Command3d1{form, "Command3d1", "Configuration"};
-    platform::Button Command3d2{form, "Command3d2", "Basic Map"};
-    platform::Button Command3d7{form, "Command3d7", "Additional Map"};
-    platform::Button Command2{form, "Command2", "GPO Drivers"};
-    platform::Button Command3d3{form, "Command3d3", "Plotter"};
-    platform::Button Command3{form, "Command3", "Diagnostics"};
-    platform::Button Command3d6{form, "Command3d6", "About"};
-    platform::Button Command3d5{form, "Command3d5", "Exit"};
+    platform::Button monitor_button{form, "Command3d4", "Monitor"};
+    platform::Button dashboard_button{form, "Command1", "Dashboard"};
+    platform::Button configuration_button{form, "Command3d1", "Configuration"};
+    platform::Button basic_map_button{form, "Command3d2", "Basic Map"};
+    platform::Button additional_map_button{form, "Command3d7", "Additional Map"};
+    platform::Button gpo_button{form, "Command2", "GPO Drivers"};
+    platform::Button plotter_button{form, "Command3d3", "Plotter"};
+    platform::Button diagnostics_button{form, "Command3", "Diagnostics"};
+    platform::Button about_button{form, "Command3d6", "About"};
+    platform::Button exit_button{form, "Command3d5", "Exit"};
 
     FrmEcu() {
         menu_file_exit.separator_before = true;
@@ -96,7 +96,7 @@ struct FrmEcu {
         menu_tool_restore_point.set_tool_tip("Keep the controller's whole calibration, and go back to it");
         menu_tool_journal.set_tool_tip("Everything that was written to the controller from this folder");
         menu_tool_switch.set_tool_tip("Make the controller hold the other one of restore points A and B");
-        Command3d5.set_tool_tip("Click to end the program");
+        exit_button.set_tool_tip("Click to end the program");
     }
 };
 

@@ -17,14 +17,14 @@ struct ViewEntry {
     platform::Button FrmEcu::*button;
 };
 constexpr std::array<ViewEntry, 8> view_entries{{
-    {View::monitor, &FrmEcu::Menu_View_Monitor, &FrmEcu::Command3d4},
-    {View::dashboard, &FrmEcu::menu_view_dashboard, &FrmEcu::Command1},
-    {View::configuration, &FrmEcu::Menu_View_Injection, &FrmEcu::Command3d1},
-    {View::basic_mapping, &FrmEcu::menu_View_Mapping, &FrmEcu::Command3d2},
-    {View::additional_mapping, &FrmEcu::menu_view_temperature, &FrmEcu::Command3d7},
-    {View::gpo_mapping, &FrmEcu::menu_View_supp, &FrmEcu::Command2},
-    {View::plotter, &FrmEcu::menu_View_Plotter, &FrmEcu::Command3d3},
-    {View::diagnostics, &FrmEcu::menu_view_diagnostic, &FrmEcu::Command3},
+    {View::monitor, &FrmEcu::Menu_View_Monitor, &FrmEcu::monitor_button},
+    {View::dashboard, &FrmEcu::menu_view_dashboard, &FrmEcu::dashboard_button},
+    {View::configuration, &FrmEcu::Menu_View_Injection, &FrmEcu::configuration_button},
+    {View::basic_mapping, &FrmEcu::menu_View_Mapping, &FrmEcu::basic_map_button},
+    {View::additional_mapping, &FrmEcu::menu_view_temperature, &FrmEcu::additional_map_button},
+    {View::gpo_mapping, &FrmEcu::menu_View_supp, &FrmEcu::gpo_button},
+    {View::plotter, &FrmEcu::menu_View_Plotter, &FrmEcu::plotter_button},
+    {View::diagnostics, &FrmEcu::menu_view_diagnostic, &FrmEcu::diagnostics_button},
 }};
 
 } // namespace
@@ -34,8 +34,8 @@ MainConsole::MainConsole(const Use& use) : use_(use) {
     form.form.on_activate = [this] { activate(); };
     form.form.on_close = instead_of_a_view([this] { ask_to_quit(); });
     form.form.on_unload = [this] { use_.ports.program.end(0); };
-    form.menu_file_exit.clicked = form.Command3d5.clicked = instead_of_a_view([this] { ask_to_quit(); });
-    form.menu_about.clicked = form.Command3d6.clicked = over_the_link([this] { use_.about.open(); });
+    form.menu_file_exit.clicked = form.exit_button.clicked = instead_of_a_view([this] { ask_to_quit(); });
+    form.menu_about.clicked = form.about_button.clicked = over_the_link([this] { use_.about.open(); });
     wire_views();
     wire_ports();
     wire_tools();

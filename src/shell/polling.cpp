@@ -26,11 +26,11 @@ Polling::Polling(const Use& use)
     demo_entries_ = {{&main.menu_View_Mapping, View::basic_mapping},
                      {&main.menu_view_temperature, View::additional_mapping},
                      {&main.menu_View_Plotter, View::plotter},
-                     {&main.Command3d1, View::configuration},
-                     {&main.Command2, View::gpo_mapping},
-                     {&main.Command3d2, View::basic_mapping},
-                     {&main.Command3d3, View::plotter},
-                     {&main.Command3d7, View::additional_mapping},
+                     {&main.configuration_button, View::configuration},
+                     {&main.gpo_button, View::gpo_mapping},
+                     {&main.basic_map_button, View::basic_mapping},
+                     {&main.plotter_button, View::plotter},
+                     {&main.additional_map_button, View::additional_mapping},
                      {&use_.forms.get<platform::Button>("frm_dashboard", "Command2"), View::dashboard}};
     for (const platform::Form* form : use_.forms.forms()) {
         if (platform::Control* notice = form->find("show_demo_mode")) {

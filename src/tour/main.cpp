@@ -44,16 +44,16 @@ public:
         wait(0.5F);
         picture(forms.frm_ecu.form);
         about(forms);
-        view(forms.frm_ecu.Command3d4, forms.frm_mon.form);
-        view(forms.frm_ecu.Command1, forms.frm_dashboard.form);
-        view(forms.frm_ecu.Command3d2, forms.frm_3d.form, [&] { maps(forms); });
-        view(forms.frm_ecu.Command3d7, forms.frm_2d.form, [&] { corrections(forms); });
-        view(forms.frm_ecu.Command2, forms.frm_sup.form, [&] { outputs(forms); });
-        view(forms.frm_ecu.Command3d1, forms.frm_tool.form, [&] { configuration(forms); });
-        view(forms.frm_ecu.Command3d7, forms.frm_2d.form);
-        view(forms.frm_ecu.Command3d3, forms.frm_plotter.form, [&] { chart(forms); });
-        view(forms.frm_ecu.Command3, forms.frm_diagnostics.form);
-        view(forms.frm_ecu.Command3, forms.frm_diagnostics.form, [&] { diagnostics(forms); });
+        view(forms.frm_ecu.monitor_button, forms.frm_mon.form);
+        view(forms.frm_ecu.dashboard_button, forms.frm_dashboard.form);
+        view(forms.frm_ecu.basic_map_button, forms.frm_3d.form, [&] { maps(forms); });
+        view(forms.frm_ecu.additional_map_button, forms.frm_2d.form, [&] { corrections(forms); });
+        view(forms.frm_ecu.gpo_button, forms.frm_sup.form, [&] { outputs(forms); });
+        view(forms.frm_ecu.configuration_button, forms.frm_tool.form, [&] { configuration(forms); });
+        view(forms.frm_ecu.additional_map_button, forms.frm_2d.form);
+        view(forms.frm_ecu.plotter_button, forms.frm_plotter.form, [&] { chart(forms); });
+        view(forms.frm_ecu.diagnostics_button, forms.frm_diagnostics.form);
+        view(forms.frm_ecu.diagnostics_button, forms.frm_diagnostics.form, [&] { diagnostics(forms); });
         serving(forms);
         std::cout << pictures_ << " pictures in " << std::filesystem::weakly_canonical(folder_).string() << '\n';
         if (answers_.failures() > 0) {
@@ -82,10 +82,10 @@ private:
         close_later->on_tick = [&] {
             picture(forms.frm_about.form);
             close_later->set_running(false);
-            forms.frm_about.Command3d1.press();
+            forms.frm_about.exit_button.press();
         };
         close_later->set_running(true);
-        forms.frm_ecu.Command3d6.press();
+        forms.frm_ecu.about_button.press();
     }
 
     void view(ecu::platform::Button& button, Form& form, const std::function<void()>& look = {}) {

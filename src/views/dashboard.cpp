@@ -100,9 +100,9 @@ Dashboard::Dashboard(const platform::Ports& ports, link::SharedState& state, lin
 void Dashboard::wire() {
     form_.form.on_activate = [this] { activate(); };
     form_.form.on_unload = [this] { leave(); };
-    form_.Command1.clicked = [this] { form_.form.unload(); };
+    form_.exit_button.clicked = [this] { form_.form.unload(); };
     form_.menu_file_exit.clicked = [this] { form_.form.unload(); };
-    form_.Command2.clicked = [this] { update(); };
+    form_.update_button.clicked = [this] { update(); };
     form_.menu_Update.clicked = [this] { update(); };
     form_.read_again.clicked = [this] { read_again(); };
     for (editing::BoxItem& trim : trims_) {

@@ -55,8 +55,8 @@ struct FrmDashboard {
     platform::Label lambda_live{form, "lambda_live"}; // the mixture as it is, with its unit
     platform::ControlArray<platform::Shape, lamp_count> afr_led{form, "afr_led"};
     platform::Button read_again{form, "read_again", "Read again"};
-    platform::Button Command2{form, "Command2", "Update"};
-    platform::Button Command1{form, "Command1", "Exit"};
+    platform::Button update_button{form, "Command2", "Update"};
+    platform::Button exit_button{form, "Command1", "Exit"};
     platform::Label trim_status{form, "trim_status"}; // what is pending, unread, or was not taken
     platform::Label show_demo_mode{form, "show_demo_mode", "DEMO MODE!"};
     platform::Picture Picture1{form, "Picture1", 320, 160}; // the installer's
@@ -96,8 +96,8 @@ struct FrmDashboard {
         base_offset_deg.set_tool_tip("This adjusts phases to have a fixed offset relative to the Base timing");
         read_again.set_tool_tip("Click to read the trims that the controller has not given yet");
         read_again.set_enabled(false);
-        Command2.set_tool_tip("Click to update modified entries");
-        Command1.set_tool_tip("Click to exit back to the console");
+        update_button.set_tool_tip("Click to update modified entries");
+        exit_button.set_tool_tip("Click to exit back to the console");
         show_demo_mode.set_visible(false);
         for (platform::Shape& lamp : afr_led) {
             lamp.set_back_colour(lamp_dark);

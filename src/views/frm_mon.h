@@ -77,11 +77,11 @@ struct FrmMon {
     platform::Label group_delay{form, "group_delay"};
     platform::Label show_demo_mode{form, "show_demo_mode", "DEMO MODE!"};
 
-    platform::Button Command3d1{form, "Command3d1", "Exit"};
+    platform::Button exit_button{form, "Command3d1", "Exit"};
 
     FrmMon() {
         show_demo_mode.set_visible(false);
-        Command3d1.set_tool_tip("Click to exit back to the console");
+        exit_button.set_tool_tip("Click to exit back to the console");
     }
 };
 

@@ -30,14 +30,14 @@ Monitor::Monitor(const platform::Ports& ports, link::SharedState& state, message
     : ports_(ports), state_(state), data_(data), scales_(scales), navigation_(navigation), form_(form) {
     form_.form.on_activate = [this] { activate(); };
     form_.form.on_unload = [this] { navigation_.view_closed(form_.form); };
-    form_.Command3d1.clicked = [this] { form_.form.unload(); };
+    form_.exit_button.clicked = [this] { form_.form.unload(); };
     form_.menufileexit.clicked = [this] { form_.form.unload(); };
 
     // No reply forms these marks, so the rows that bear one are written at the next refresh.
     navigation_.add_view(link::View::monitor, form_.form);
     navigation_.before_monitor = [this] { mark_shown(14, "xxox"); };
     polling.forget_monitor_strings = [this] { mark_shown(12, "ABCDDBCD"); };
-    polling.leave_monitor = [this] { form_.Command3d1.press(); };
+    polling.leave_monitor = [this] { form_.exit_button.press(); };
     polling.on_refresh(link::View::monitor, [this] { refresh_monitor_strings(); });
 }
 

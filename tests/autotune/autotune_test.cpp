@@ -99,7 +99,7 @@ TEST_F(Autotune, OpensInPlaceOfTheMapsWithPollingPausedAndKeepsFactorsWhenLeft) 
     visit([this] {
         EXPECT_EQ(screen.autotune_inj_factors.column_width(0), 0);
         screen.autotune_inj_factors.set_cell_text(3, 3, "1.2");
-        screen.Command3d1.press();
+        screen.exit_button.press();
     });
     visit([this] { screen.form.close_requested(); });
     EXPECT_EQ(screen.autotune_inj_factors.cell_text(3, 3), "1.2");

@@ -356,7 +356,7 @@ TEST(Transfers, LeaveNoPartOfAFileWhenAnExceptionEndsThem) {
 TEST(Transfers, StopTheRunningLogAndTellTheirResultInTheMainWindow) {
     TransferBench bench;
     const platform::Label& told = bench.console.forms.frm_ecu.transfer_result;
-    bench.console.forms.frm_plotter.Command3d2.press();
+    bench.console.forms.frm_plotter.start_log_button.press();
     ASSERT_TRUE(bench.console.plotter.logging_active());
     bench.transfer.download_to("tune1.set");
     EXPECT_FALSE(bench.console.plotter.logging_active());

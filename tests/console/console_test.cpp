@@ -30,7 +30,7 @@ protected:
         desktop.run_for(0.2);
     }
     void open_monitor() {
-        console.forms.frm_ecu.Command3d4.press();
+        console.forms.frm_ecu.monitor_button.press();
         desktop.run_for(1);
     }
     void answer_failure(std::size_t button) {
@@ -66,7 +66,7 @@ TEST_F(ConsoleTest, AsksForTheCompatibilityEvenWhenTheViewIsLeftMeanwhile) {
     wired.controller.on_request = [this](const link::Request& request) {
         requests.emplace_back(request.begin(), request.end());
         if (request[2] == 179) {
-            desktop.post([this] { console.forms.frm_mon.Command3d1.press(); });
+            desktop.post([this] { console.forms.frm_mon.exit_button.press(); });
         }
     };
     open_monitor();
@@ -152,7 +152,7 @@ TEST_F(ConsoleTest, NeedsNoLinkInDemoMode) {
 
 TEST_F(ConsoleTest, EveryViewTellsThatTheDashboardHoldsTimingOrOxygenControlBack) {
     start();
-    console.forms.frm_ecu.Command1.press();
+    console.forms.frm_ecu.dashboard_button.press();
     desktop.run_for(1);
     const auto& note = console.forms.registry.get<platform::Label>("frm_mon", "held_note");
     EXPECT_FALSE(note.visible());

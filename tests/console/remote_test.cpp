@@ -65,7 +65,7 @@ protected:
         });
     }
     void open_monitor() {
-        client.forms.frm_ecu.Command3d4.press();
+        client.forms.frm_ecu.monitor_button.press();
         desktop.run_for(1);
     }
 
@@ -119,12 +119,12 @@ TEST_F(TwoConsoles, ADownloadOverTheLinkIsByteForByteThatOfTheCable) {
 TEST_F(TwoConsoles, AnEditedCellIsStoredInTheFarControllerAndTurnsWhite) {
     start_server();
     start_client();
-    client.forms.frm_ecu.Command3d2.press();
+    client.forms.frm_ecu.basic_map_button.press();
     desktop.run_for(5);
     platform::Grid& fuel = client.forms.frm_3d.inj_map;
     fuel.set_cell_text(16, 1, "1.250");
     EXPECT_TRUE(fuel.cell_pending(16, 1));
-    client.forms.frm_3d.Command3d2.press();
+    client.forms.frm_3d.update_button.press();
     desktop.run_for(1);
     const auto write = std::ranges::find(requests, 'e', [](const Bytes& request) { return request[2]; });
     ASSERT_NE(write, requests.end());
@@ -257,7 +257,7 @@ TEST_F(TwoConsoles, AViewClickedWhileTheServerIsGreetedOpensWhenItHasAnswered) {
     desktop.expect_box("Succesful connection to remote IP address 127.0.0.1");
     shell::FrmEcu& main = client.forms.frm_ecu;
     desktop.network().outside = [&](const test::SimNetwork::Sent& greeting) {
-        main.Command3d4.press();
+        main.monitor_button.press();
         server.forms.frm_ecu.menu_remote_setup_start_server.click();
         desktop.schedule(desktop.now() + 500'000, [this, greeting] {
             EXPECT_FALSE(client.forms.frm_mon.form.visible());

@@ -26,7 +26,7 @@ protected:
         open();
     }
     void open() {
-        console.forms.frm_ecu.Command3.press();
+        console.forms.frm_ecu.diagnostics_button.press();
         desktop.run_for(0.5);
         sent.clear();
     }

@@ -227,7 +227,7 @@ TEST_F(DynoTest, CancelOrLeavingInsideTheWaitsOfArmHasTheLastWord) {
     EXPECT_TRUE(form.dyno_arm.enabled());
     EXPECT_EQ(wired.controller.firmware().dyno().state(), controller::DynoState::disarmed);
     sent.clear();
-    desktop.schedule(desktop.now() + 100'000, [this] { form.Command3d2.press(); });
+    desktop.schedule(desktop.now() + 100'000, [this] { form.exit_button.press(); });
     form.dyno_arm.press();
     EXPECT_THAT(dyno_messages(), SizeIs(0));
     EXPECT_FALSE(console.state.polling_paused);
@@ -248,13 +248,13 @@ TEST_F(DynoTest, ControllerThatDoesNotAnswerIsNotTakenForArmed) {
 TEST_F(DynoTest, RunThatEndsBehindAnotherViewIsFinishedOnReturn) {
     form.dyno_arm.press();
     ASSERT_TRUE(run_until_state("Running"));
-    form.Command3d2.press();
+    form.exit_button.press();
     const std::string written = desktop.read_file("dyno_temp.csv");
-    console.forms.frm_ecu.Command3d4.press();
+    console.forms.frm_ecu.monitor_button.press();
     ASSERT_TRUE(desktop.run_until([&] { return console.live.dyno_state == 3; }));
     EXPECT_EQ(desktop.read_file("dyno_temp.csv"), written);
     EXPECT_FALSE(form.dyno_save.enabled());
-    console.forms.frm_mon.Command3d1.press();
+    console.forms.frm_mon.exit_button.press();
     desktop.run_for(0.3);
     open();
     EXPECT_TRUE(form.dyno_save.enabled());

@@ -19,7 +19,7 @@ protected:
         desktop.expect_box("Testing drivers requires that the engine NOT be running, in addition, make certain that "
                            "the driver parameters EI dwell or fuel pulse width are appropriate or ECU/wiring or engine "
                            "damage may occur!");
-        form.Command3[1].press();
+        form.unlock_button[1].press();
     }
     Picture::Line line(std::size_t i) const { return std::get<Picture::Line>(form.wheel_speed_plot.strokes().at(i)); }
     const Bytes one_capture{'A', 248, 248, 248, 248, 248, 248, 248, 248};
@@ -38,22 +38,22 @@ TEST_F(Diagnostics, WindowPollsNothingButTheLiveBlockOnTheDynoTabAndLeavesAtTenM
     EXPECT_EQ(console.polling.timer1().interval_ms(), 1);
     form.dyno_sample_rate.set_text("99.5");
     EXPECT_EQ(console.polling.timer1().interval_ms(), 100);
-    form.Command3d2.press();
+    form.exit_button.press();
     EXPECT_EQ(console.polling.timer1().interval_ms(), 10);
     EXPECT_EQ(console.state.current_view, link::View::none);
     EXPECT_TRUE(console.forms.frm_ecu.form.visible());
 }
 
 TEST_F(Diagnostics, TestsAreUnlockedByEitherButtonAfterTheWarningAndLockedAgainAtEachOpening) {
-    EXPECT_FALSE(form.Command1.enabled() || form.Command2.enabled());
+    EXPECT_FALSE(form.test_injectors_button.enabled() || form.test_ignition_button.enabled());
     unlock();
-    EXPECT_TRUE(form.Command1.enabled() && form.Command2.enabled());
-    EXPECT_FALSE(form.Command3[0].enabled() || form.Command3[1].enabled());
+    EXPECT_TRUE(form.test_injectors_button.enabled() && form.test_ignition_button.enabled());
+    EXPECT_FALSE(form.unlock_button[0].enabled() || form.unlock_button[1].enabled());
     form.menufileexit.click();
     desktop.run_for(0.2);
     open();
-    EXPECT_FALSE(form.Command1.enabled() || form.Command2.enabled());
-    EXPECT_TRUE(form.Command3[0].enabled() && form.Command3[1].enabled());
+    EXPECT_FALSE(form.test_injectors_button.enabled() || form.test_ignition_button.enabled());
+    EXPECT_TRUE(form.unlock_button[0].enabled() && form.unlock_button[1].enabled());
 }
 
 TEST_F(Diagnostics, PressFiresTheTickedChannelsOnceAndNoneWithMaskZero) {
@@ -61,10 +61,10 @@ TEST_F(Diagnostics, PressFiresTheTickedChannelsOnceAndNoneWithMaskZero) {
     form.inj_chan_test[0].click();
     form.inj_chan_test[7].click();
     form.ign_chan_test[2].click();
-    form.Command1.press();
-    form.Command2.press();
+    form.test_injectors_button.press();
+    form.test_ignition_button.press();
     form.ign_chan_test[2].click();
-    form.Command2.press();
+    form.test_ignition_button.press();
     EXPECT_THAT(sent, ElementsAre(Bytes{1, 129, 0, 0}, Bytes{2, 4, 0, 0}, Bytes{2, 0, 0, 0}));
     EXPECT_EQ(form.test_result[0].text(), "Fired injector channel 1, 8");
     EXPECT_EQ(wired.controller.firmware().fired_injectors(), 129);
@@ -78,10 +78,10 @@ TEST_F(Diagnostics, PressInsideAnotherMessageWaitsForItsEndAndGoesOutOnce) {
         sent.emplace_back(request.begin() + 2, request.begin() + 6);
         if (request[2] == 247) {
             desktop.post([&] {
-                form.Command1.press();
+                form.test_injectors_button.press();
                 EXPECT_THAT(sent, SizeIs(1));
                 if (leaves) {
-                    form.Command3d2.press();
+                    form.exit_button.press();
                 }
             });
         }
@@ -100,11 +100,11 @@ TEST_F(Diagnostics, PressInsideAnotherMessageWaitsForItsEndAndGoesOutOnce) {
         desktop.post([&] {
             form.arm_capture.press();
             form.dyno_arm.press();
-            form.Command3d2.press();
+            form.exit_button.press();
         });
     };
     desktop.write_file("dyno_temp.csv", "the last run");
-    form.Command1.press();
+    form.test_injectors_button.press();
     desktop.run_for(1);
     EXPECT_EQ(codes(), Bytes{1});
     EXPECT_EQ(desktop.read_file("dyno_temp.csv"), "the last run");
@@ -207,7 +207,7 @@ TEST_F(Diagnostics, HoverAndArrowsTellToothAndPeriod) {
 
 TEST_F(Diagnostics, EveryWayOutEndsTheContinuousCaptureWithItsCycle) {
     const std::vector<std::function<void()>> ways{
-        [this] { form.wheel_diag_halt.press(); }, [this] { form.Command3d2.press(); },
+        [this] { form.wheel_diag_halt.press(); }, [this] { form.exit_button.press(); },
         [this] { form.menufileexit.click(); }, [this] { form.form.close_requested(); },
         [this] { form.menu_mon.click(); }};
     for (const auto& leave : ways) {
@@ -232,7 +232,7 @@ TEST_F(Diagnostics, EveryWayOutEndsTheContinuousCaptureWithItsCycle) {
         EXPECT_EQ(loop.size() % 9, 0U) << "the cycle is finished";
         desktop.run_for(0.3);
         if (console.forms.frm_mon.form.visible()) {
-            console.forms.frm_mon.Command3d1.press();
+            console.forms.frm_mon.exit_button.press();
         }
         if (!form.form.visible()) {
             open();

@@ -95,11 +95,11 @@ protected:
         desktop.expect_box(other_applications);
         desktop.choose_file(desktop.path("firmware.s19"));
         line_.clear();
-        form.Command1.press();
+        form.flash_button.press();
     }
     void expect_idle() {
-        EXPECT_TRUE(form.Command1.enabled() && form.Command3.enabled() && form.exit_flash.enabled());
-        EXPECT_FALSE(form.Command2.enabled());
+        EXPECT_TRUE(form.flash_button.enabled() && form.monitor_check_button.enabled() && form.exit_flash.enabled());
+        EXPECT_FALSE(form.halt_button.enabled());
     }
     void expect_port_free_after_leaving() {
         form.exit_flash.press();
@@ -135,7 +135,7 @@ TEST_F(FlashTest, UtilityIsOfferedByTheMonitorsReplyAloneAndAsksOnAPortOfItsOwn)
     EXPECT_FALSE(console.forms.frm_ecu.form.visible());
     EXPECT_EQ(form.terminal.text(), "\nBoot monitor 1.0\n");
     expect_idle();
-    form.Command3.press();
+    form.monitor_check_button.press();
     desktop.run_for(0.3);
     EXPECT_EQ(line_, "q");
     expect_port_free_after_leaving();
@@ -167,7 +167,7 @@ TEST_F(FlashTest, WholeImageGoesOverWithoutLineEndsAndTheControllerComesBackWith
     expect_port_free_after_leaving();
     desktop.line().pace(38400);
     desktop.on_modal("frm_about",
-                     [this](platform::Form&) { in(1, [this] { console.forms.frm_about.Command3d1.press(); }); });
+                     [this](platform::Form&) { in(1, [this] { console.forms.frm_about.exit_button.press(); }); });
     console.forms.frm_ecu.menu_about.click();
     EXPECT_EQ(console.forms.frm_about.FW_Rev.text(), "V1.03.00");
     EXPECT_EQ(desktop.line().baud(), 38400);
@@ -218,7 +218,7 @@ TEST_F(FlashTest, DelaysAreReadAnewEachTime) {
 TEST_F(FlashTest, HaltEndsTheRunWithTheMessageOfAnErrorAndTheNextOneIsWhole) {
     open_utility();
     const auto lines = image(300);
-    in(2, [this] { form.Command2.press(); });
+    in(2, [this] { form.halt_button.press(); });
     desktop.expect_box(failed);
     flash(joined(lines, "\r\n"));
     EXPECT_THAT(desktop.boxes().back().details, StartsWith("Halted by the user. Line "));
@@ -292,7 +292,7 @@ TEST_F(FlashTest, StalledLineLosesNothingAndCanStillBeHalted) {
     open_utility();
     const auto lines = image(100);
     in(1, [this] { desktop.line().stall(); });
-    in(5, [this] { form.Command2.press(); });
+    in(5, [this] { form.halt_button.press(); });
     desktop.expect_box(failed);
     const double start = desktop.seconds();
     flash(joined(lines, "\r\n"));
@@ -315,7 +315,7 @@ TEST_F(FlashTest, OnlyABBehindTheQuestionAndInItsTimeCounts) {
         desktop.expect_box(other_applications);
         say(text, after);
         ready ? desktop.choose_file("") : desktop.expect_box(not_ready);
-        form.Command1.press();
+        form.flash_button.press();
         desktop.run_for(1);
         expect_idle();
     };
@@ -333,9 +333,9 @@ TEST_F(FlashTest, OnlyABBehindTheQuestionAndInItsTimeCounts) {
 TEST_F(FlashTest, SecondPressOrLeavingInsideTheQuestionAsksNothingMore) {
     open_utility();
     desktop.expect_box(other_applications);
-    in(0.1, [this] { form.Command1.press(); });
+    in(0.1, [this] { form.flash_button.press(); });
     in(0.2, [this] { form.exit_flash.press(); });
-    form.Command1.press();
+    form.flash_button.press();
     EXPECT_EQ(line_, "q");
     EXPECT_THAT(desktop.file_dialogs(), testing::IsEmpty());
     EXPECT_FALSE(form.form.visible() || desktop.line().is_open());
@@ -356,19 +356,19 @@ TEST_F(FlashTest, ErrorFromBeforeTheRunIsForgotten) {
 TEST_F(FlashTest, CancelsUnusableFilesAndPortsSendNothingAndAreTold) {
     open_utility();
     desktop.answer_box(other_applications, Answer::cancel);
-    form.Command1.press();
+    form.flash_button.press();
     EXPECT_EQ(line_, "");
     for (const char* name : {"", "*.S"}) {
         desktop.expect_box(other_applications);
         desktop.choose_file(name);
-        form.Command1.press();
+        form.flash_button.press();
     }
     desktop.write_file("empty.s", "");
     for (const auto& [name, reason] : {std::pair{"empty.s", "it is empty"}, std::pair{"none.s", "No such file"}}) {
         desktop.expect_box(other_applications);
         desktop.expect_box(reason);
         desktop.choose_file(desktop.path(name));
-        form.Command1.press();
+        form.flash_button.press();
     }
     EXPECT_EQ(line_, "qqqq");
     EXPECT_EQ(desktop.file_dialogs().back().filter, "Setup Files (*.s)|");
@@ -376,10 +376,10 @@ TEST_F(FlashTest, CancelsUnusableFilesAndPortsSendNothingAndAreTold) {
     expect_idle();
     desktop.line().unplug();
     desktop.expect_box("The serial port COM3 could not be opened for flashing: there is no device");
-    form.Command3.press();
+    form.monitor_check_button.press();
     EXPECT_THAT(form.flash_port.text(), EndsWith("is not open."));
     desktop.line().plug_in();
-    form.Command3.press();
+    form.monitor_check_button.press();
     EXPECT_TRUE(desktop.line().is_open());
 }
 

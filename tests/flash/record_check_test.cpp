@@ -120,12 +120,12 @@ TEST(FlashCheckWindow, ShowsTheFindingsAndHoldsNothingBack) {
     bench.desktop.choose_file(bench.desktop.path("engine.s"));
     form.check_again.press();
     EXPECT_THAT(form.check_result.text(), HasSubstr("2 findings"));
-    EXPECT_TRUE(flash.Command1.enabled());
+    EXPECT_TRUE(flash.flash_button.enabled());
     bench.desktop.choose_file(bench.desktop.path("none.s"));
     bench.desktop.expect_box("none.s could not be read");
     form.check_again.press();
-    flash.Command2.set_enabled(true); // a run is going
-    flash.check_file.press();         // opens no dialog
+    flash.halt_button.set_enabled(true); // a run is going
+    flash.check_file.press();            // opens no dialog
 }
 
 } // namespace

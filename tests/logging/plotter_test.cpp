@@ -90,10 +90,10 @@ TEST(Plotter, LogsFromStartToStopAndRefusesMisuseInItsOwnWords) {
     EXPECT_EQ(bench.form.File_Samples.text(), "N/A");
     bench.desktop.expect_box("But logging has not been started");
     bench.plotter.stop_logging();
-    EXPECT_TRUE(bench.form.plot_file.enabled() && bench.form.Command3d2.enabled());
+    EXPECT_TRUE(bench.form.plot_file.enabled() && bench.form.start_log_button.enabled());
 
-    bench.form.Command3d2.press();
-    EXPECT_FALSE(bench.form.plot_file.enabled() || bench.form.Command3d2.enabled());
+    bench.form.start_log_button.press();
+    EXPECT_FALSE(bench.form.plot_file.enabled() || bench.form.start_log_button.enabled());
     EXPECT_THAT(bench.log(), EndsWith("LOG_FILE V1.00.02\r\n\r\n"));
     bench.desktop.expect_box("But you are already logging, You must halt to begin a new log");
     bench.plotter.start_logging();
@@ -102,15 +102,15 @@ TEST(Plotter, LogsFromStartToStopAndRefusesMisuseInItsOwnWords) {
     bench.plotter.plot_and_log_sample();
     EXPECT_EQ(bench.form.File_Samples.text(), "2");
     EXPECT_THAT(bench.log(), HasSubstr("\r\n\r\n10:00:00,36000.00,4321,"));
-    bench.form.Command3d3.press();
-    EXPECT_TRUE(bench.form.plot_file.enabled() && bench.form.Command3d2.enabled());
-    EXPECT_FALSE(bench.form.Command3d3.enabled());
+    bench.form.stop_log_button.press();
+    EXPECT_TRUE(bench.form.plot_file.enabled() && bench.form.start_log_button.enabled());
+    EXPECT_FALSE(bench.form.stop_log_button.enabled());
     EXPECT_EQ(std::ranges::count(bench.log(), '\n'), 6);
 
-    bench.form.Command3d2.press(); // replaced without a question, counted anew
+    bench.form.start_log_button.press(); // replaced without a question, counted anew
     EXPECT_EQ(std::ranges::count(bench.log(), '\n'), 4);
     bench.desktop.expect_box("Logging will be halted prior to exit");
-    bench.form.Command3d1.press();
+    bench.form.exit_button.press();
     EXPECT_FALSE(bench.plotter.logging_active() || bench.form.form.visible());
     EXPECT_EQ(bench.state.current_view, link::View::none);
     EXPECT_TRUE(bench.main_form.visible());
@@ -121,13 +121,13 @@ TEST(Plotter, AFileThatCannotBeWrittenIsNamedAndThePollingGoesOn) {
     PlotterBench bench;
     bench.form.plot_file.set_text("/dev/full");
     bench.desktop.expect_box("The log file /dev/full could not be opened: No space left on device");
-    bench.form.Command3d2.press();
+    bench.form.start_log_button.press();
     EXPECT_FALSE(bench.plotter.logging_active());
-    EXPECT_TRUE(bench.form.plot_file.enabled() && bench.form.Command3d2.enabled());
+    EXPECT_TRUE(bench.form.plot_file.enabled() && bench.form.start_log_button.enabled());
 
     std::filesystem::create_directory(bench.desktop.path("stick"));
     bench.form.plot_file.set_text("stick/a.csv");
-    bench.form.Command3d2.press();
+    bench.form.start_log_button.press();
     bench.plotter.plot_and_log_sample();
     std::filesystem::remove_all(bench.desktop.path("stick"));
     bench.plotter.plot_and_log_sample(); // no box inside the tick

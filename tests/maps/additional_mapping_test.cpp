@@ -46,7 +46,7 @@ struct AdditionalMapping : MapBench, testing::Test {
         controller.clear_sent();
     }
     std::vector<Bytes> update() {
-        return sent_by([this] { frm_2d.Command3d2.press(); });
+        return sent_by([this] { frm_2d.update_button.press(); });
     }
     platform::TextBox& box(const char* name, int i) { return frm_2d.form.get<platform::TextBox>(name, i); }
     void abort_on_failure() {
@@ -95,7 +95,7 @@ TEST_F(AdditionalMapping, OpeningReadsScalesThenFourteenTablesInTheirOrderThenTh
     on_request = [&](const Request& request) {
         pages[request[3] + 256 * request[4]] = frm_2d.map_tabs.current();
         polled_between = polled_between || !console.state.polling_paused;
-        EXPECT_FALSE(frm_2d.Command3d2.enabled() || frm_2d.map_tabs.enabled() || frm_2d.menureset.enabled());
+        EXPECT_FALSE(frm_2d.update_button.enabled() || frm_2d.map_tabs.enabled() || frm_2d.menureset.enabled());
         EXPECT_TRUE(frm_2d.inj_pw.text().empty() && frm_2d.ego_sp_graph.strokes().empty());
         EXPECT_TRUE(request[2] == 'C' || frm_2d.lambda_sp_table.locked());
     };
@@ -116,7 +116,7 @@ TEST_F(AdditionalMapping, OpeningReadsScalesThenFourteenTablesInTheirOrderThenTh
     EXPECT_EQ(console.map_cell_colours.lambda[0], console.forms.frm_3d.bk_color[7].back_colour());
     EXPECT_EQ(frm_2d.form.caption() + frm_2d.map_status.text(), "Additional Mapping ->COM3No values pending");
     EXPECT_EQ(frm_2d.map_tabs.current(), 0);
-    EXPECT_TRUE(frm_2d.Command3d2.enabled() && frm_2d.map_tabs.enabled() && frm_2d.menureset.enabled());
+    EXPECT_TRUE(frm_2d.update_button.enabled() && frm_2d.map_tabs.enabled() && frm_2d.menureset.enabled());
     EXPECT_FALSE(frm_2d.lambda_sp_table.locked() || console.state.polling_paused);
     EXPECT_EQ(frm_2d.ego_sp_graph.strokes().empty() || frm_2d.idle_speed_graph.strokes().empty(), false);
 }
@@ -168,7 +168,7 @@ TEST_F(AdditionalMapping, EverythingChangedGoesOutOnceInTheOrderOfTheWalkAndTheS
               "45 pending54 pending108 pending");
     EXPECT_EQ(frm_2d.tab_status[1].back_colour(), pending);
     controller.clear_sent();
-    frm_2d.Command3d2.press();
+    frm_2d.update_button.press();
     desktop.run_for(5);
     EXPECT_EQ(controller.messages(), wanted);
     expect_screen_equals_memory();
@@ -211,7 +211,7 @@ TEST_F(AdditionalMapping, TargetsSpeakTheChosenUnitAndTakeTheirMaskFromTheValue)
     open();
     const auto target = [this](int row) { return frm_2d.lambda_sp_table.cell_text(row, 1); };
     EXPECT_EQ(target(9) + " " + target(8) + " " + target(7), "1.000 1.01 0.000");
-    frm_2d.Command3d1.press();
+    frm_2d.exit_button.press();
     console.scales.lambda_scale = 14.7F;
     console.scales.shows_lambda = false;
     open();
@@ -220,7 +220,7 @@ TEST_F(AdditionalMapping, TargetsSpeakTheChosenUnitAndTakeTheirMaskFromTheValue)
     frm_2d.menuresetegosetpoint.click();
     EXPECT_EQ(target(5), "14.70");
     controller.clear_sent();
-    frm_2d.Command3d2.press();
+    frm_2d.update_button.press();
     desktop.run_for(2);
     EXPECT_EQ(controller.messages().size(), 81U);
     EXPECT_EQ(memory[80], 128);
@@ -236,7 +236,7 @@ TEST_F(AdditionalMapping, WaitsTwoTenthsAroundAnUpdateAndKeepsPollingOutOfIt) {
         EXPECT_TRUE(console.state.polling_paused);
         first = request[3] == 0x70 ? desktop.seconds() : first;
     };
-    frm_2d.Command3d2.press();
+    frm_2d.update_button.press();
     EXPECT_NEAR(first - pressed, 0.2, 0.02);
     EXPECT_NEAR(desktop.seconds() - pressed, 0.4, 0.05);
     EXPECT_FALSE(console.state.polling_paused);
@@ -245,7 +245,7 @@ TEST_F(AdditionalMapping, WaitsTwoTenthsAroundAnUpdateAndKeepsPollingOutOfIt) {
 TEST_F(AdditionalMapping, ExitInTheReadStopsItAndReopeningFromWithinIsNotClosedByTheFirst) {
     on_request = [this](const Request& request) {
         if (request[2] == 'k' && request[3] == 27) {
-            desktop.post([this] { frm_2d.Command3d1.press(); });
+            desktop.post([this] { frm_2d.exit_button.press(); });
         }
     };
     auto messages = sent_by([this] { console.navigation.open(link::View::additional_mapping); });
@@ -256,7 +256,7 @@ TEST_F(AdditionalMapping, ExitInTheReadStopsItAndReopeningFromWithinIsNotClosedB
     on_request = [this](const Request& request) {
         if (request[2] == 'r' && request[3] == 0x80 && request[4] == 0) {
             on_request = nullptr;
-            desktop.post([this] { frm_2d.Command3d1.press(); });
+            desktop.post([this] { frm_2d.exit_button.press(); });
             // The next free tick, while the first read still waits for its polling to come to rest.
             desktop.schedule(desktop.now() + 50'000, [this] {
                 EXPECT_FALSE(console.state.polling_paused);
@@ -269,7 +269,7 @@ TEST_F(AdditionalMapping, ExitInTheReadStopsItAndReopeningFromWithinIsNotClosedB
     EXPECT_TRUE(frm_2d.form.visible());
     EXPECT_EQ(messages.size(), 3U + 18U);
     EXPECT_EQ(frm_2d.map_status.text(), "No values pending");
-    EXPECT_TRUE(frm_2d.Command3d2.enabled() && frm_2d.map_tabs.enabled());
+    EXPECT_TRUE(frm_2d.update_button.enabled() && frm_2d.map_tabs.enabled());
     EXPECT_FALSE(console.state.polling_paused);
 }
 
@@ -298,10 +298,10 @@ TEST_F(AdditionalMapping, AbortInTheReadOrLaterLeavesNothingOnTheScreenThatCould
     controller.silence();
     abort_on_failure();
     box("ign_rpm", 2).set_text("5");
-    frm_2d.Command3d2.press();
+    frm_2d.update_button.press();
     desktop.run_for(5);
     EXPECT_TRUE(box("ign_rpm", 2).is_pending());
-    frm_2d.Command3d1.press();
+    frm_2d.exit_button.press();
     expect_blank();
 }
 
@@ -320,7 +320,7 @@ TEST_F(AdditionalMapping, FailedWritesKeepABoxYellowButNotATargetAndWhatIsTypedB
         }
     };
     abort_on_failure();
-    frm_2d.Command3d2.press();
+    frm_2d.update_button.press();
     desktop.run_for(5);
     EXPECT_TRUE(box("ign_map", 0).is_pending() && box("clt_map", 0).is_pending());
     EXPECT_EQ(box("clt_map", 0).text(), "1.25");

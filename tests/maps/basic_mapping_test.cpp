@@ -50,7 +50,7 @@ TEST_F(BasicMapping, OpeningReadAsksForBoxesThenFourMapsInBlocksOf32AndShowsWhat
     EXPECT_EQ(frm_3d.ecu_pgm[1].text(), "-0.525");
     EXPECT_EQ(frm_3d.tps_rpm.text(), "10000");
     EXPECT_FALSE(frm_3d.tps_rpm.is_pending());
-    EXPECT_TRUE(frm_3d.inj_map.visible() && frm_3d.Command3d2.enabled());
+    EXPECT_TRUE(frm_3d.inj_map.visible() && frm_3d.update_button.enabled());
     EXPECT_EQ(frm_3d.Label6[3].text(), "3750");
     EXPECT_EQ(frm_3d.Label5[1].text(), "17"); // 115 / 16 + 10 cut off
     EXPECT_EQ(frm_3d.map_status.text(), "No values pending");
@@ -187,7 +187,7 @@ TEST_F(BasicMapping, LeavingDuringAnUpdateSendsItsRestAndOpeningAgainReadsInstea
     open();
     on_request = [&](const Request& request) {
         if (request[2] == 'e' && request[3] == 0 && request[4] == 1) {
-            desktop.post([this] { frm_3d.Command3d1.press(); });
+            desktop.post([this] { frm_3d.exit_button.press(); });
         } else if (request[2] == 'e' && request[5] == 255) {
             desktop.post([this] { frm_3d.form.show(); });
         }

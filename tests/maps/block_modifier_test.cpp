@@ -177,7 +177,7 @@ TEST_F(BlockModifier, MouseReleasedOutsideTheGridKeepsTheRightButtonFromOpening)
     EXPECT_EQ(block.block_table_id, 0);
     EXPECT_EQ(block.block_col_high, 6);
     frm_3d.show_this_graph.press();
-    frm_3d.Command3d1.press();
+    frm_3d.exit_button.press();
     EXPECT_FALSE(dialog.form.visible() || console.forms.frm_3d_graph.form.visible()) << "left behind by their window";
 }
 

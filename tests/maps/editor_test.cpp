@@ -108,7 +108,7 @@ TEST_F(Editor, AnUpdateThatIsAbortedAndClosedSendsNoneOfItsBlankedValuesToTheNex
     desktop.on_modal("frm_Dialog", [this](platform::Form&) {
         console.forms.frm_dialog.dialog_button[2].press(); // Abort
         desktop.post([this] {
-            frm_3d.Command3d1.press();
+            frm_3d.exit_button.press();
             console.state.comm_aborted = false; // another view opens the link at once
             lost = nullptr;
         });
@@ -179,7 +179,7 @@ TEST_F(Editor, ACellEnteredBehindItsOwnMessageOutlivesTheEchoAndAClosedWindowSay
     frm_3d.ecu_pgm[0].set_text("9");
     frm_3d.tps_rpm.set_text("20000"); // would be refused with a box
     frm_3d.inj_map.set_cell_text(16, 1, "1");
-    on_request = [this](const Request&) { frm_3d.Command3d1.press(); };
+    on_request = [this](const Request&) { frm_3d.exit_button.press(); };
     const auto sent = update();
     EXPECT_EQ(sent.back(), (Bytes{'e', 0, 1, 128})) << "what needs no word still goes";
     EXPECT_FALSE(frm_3d.form.visible());

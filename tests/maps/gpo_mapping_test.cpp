@@ -60,7 +60,7 @@ struct GpoMapping : testing::Test {
     }
     std::vector<Bytes> update() {
         sent.clear();
-        form.Command3d2.press();
+        form.update_button.press();
         desktop.run_for(1);
         return sent;
     }
@@ -189,7 +189,7 @@ TEST_F(GpoMapping, UpdateOfEverythingSendsEachValueOnceInItsOrderAndShowsWhatThe
                                          {223, i, std::array<std::uint8_t, 4>{254, 255, 255, 255}[i], 0},
                                          {224, i, std::array<std::uint8_t, 4>{3, 2, 1, 0}[i], 0}});
     }
-    form.Command3d2.press();
+    form.update_button.press();
     EXPECT_EQ(sent, expected);
     EXPECT_EQ(pending_everywhere(), 0U);
     expect_cells_equal_memory(); // boost in duty now, by the first channel's new flag
@@ -332,7 +332,7 @@ TEST_F(GpoMapping, MarksCountOnTheirPageAndGoWithTheEchoOrTheNextOpening) {
     EXPECT_EQ(form.pending_on_page[1].text(), "");
     form.gpo_mode[1][2].click();
     form.boost_ctrl_invert[1].click();
-    form.Command3d1.press();
+    form.exit_button.press();
     desktop.run_for(0.2);
     EXPECT_EQ(console.state.current_view, link::View::none);
     open();
@@ -360,7 +360,7 @@ TEST_F(GpoMapping, SwitchesThatNoReplyHasToldAreNotSentWithTheirUnknownHalf) {
 
 TEST_F(GpoMapping, WithoutTheFlagsBoostCellsWaitForTheSecondReadWhichKeepsWhatIsPending) {
     open();
-    form.Command3d1.press();
+    form.exit_button.press();
     desktop.run_for(0.2);
     bool lost = true;
     wired.controller.on_request = [&](const link::Request& request) {
@@ -400,7 +400,7 @@ TEST_F(GpoMapping, WithoutTheFlagsBoostCellsWaitForTheSecondReadWhichKeepsWhatIs
 
 TEST_F(GpoMapping, WithoutTheModesAPageAssertsNone) {
     open();
-    form.Command3d1.press();
+    form.exit_button.press();
     desktop.run_for(0.2);
     wired.controller.on_request = [&](const link::Request& request) {
         if (request[2] == 170) {
@@ -428,7 +428,7 @@ TEST_F(GpoMapping, UpdateWaitsATenthAroundAndKeepsPollingOutOfIt) {
         EXPECT_TRUE(console.state.polling_paused);
         first = request[2] == 171 ? desktop.seconds() : first;
     };
-    form.Command3d2.press();
+    form.update_button.press();
     EXPECT_NEAR(first - pressed, 0.1, 0.02);
     EXPECT_NEAR(desktop.seconds() - pressed, 0.2, 0.05);
     EXPECT_FALSE(console.state.polling_paused);
@@ -438,8 +438,8 @@ TEST_F(GpoMapping, ExitAndAbortEndTheReadAndTheClosedWindowIsBlankAfterAbort) {
     wired.controller.on_request = [this](const link::Request& request) {
         sent.emplace_back(request.begin() + 2, request.begin() + 6);
         if (request[2] == 'k' && request[3] == 0x00 && request[4] == 3) {
-            EXPECT_FALSE(form.Command3d2.enabled() || form.gpo_mode[0][1].enabled() || form.use_as_pwm[0].enabled());
-            form.Command3d1.press();
+            EXPECT_FALSE(form.update_button.enabled() || form.gpo_mode[0][1].enabled() || form.use_as_pwm[0].enabled());
+            form.exit_button.press();
         }
     };
     open();
@@ -460,7 +460,7 @@ TEST_F(GpoMapping, ExitAndAbortEndTheReadAndTheClosedWindowIsBlankAfterAbort) {
 }
 
 TEST_F(GpoMapping, ReopenedInsideAnOpeningThatWasLeftItIsReadOnceAndNotBlankedByTheFirst) {
-    desktop.schedule(desktop.now() + 20'000, [this] { form.Command3d1.press(); });
+    desktop.schedule(desktop.now() + 20'000, [this] { form.exit_button.press(); });
     desktop.schedule(desktop.now() + 40'000, [this] {
         EXPECT_FALSE(form.form.visible());
         console.navigation.open(link::View::gpo_mapping);
@@ -468,7 +468,7 @@ TEST_F(GpoMapping, ReopenedInsideAnOpeningThatWasLeftItIsReadOnceAndNotBlankedBy
     console.navigation.open(link::View::gpo_mapping);
     desktop.run_for(3);
     EXPECT_EQ(std::ranges::count(sent, Bytes{217, 0, 0, 0}), 1);
-    EXPECT_TRUE(form.form.visible() && form.Command3d2.enabled() && form.gpo_mode[0][1].enabled());
+    EXPECT_TRUE(form.form.visible() && form.update_button.enabled() && form.gpo_mode[0][1].enabled());
     EXPECT_EQ(form.map_status.text() + cell(form.GPO_tbl[0], 40), "No values pending46.9");
     EXPECT_FALSE(console.state.polling_paused);
 }
@@ -480,7 +480,7 @@ TEST_F(GpoMapping, AWriteWithoutAnAnswerStaysPending) {
     form.GPO_tbl[1].set_cell_text(9, 1, "50");
     desktop.on_modal("frm_Dialog", [this](platform::Form&) { console.forms.frm_dialog.dialog_button[2].press(); });
     wired.silence();
-    form.Command3d2.press();
+    form.update_button.press();
     desktop.run_for(60);
     EXPECT_EQ(form.gpo_mode[0][0].fore_colour(), pending);
     EXPECT_EQ(form.boost_ctrl_invert[3].fore_colour(), pending);

@@ -157,7 +157,7 @@ TEST_F(Graphing, AnyNumberOfCellChangesCostsOneDrawingAndNoneWhileHiddenOrReadin
     console.basic_mapping.show_selected_map_graph();
     EXPECT_EQ(console.graphing.last_surface_kind(), 8);
     EXPECT_EQ(graph.high_scale.text(), "100.0");
-    frm_3d.Command3d1.press();
+    frm_3d.exit_button.press();
     desktop.clear_changes();
     open();
     EXPECT_EQ(drawings(), 0);

@@ -44,7 +44,7 @@ struct MapBench {
         return controller.messages();
     }
     std::vector<Bytes> update() {
-        return sent_by([this] { frm_3d.Command3d2.press(); });
+        return sent_by([this] { frm_3d.update_button.press(); });
     }
     const std::string& fuel(int row, int column) { return frm_3d.inj_map.cell_text(row, column); }
 

@@ -22,7 +22,7 @@ TEST_F(MainConsoleTest, AnItemAndItsButtonOpenTheView) {
     EXPECT_EQ(state.current_view, View::none);
     EXPECT_TRUE(main.form.visible());
     controller.clear_sent();
-    main.Command3d4.press();
+    main.monitor_button.press();
     EXPECT_EQ(state.current_view, View::monitor);
     EXPECT_THAT(controller.sent(), IsEmpty()) << "the monitor needs no scales";
 }
@@ -77,7 +77,7 @@ TEST_F(MainConsoleTest, AViewAskedForInsideATransactionOpensAfterIt) {
     });
     desktop.run_for(0.5);
     EXPECT_EQ(state.current_view, View::basic_mapping) << "the last choice";
-    main.Command3d4.press();
+    main.monitor_button.press();
     EXPECT_EQ(state.current_view, View::basic_mapping) << "one view at a time";
     forms.frm_3d.form.unload();
     desktop.run_for(0.1);
@@ -90,7 +90,7 @@ TEST_F(MainConsoleTest, QuittingAsksFirst) {
     main.menu_file_exit.click();
     EXPECT_EQ(desktop.boxes().back().title, "ECU");
     desktop.answer_box("Are you sure you want to quit?", platform::Answer::yes);
-    EXPECT_THROW(main.Command3d5.press(), ProgramEnded);
+    EXPECT_THROW(main.exit_button.press(), ProgramEnded);
     desktop.answer_box("Are you sure you want to quit?", platform::Answer::no);
     main.form.close_requested(); // the frame's X, Alt+F4
     EXPECT_TRUE(main.form.visible());
@@ -131,7 +131,7 @@ TEST_F(MainConsoleTest, ResetAndPreparationToReflash) {
 TEST_F(MainConsoleTest, AboutAsksTheControllerAndReportsTheLastFailure) {
     start();
     state.failed_frame_text = "Buffer = 02";
-    desktop.on_modal("frm_about", [&](platform::Form&) { forms.frm_about.Command3d1.press(); });
+    desktop.on_modal("frm_about", [&](platform::Form&) { forms.frm_about.exit_button.press(); });
     main.menu_about.click();
     EXPECT_EQ(controller.sent_codes().substr(0, 2), "R-");
     EXPECT_EQ(forms.frm_about.comm_details.text(), "Buffer = 02");
@@ -139,7 +139,7 @@ TEST_F(MainConsoleTest, AboutAsksTheControllerAndReportsTheLastFailure) {
     controller.clear_sent();
     state.demo_mode = true;
     desktop.on_modal("frm_about", [&](platform::Form&) { forms.frm_about.menu_file_exit.click(); });
-    main.Command3d6.press();
+    main.about_button.press();
     EXPECT_EQ(forms.frm_about.serial_num.text(), "DEMO MODE");
     EXPECT_THAT(controller.sent(), IsEmpty());
     state.demo_mode = false;

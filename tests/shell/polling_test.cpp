@@ -67,7 +67,7 @@ TEST_F(PollingTest, TicksFollowOneAnotherWithoutAGapAndNeverOverlap) {
 TEST_F(PollingTest, NoTickStartsInsideATransactionOfAScreen) {
     start();
     state.capabilities_loaded = true;
-    main.Command3d2.press();
+    main.basic_map_button.press();
     desktop.run_for(0.2);
     ASSERT_TRUE(desktop.run_until([&] { return !comm.busy(); }));
     controller.set_reply_delay(0.09); // longer than the timer's interval
@@ -88,7 +88,7 @@ TEST_F(PollingTest, TheFirstTickKeepsItsQuestionWhileTheLinkIsNotConnected) {
     EXPECT_EQ(desktop.boxes().back().preset, platform::Answer::cancel);
     desktop.run_for(1);
     EXPECT_EQ(controller.sent_codes(), "\xAE") << "the monitor of the stopped controller hears nothing";
-    main.Command3d4.press();
+    main.monitor_button.press();
     desktop.run_for(0.1);
     EXPECT_EQ(controller.sent_codes().substr(0, 2), "\xAE"
                                                     "C");
@@ -102,7 +102,7 @@ TEST_F(PollingTest, DemoModeShowsItselfAndMakesUpPlausibleData) {
         const platform::Control* notice = form->find("show_demo_mode");
         EXPECT_TRUE(notice == nullptr || notice->visible()) << form->name();
     }
-    EXPECT_FALSE(main.Command2.enabled()) << "leads to no view, in demo mode either";
+    EXPECT_FALSE(main.gpo_button.enabled()) << "leads to no view, in demo mode either";
     EXPECT_EQ(scales.full_scale_rpm, 8000);
     EXPECT_FLOAT_EQ(forms.frm_dashboard.tachometer.scale().full_scale, 10.8F);
     const float first = data.engine_rpm;
@@ -121,7 +121,7 @@ TEST_F(PollingTest, TheFilterStartsAnewUntilTheLinkIsOpen) {
     desktop.run_for(0.1);
     EXPECT_EQ(data.rpm_filter_state, 0);
     EXPECT_EQ(data.rpm_filter_gain, 0.8F);
-    main.Command3d4.press();
+    main.monitor_button.press();
     desktop.run_for(0.2);
     data.rpm_filter_gain = 0.2F;
     desktop.run_for(0.2);

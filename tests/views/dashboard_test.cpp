@@ -51,7 +51,7 @@ TEST(Dashboard, AsksForTrimsAndLimitsWithThePollingHeldBackBeforeItIsTheOpenView
     EXPECT_EQ(bench.form.form.caption(), "Dashboard ->COM3");
     EXPECT_EQ(bench.form.GPO_duty[3].back_colour(), platform::bright_white);
     EXPECT_EQ(bench.state.current_view, link::View::dashboard);
-    bench.form.Command1.press();
+    bench.form.exit_button.press();
     EXPECT_EQ(bench.state.current_view, link::View::none);
     EXPECT_TRUE(bench.main_form.visible());
 }
@@ -72,7 +72,7 @@ TEST(Dashboard, SendsNoTrimWhileItReadsThemNorOneThatNobodyHasWritten) {
         bench.form.base_offset_deg.key_down(enter);
         platform::KeyPress up{.code = platform::key::up, .shift = true};
         bench.form.ecu_pgm[0].key_down(up);
-        bench.form.Command2.press();
+        bench.form.update_button.press();
         paused = bench.state.polling_paused;
     });
     bench.open(bench.form.form);
@@ -199,7 +199,7 @@ TEST(Trims, ARefusedOneKeepsItsTextAndTheOthersStillGoOut) {
     bench.form.ecu_pgm[0].set_text("-0.01");
     bench.form.ecu_pgm[1].set_text("52.4288");
     bench.form.base_offset_deg.set_text("0");
-    bench.form.Command2.press();
+    bench.form.update_button.press();
     EXPECT_THAT(bench.sent(), ElementsAre(Bytes{164, 64, 0, 0}));
     EXPECT_TRUE(bench.form.ecu_pgm[0].is_pending() && bench.form.ecu_pgm[1].is_pending());
     EXPECT_EQ(bench.form.ecu_pgm[1].text(), "52.4288");
@@ -263,7 +263,7 @@ TEST(Trims, AHeldKeyUpdatesOneAfterTheOtherAndTheEngineFollowsIt) {
         return test::reply_frame({request[2]}, bench.sizes[request[2]]);
     };
     bench.form.base_offset_deg.set_text("2");
-    bench.form.Command2.press();
+    bench.form.update_button.press();
     bench.desktop.run_for(2);
     EXPECT_THAT(bench.sent(), testing::Contains(Bytes{'m', 0x56, 0x11, 0})); // 7.1 ms
 }
@@ -286,7 +286,7 @@ TEST(Trims, WhatWasNeverReadIsToldHatchedAndReadAgain) {
     bench.dashboard.activate();
     EXPECT_EQ(bench.form.ecu_pgm[0].text(), "1");
     bench.sent();
-    bench.form.Command2.press();
+    bench.form.update_button.press();
     EXPECT_THAT(bench.sent(), IsEmpty());
 }
 

@@ -45,7 +45,7 @@ TEST_F(MonitorTest, TextsOfTheRows) {
 TEST_F(MonitorTest, TheMixtureFollowsUnitsSensorAndFault) {
     start();
     main.menuUnitsLambda[1].click();
-    main.Command3d4.press();
+    main.monitor_button.press();
     state.polling_paused = true;
     data.status_flags = 1;
     data.lambda = 1;
@@ -76,7 +76,7 @@ TEST_F(MonitorTest, OnlyChangedRowsAreWrittenAndAllMarkedOnesAtTheNextOpening) {
     desktop.run_for(0.2);
     EXPECT_EQ(row(0), "stale") << "the same text is not written again";
     forms.frm_mon.menufileexit.click();
-    main.Command3d4.press();
+    main.monitor_button.press();
     desktop.run_for(0.2);
     EXPECT_EQ(row(0) + " " + row(12) + " " + row(13), "0 0.000 ");
     EXPECT_EQ(row(14), "stale") << "the mark covers fourteen rows";

@@ -48,10 +48,10 @@ struct CorrectionWindow : testing::Test {
     CorrectionWindow() {
         console.state.demo_mode = true;
         console.navigation.open(link::View::additional_mapping);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return form.Command3d2.enabled() && !console.state.polling_paused; }));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return form.update_button.enabled() && !console.state.polling_paused; }));
     }
     ~CorrectionWindow() override {
-        form.Command3d1.press();
+        form.exit_button.press();
         QTest::qWait(1);
     }
     FormWindow& window() { return static_cast<FormWindow&>(desktop.host().window_of(form.form)); }

@@ -23,7 +23,7 @@ struct GpoWindow : testing::Test {
     GpoWindow() {
         console.state.demo_mode = true;
         console.navigation.open(link::View::gpo_mapping);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return form.Command3d2.enabled() && !console.state.polling_paused; }));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return form.update_button.enabled() && !console.state.polling_paused; }));
         window = &desktop.host().window_of(form.form);
         window->resize(1350, 690);
         QTest::qWait(1);

@@ -136,7 +136,7 @@ TEST(OpenedMapWindow, KeysGoToTheMapThatIsShownAndItsFirstCell) {
     maps::Frm3d& form = console.forms.frm_3d;
     console.state.demo_mode = true;
     console.navigation.open(link::View::basic_mapping);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return form.Command3d2.enabled() && !console.state.polling_paused; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return form.update_button.enabled() && !console.state.polling_paused; }));
     std::array<int, 4> typed{};
     for (const std::size_t map : {0U, 3U, 1U, 2U}) { // each time with the last one's cell still in its editor
         form.show_map_type[map].set_checked(true);
@@ -150,7 +150,7 @@ TEST(OpenedMapWindow, KeysGoToTheMapThatIsShownAndItsFirstCell) {
     }
     form.show_map_type[0].set_checked(true);
     EXPECT_EQ(QApplication::focusWidget()->objectName(), "inj_map");
-    form.Command3d1.press();
+    form.exit_button.press();
     QTest::qWait(1); // the console's window is activated with the next events
 }
 

@@ -240,7 +240,7 @@ std::unique_ptr<FormWindow> make_frm_2d_window(maps::Frm2d& f, QtHost& host) {
     }
     window->set_body(tabs);
     window->set_footer(
-        window->across({live_figures(*window, f), window->buttons({&f.read_again, &f.Command3d2, &f.Command3d1})}));
+        window->across({live_figures(*window, f), window->buttons({&f.read_again, &f.update_button, &f.exit_button})}));
     window->demo_badge(f.show_demo_mode);
     window->status_line(f.map_status);
     window->statusBar()->addPermanentWidget(

@@ -261,7 +261,7 @@ std::unique_ptr<FormWindow> make_frm_3d_window(maps::Frm3d& f, QtHost& host) {
     side->setMaximumWidth(300);
     QWidget* maps = window->down({map_options(*window, f), plot}, {0, 1});
     window->set_body(window->down({window->across({maps, side}, {1, 0}), legend(*window, f)}, {1, 0}));
-    window->set_footer(window->buttons({&f.show_this_graph, &f.read_again, &f.Command3d2, &f.Command3d1}));
+    window->set_footer(window->buttons({&f.show_this_graph, &f.read_again, &f.update_button, &f.exit_button}));
     window->demo_badge(f.show_demo_mode);
     window->status_line(f.map_status);
     window->statusBar()->addPermanentWidget(

@@ -19,7 +19,7 @@ std::unique_ptr<FormWindow> make_frm_about_window(shell::FrmAbout& f, QtHost& ho
     Panel text = window->panel("Installation");
     text.add(f.oemtext, "Installation", 1)->setMinimumSize(460, 120);
     window->set_body(window->down({window->across({picture, versions}), text}, {1, 1}));
-    window->set_footer(window->buttons({&f.Command3d1}));
+    window->set_footer(window->buttons({&f.exit_button}));
     window->close_on_escape();
     return window;
 }

@@ -123,7 +123,7 @@ std::unique_ptr<FormWindow> make_frm_autotune_window(autotune::FrmAutotune& f, Q
     side->setMaximumWidth(360);
 
     window->set_body(window->across({pages, side}, {1, 0}));
-    window->set_footer(window->buttons({&f.apply_to_maps, &f.reset_autotune_params, &f.Command3d1}));
+    window->set_footer(window->buttons({&f.apply_to_maps, &f.reset_autotune_params, &f.exit_button}));
     window->status(f.applied);
     auto* keys = new QLabel(QString::fromUtf8("Ctrl+1, Ctrl+2 grid   F6 to and from it"));
     QPalette palette;

@@ -101,10 +101,10 @@ std::unique_ptr<FormWindow> make_frm_dashboard_window(views::FrmDashboard& f, Qt
     QWidget* controls = window->across({trims, feedback, mixture, picture}, {2, 2, 5, 2});
     controls->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
     window->set_body(window->down({gauges(*window, f), controls}, {1, 0}));
-    window->set_footer(window->buttons({&f.read_again, &f.Command2, &f.Command1}));
+    window->set_footer(window->buttons({&f.read_again, &f.update_button, &f.exit_button}));
     window->demo_badge(f.show_demo_mode);
     window->status_line(f.trim_status);
-    window->focus_first([&f]() -> platform::Control& { return f.Command1; });
+    window->focus_first([&f]() -> platform::Control& { return f.exit_button; });
     window->resize(1280, 800);
     return window;
 }

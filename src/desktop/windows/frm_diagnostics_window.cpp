@@ -77,7 +77,7 @@ QWidget* driver_page(FormWindow& window, FrmDiagnostics& f, std::size_t panel, F
     Panel act = window.panel("Test");
     act.add(note("The engine must stand still. Unlocking shows what to look at first; it lasts until this window "
                  "closes. Each press of Test fires the ticked channels once."));
-    act.add(f.Command3[panel]);
+    act.add(f.unlock_button[panel]);
     act.add(test);
     act.add(wrapped(window, f.test_result[panel], "Last test", 2));
     act.fill();
@@ -138,8 +138,8 @@ QWidget* dyno_page(FormWindow& window, FrmDiagnostics& f) {
 
 std::unique_ptr<FormWindow> make_frm_diagnostics_window(FrmDiagnostics& f, QtHost& host) {
     auto window = std::make_unique<FormWindow>(f.form, host);
-    const std::array pages{driver_page(*window, f, 0, f.inj_chan_test, f.Command1, "Injector channels"),
-                           driver_page(*window, f, 1, f.ign_chan_test, f.Command2, "Ignition channels"),
+    const std::array pages{driver_page(*window, f, 0, f.inj_chan_test, f.test_injectors_button, "Injector channels"),
+                           driver_page(*window, f, 1, f.ign_chan_test, f.test_ignition_button, "Ignition channels"),
                            wheel_page(*window, f), dyno_page(*window, f)};
     std::vector<std::pair<QString, QWidget*>> tabs;
     for (std::size_t i = 0; i < pages.size(); ++i) {
@@ -148,7 +148,7 @@ std::unique_ptr<FormWindow> make_frm_diagnostics_window(FrmDiagnostics& f, QtHos
         tabs.emplace_back(QString::fromUtf8(caption.data(), static_cast<qsizetype>(caption.size())), pages[i]);
     }
     window->set_body(window->tabs(f.diags_tab, tabs));
-    window->set_footer(window->buttons({&f.Command3d2}));
+    window->set_footer(window->buttons({&f.exit_button}));
     window->demo_badge(f.show_demo_mode);
     window->resize(1000, 680);
     return window;

@@ -15,9 +15,9 @@ QWidget* button_rows(FormWindow& window, shell::FrmEcu& f) {
     auto* layout = new QGridLayout(holder);
     layout->setContentsMargins(0, 0, 0, 0);
     const std::array<std::array<platform::Button*, 4>, 3> rows{
-        {{&f.Command3d4, &f.Command1, &f.Command3d3, &f.Command3},
-         {&f.Command3d2, &f.Command3d7, &f.Command2, &f.Command3d1},
-         {nullptr, nullptr, &f.Command3d6, &f.Command3d5}}};
+        {{&f.monitor_button, &f.dashboard_button, &f.plotter_button, &f.diagnostics_button},
+         {&f.basic_map_button, &f.additional_map_button, &f.gpo_button, &f.configuration_button},
+         {nullptr, nullptr, &f.about_button, &f.exit_button}}};
     for (int row = 0; row < 3; ++row) {
         for (int column = 0; column < 4; ++column) {
             platform::Button* button = rows[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)];

@@ -125,7 +125,7 @@ QWidget* panels(FormWindow& window, views::FrmMon& f) {
 std::unique_ptr<FormWindow> make_frm_mon_window(views::FrmMon& f, QtHost& host) {
     auto window = std::make_unique<FormWindow>(f.form, host);
     window->set_body(panels(*window, f));
-    window->set_footer(window->buttons({&f.Command3d1}));
+    window->set_footer(window->buttons({&f.exit_button}));
     window->demo_badge(f.show_demo_mode);
     window->keep_hidden(f.ECU_Data[Row::unused]); // nothing is ever written to it
     window->scale_figures(8, 30);

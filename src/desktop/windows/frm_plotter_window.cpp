@@ -77,8 +77,8 @@ QWidget* log_panel(FormWindow& window, logging::FrmPlotter& f) {
     panel.row("File Samples", f.File_Samples);
     panel.add(f.skip_graphics);
     panel.next_column();
-    panel.add(f.Command3d2);
-    panel.add(f.Command3d3);
+    panel.add(f.start_log_button);
+    panel.add(f.stop_log_button);
     panel.layout()->setColumnStretch(0, 0);
     panel.layout()->setColumnStretch(1, 1); // a path is long
     return panel;
@@ -89,7 +89,7 @@ QWidget* log_panel(FormWindow& window, logging::FrmPlotter& f) {
 std::unique_ptr<FormWindow> make_frm_plotter_window(logging::FrmPlotter& f, QtHost& host) {
     auto window = std::make_unique<FormWindow>(f.form, host);
     window->set_body(window->across({chart_with_tools(*window, f), legend(*window, f)}, {1, 0}));
-    window->set_footer(window->across({log_panel(*window, f), window->buttons({&f.Command3d1})}, {1, 0}));
+    window->set_footer(window->across({log_panel(*window, f), window->buttons({&f.exit_button})}, {1, 0}));
     window->demo_badge(f.show_demo_mode);
     window->resize(1240, 760);
     return window;

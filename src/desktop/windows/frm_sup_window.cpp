@@ -345,7 +345,7 @@ QWidget* footer(FormWindow& window, FrmSup& f) {
     auto* row = new QHBoxLayout(holder);
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(cell_legend({CellState::pending, CellState::confirmed, CellState::unread}), 1);
-    row->addWidget(window.buttons({&f.read_again, &f.Command3d2, &f.Command3d1}));
+    row->addWidget(window.buttons({&f.read_again, &f.update_button, &f.exit_button}));
     return holder;
 }
 

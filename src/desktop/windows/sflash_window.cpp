@@ -33,8 +33,8 @@ QWidget* terminal(FormWindow& window, flash::FrmSflash& f) {
 std::unique_ptr<FormWindow> make_sflash_window(flash::FrmSflash& f, QtHost& host) {
     auto window = std::make_unique<FormWindow>(f.form, host);
     Panel run = window->panel("Program");
-    run.add(f.Command1);
-    run.add(f.Command2);
+    run.add(f.flash_button);
+    run.add(f.halt_button);
     run.add(wrapped(*window, f.flash_file, "File"));
     run.add(window->progress(f.flash_track, f.flash_bar, "Progress"));
     run.row("Lines Sent:", f.lines_sent);
@@ -47,8 +47,8 @@ std::unique_ptr<FormWindow> make_sflash_window(flash::FrmSflash& f, QtHost& host
     delays.add(f.char_delay_box);
     delays.row("after each character", f.char_dly, "Sec");
     window->set_body(window->across({terminal(*window, f), window->stack({run, delays})}, {1, 1}));
-    window->set_footer(window->buttons({&f.check_file, &f.Command3, &f.exit_flash}));
-    window->focus_first([&f]() -> platform::Control& { return f.Command3; });
+    window->set_footer(window->buttons({&f.check_file, &f.monitor_check_button, &f.exit_flash}));
+    window->focus_first([&f]() -> platform::Control& { return f.monitor_check_button; });
     window->resize(760, 480);
     return window;
 }
