@@ -227,6 +227,12 @@ void Binding::refresh_common(Control& control, Bound& bound, Property property) 
     }
 }
 
+void Binding::recolour() {
+    for (Control* control : form_.controls()) {
+        refresh(*control, Property::back_colour);
+    }
+}
+
 // What a box shows that has not the focus: while many are read, it takes no time from the line.
 void Binding::refresh_later(platform::TextBox& box) {
     if (stale_.empty()) {

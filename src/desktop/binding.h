@@ -42,6 +42,7 @@ public:
     void build_menus(QMenuBar& bar);
 
     void refresh(platform::Control& control, platform::Property property);
+    void recolour();                                            // when the theme has changed
     QWidget* widget_of(const platform::Control& control) const; // null when not bound to a widget
     std::vector<platform::Control*> unbound() const;
 

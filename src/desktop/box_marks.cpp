@@ -28,8 +28,8 @@ void paint_box(const platform::TextBox& box, QWidget& widget) {
         palette.setBrush(QPalette::Base, brush);
         state = QStringLiteral("not read");
     } else if (box.unconfirmed() && box.is_pending() && !platform::is_number(box.text())) {
-        palette.setColor(QPalette::Active, QPalette::Text, theme::wrong_text);
-        palette.setColor(QPalette::Inactive, QPalette::Text, theme::wrong_text);
+        palette.setColor(QPalette::Active, QPalette::Text, theme::wrong_text());
+        palette.setColor(QPalette::Inactive, QPalette::Text, theme::wrong_text());
         state = QStringLiteral("pending, no number");
     } else if (unconfirmed) {
         state = QStringLiteral("not confirmed by the controller");

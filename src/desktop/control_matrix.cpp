@@ -21,9 +21,7 @@ ControlMatrix::ControlMatrix(FormWindow& window, Panel panel) : window_(&window)
 
 QWidget* ControlMatrix::muted(std::string_view text) {
     auto* label = new QLabel(qt(text));
-    QPalette palette;
-    palette.setColor(QPalette::WindowText, theme::muted_text(QPalette()));
-    label->setPalette(palette);
+    theme::mute(*label);
     return label;
 }
 

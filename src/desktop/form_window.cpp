@@ -99,6 +99,18 @@ FigureLabel* FormWindow::make_figure(platform::Label& control, const Caption& na
     return label;
 }
 
+void FormWindow::follow_tabs(platform::Tabs& control, QTabWidget& tabs) {
+    const QString kept = "tabs/" + qt(form_.name()) + '/' + qt(control.full_name());
+    QObject::connect(&tabs, &QTabWidget::currentChanged, &tabs, [this, &control, kept](int page) {
+        control.set_current(page);
+        host_.remembered().set_value(kept, page);
+    });
+    const int last = host_.remembered().value(kept).toInt();
+    if (last > 0 && last < tabs.count() && tabs.isTabVisible(last)) {
+        tabs.setCurrentIndex(last);
+    }
+}
+
 QTabWidget* FormWindow::tabs(platform::Tabs& control, const std::vector<std::pair<QString, QWidget*>>& pages) {
     auto* tabs = new QTabWidget;
     tabs->setDocumentMode(true);
@@ -114,7 +126,7 @@ QTabWidget* FormWindow::tabs(platform::Tabs& control, const std::vector<std::pai
             }
         },
         qt(form_.caption()));
-    QObject::connect(tabs, &QTabWidget::currentChanged, tabs, [&control](int page) { control.set_current(page); });
+    follow_tabs(control, *tabs);
     return tabs;
 }
 
@@ -203,10 +215,12 @@ void FormWindow::demo_badge(platform::Label& label) {
     QFont bold = badge->font();
     bold.setBold(true);
     badge->setFont(bold);
-    QPalette palette;
-    palette.setColor(QPalette::WindowText,
-                     theme::readable_on(QColor(0xd9, 0x82, 0x00), QPalette().color(QPalette::Window)));
-    badge->setPalette(palette);
+    theme::in_each(*badge, [badge] {
+        QPalette palette;
+        palette.setColor(QPalette::WindowText,
+                         theme::readable_on(QColor(0xd9, 0x82, 0x00), QPalette().color(QPalette::Window)));
+        badge->setPalette(palette);
+    });
     badge->setForegroundRole(QPalette::WindowText);
     badge->setContentsMargins(0, 0, theme::margin, 0);
     badge->setFixedHeight(menuBar()->sizeHint().height() - 2);
@@ -284,7 +298,10 @@ QSize FormWindow::wanted_size() const {
 void FormWindow::open() {
     if (!opened_) {
         opened_ = true;
-        kind_ == WindowKind::dialog ? adjustSize() : resize(wanted_size());
+        const QByteArray kept = kind_ == WindowKind::view ? host_.remembered().geometry(objectName()) : QByteArray();
+        if (kept.isEmpty() || !restoreGeometry(kept)) { // which brings a window back onto a smaller screen
+            kind_ == WindowKind::dialog ? adjustSize() : resize(wanted_size());
+        }
     } else if (!geometry_.isEmpty()) {
         restoreGeometry(geometry_);
     }
@@ -322,6 +339,9 @@ void FormWindow::keyPressEvent(QKeyEvent* event) {
 
 void FormWindow::put_away() {
     geometry_ = saveGeometry();
+    if (opened_ && kind_ == WindowKind::view) {
+        host_.remembered().set_geometry(objectName(), geometry_);
+    }
     hide();
 }
 
@@ -335,6 +355,16 @@ void FormWindow::closeEvent(QCloseEvent* event) {
     event->ignore(); // the form decides, and hides the window itself
     if (form_.enabled()) {
         form_.close_requested();
+    }
+}
+
+// The boxes' colours are made of the theme's, and so are the figures' sizes of its font.
+void FormWindow::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::ApplicationPaletteChange) {
+        binding_.recolour();
+    } else if (event->type() == QEvent::ApplicationFontChange && body_ != nullptr) {
+        fit_figures();
     }
 }
 

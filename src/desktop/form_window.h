@@ -63,6 +63,8 @@ public:
     QWidget* make(platform::Control& control, const Caption& name = "");
     FigureLabel* make_figure(platform::Label& control, const Caption& name, const char* widest);
     QTabWidget* tabs(platform::Tabs& control, const std::vector<std::pair<QString, QWidget*>>& pages);
+    // The control gets the page that the user turns to, which comes first again at the next start.
+    void follow_tabs(platform::Tabs& control, QTabWidget& tabs);
     // A bar whose filled part is the width of `fill` over the width of `track`.
     QWidget* progress(platform::Shape& track, platform::Shape& fill, const Caption& name);
     void keep_hidden(platform::Control& control);
@@ -100,6 +102,7 @@ public:
 protected:
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override; // Enter presses the button that has the focus; Escape
 
 private:

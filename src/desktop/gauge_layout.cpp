@@ -27,11 +27,11 @@ constexpr double lowest_figure = 0.86;
 constexpr double largest_number = 0.195;
 constexpr double largest_figure = 0.34;
 constexpr double gap = 0.03;
-constexpr double caption_top = 0.1;
-constexpr double caption_bottom = 0.34;  // room for two lines
-constexpr double one_line_bottom = 0.28; // above most numbers
-constexpr double caption_half = 0.46;
-constexpr double narrow_caption_half = 0.3;
+constexpr double caption_top = 0.25;     // so far below the hub that a needle at its minimum passes beside it
+constexpr double caption_bottom = 0.58;  // room for two lines
+constexpr double one_line_bottom = 0.42; // above most numbers
+constexpr double caption_half = 0.34;
+constexpr double narrow_caption_half = 0.26;
 
 constexpr double shrink = 0.95;
 constexpr double least_share = 0.05; // of the radius: smaller than can be read

@@ -23,10 +23,12 @@ constexpr int frame_ms = 33;
 constexpr double least_move = 0.5; // pixels of the needle's tip; a smaller one can't be seen
 constexpr double degree = std::numbers::pi / 180;
 
-const QColor ink(0x1c, 0x1e, 0x21);
-const QColor zone_a_colour(0xf2, 0xb1, 0x34);
-const QColor zone_b_colour(0xd6, 0x30, 0x31);
-const QColor needle_colour(0x12, 0x4f, 0x9c);
+const QColor face_ink(0x1c, 0x1e, 0x21);
+constexpr platform::Colour caption_ink{0x35, 0x39, 0x3f};
+constexpr platform::Colour usual_dial{0xf4, 0xf5, 0xf7};
+constexpr platform::Colour zone_a_colour{0xf2, 0xb1, 0x34};
+constexpr platform::Colour zone_b_colour{0xd6, 0x30, 0x31};
+constexpr platform::Colour needle_colour{0x12, 0x4f, 0x9c};
 
 QFont sized(QFont font, double height, QFont::Weight weight) {
     font.setPixelSize(std::max(1, static_cast<int>(height)));
@@ -137,16 +139,17 @@ void GaugeWidget::changeEvent(QEvent* event) {
     }
 }
 
+QColor GaugeWidget::dial() const { return theme::to_qt(gauge_.back_colour().value_or(usual_dial)); }
+
 QPixmap GaugeWidget::draw_face() const {
     QPixmap face(size() * devicePixelRatioF());
     face.setDevicePixelRatio(devicePixelRatioF());
     face.fill(Qt::transparent);
     QPainter painter(&face);
     painter.setRenderHint(QPainter::Antialiasing);
-    const auto background = gauge_.back_colour();
-    const QColor dial = background ? theme::to_qt(*background) : QColor(0xf4, 0xf5, 0xf7);
+    const QColor ink = theme::readable_on(face_ink, dial());
     painter.setPen(QPen(theme::panel_edge(palette()).darker(130), layout_.radius * 0.03));
-    painter.setBrush(dial);
+    painter.setBrush(dial());
     painter.drawEllipse(layout_.centre, layout_.radius * 0.985, layout_.radius * 0.985);
 
     const auto draw_zone = [&](const GaugeLayout::Arc& arc, const QColor& colour) {
@@ -156,8 +159,8 @@ QPixmap GaugeWidget::draw_face() const {
                             static_cast<int>(std::lround(arc.span * 16)));
         }
     };
-    draw_zone(layout_.zone_a, zone_a_colour);
-    draw_zone(layout_.zone_b, zone_b_colour);
+    draw_zone(layout_.zone_a, theme::to_qt(zone_a_colour));
+    draw_zone(layout_.zone_b, theme::to_qt(zone_b_colour));
     for (const GaugeLayout::Tick& tick : layout_.ticks) {
         painter.setPen(QPen(ink, layout_.radius * (tick.major ? 0.022 : 0.012), Qt::SolidLine, Qt::FlatCap));
         painter.drawLine(tick.outer, tick.inner);
@@ -171,7 +174,7 @@ QPixmap GaugeWidget::draw_face() const {
     for (const GaugeLayout::Number& number : layout_.numbers) {
         painter.drawText(number.area, Qt::AlignCenter | Qt::TextDontClip, number.text);
     }
-    painter.setPen(ink.lighter(190));
+    painter.setPen(theme::readable_on(theme::to_qt(caption_ink), dial()));
     const QString caption = gauge_.unit.empty() ? qt(gauge_.text()) : qt(gauge_.text()) + '\n' + qt(gauge_.unit);
     painter.setFont(fitted(sized(font(), layout_.caption_height, QFont::Medium), caption, layout_.caption));
     painter.drawText(layout_.caption, Qt::AlignCenter | Qt::TextDontClip, caption);
@@ -188,13 +191,14 @@ void GaugeWidget::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.drawPixmap(0, 0, face_);
+    const QColor ink = theme::readable_on(face_ink, dial());
     painter.setPen(ink);
     const QFont figures = sized(theme::figure_font(10), layout_.value_height, QFont::Bold);
     painter.setFont(fitted(figures, text_, layout_.value));
     painter.drawText(layout_.value, Qt::AlignCenter | Qt::TextDontClip, text_);
     const std::vector<QPointF> needle = needle_shape(layout_, angle_);
-    painter.setPen(QPen(Qt::white, layout_.radius * 0.01));
-    painter.setBrush(needle_colour);
+    painter.setPen(QPen(dial(), layout_.radius * 0.01));
+    painter.setBrush(theme::readable_on(theme::to_qt(needle_colour), dial()));
     painter.drawPolygon(needle.data(), static_cast<int>(needle.size()));
     painter.setBrush(ink);
     painter.drawEllipse(layout_.centre, layout_.radius * 0.075, layout_.radius * 0.075);

@@ -32,6 +32,7 @@ private:
     void turn_needle();
     void drop_face();
     QPixmap draw_face() const;
+    QColor dial() const;
     QRect needle_area() const;
 
     platform::Gauge& gauge_;

@@ -20,7 +20,7 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
         return back ? QVariant(QBrush(theme::to_qt(*back))) : QVariant();
     case Qt::ForegroundRole:
         if (grid_.cell_to_be_sent(row, column) && !platform::is_number(grid_.cell_text(row, column))) {
-            return QBrush(theme::wrong_text);
+            return QBrush(theme::wrong_text());
         }
         return back ? QVariant(QBrush(theme::text_on(theme::to_qt(*back)))) : QVariant();
     case Qt::TextAlignmentRole:

@@ -17,12 +17,13 @@ namespace {
 namespace log = ecu::adapters::program_log;
 
 constexpr const char* name = "ecu-console";
-constexpr const char* usage = R"(Usage: ecu-console [demo]
+constexpr const char* usage = R"(Usage: ecu-console [demo] [--fresh]
 
 Monitors and programs an engine controller. Start it in the folder that holds its files: port.cfg, OEM.JPG and OEM.TXT
 must be there, lambda.txt and debug.ini may be.
 
   demo         no controller: made-up values, nothing is sent
+  --fresh      with the looks, sizes and choices of a first start; none of this start's are remembered
   --help       this text
   --version    the version
 
@@ -58,14 +59,15 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName(name);
     QApplication::setQuitOnLastWindowClosed(false); // between two views no window is up for a moment
 
-    const QStringList words = QApplication::arguments().mid(1);
+    QStringList words = QApplication::arguments().mid(1);
+    const bool fresh = words.removeAll("--fresh") > 0;
     if (words.size() > 1 || (words.size() == 1 && words[0].compare("demo", Qt::CaseInsensitive) != 0)) {
-        std::cerr << "usage: ecu-console [demo]\n";
+        std::cerr << "usage: ecu-console [demo] [--fresh]\n";
         return 2;
     }
     log::open(log::folder_for(name), name, ecu::shell::console_version);
     ecu::desktop::theme::apply(application);
-    ecu::desktop::DesktopConsole desktop;
+    ecu::desktop::DesktopConsole desktop(fresh ? QString() : ecu::desktop::Remembered::file_of_user());
     desktop.program().at_end = [](int status) { log::note_end(status, "the console's own exit"); };
     const ecu::adapters::EndSignals end_signals([&desktop] {
         log::note("a signal asks for the end");

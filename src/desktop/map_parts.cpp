@@ -15,29 +15,6 @@ namespace ecu::desktop {
 
 namespace {
 
-// Follows the desktop from light to dark.
-class MutedLabel final : public QLabel {
-public:
-    explicit MutedLabel(const QString& text) : QLabel(text) { take_colour(); }
-
-protected:
-    void changeEvent(QEvent* event) override {
-        QLabel::changeEvent(event);
-        if (event->type() == QEvent::ApplicationPaletteChange || event->type() == QEvent::PaletteChange) {
-            take_colour();
-        }
-    }
-
-private:
-    void take_colour() {
-        QPalette muted;
-        muted.setColor(QPalette::WindowText, theme::muted_text(QPalette()));
-        if (palette().color(QPalette::WindowText) != muted.color(QPalette::WindowText)) {
-            setPalette(muted);
-        }
-    }
-};
-
 constexpr QSize swatch_size(16, 14);
 
 struct StateText {
@@ -71,9 +48,9 @@ QPixmap picture_of(CellState state) {
     return picture;
 }
 
-QLabel* framed(const QPixmap& picture) {
+QLabel* framed(std::function<QPixmap()> picture) {
     auto* label = new QLabel;
-    label->setPixmap(picture);
+    theme::in_each(*label, [label, draw = std::move(picture)] { label->setPixmap(draw()); });
     label->setFrameShape(QFrame::Box);
     label->setFixedSize(swatch_size + QSize(2, 2));
     return label;
@@ -103,12 +80,18 @@ void AxisMarker::paintEvent(QPaintEvent*) {
 QPixmap pending_picture() { return picture_of(CellState::pending); }
 
 QLabel* swatch(platform::Colour colour) {
-    QPixmap picture(swatch_size);
-    picture.fill(theme::to_qt(colour));
-    return framed(picture);
+    return framed([colour] {
+        QPixmap picture(swatch_size);
+        picture.fill(theme::to_qt(colour));
+        return picture;
+    });
 }
 
-QLabel* muted_label(const QString& text) { return new MutedLabel(text); }
+QLabel* muted_label(const QString& text) {
+    auto* label = new QLabel(text);
+    theme::mute(*label);
+    return label;
+}
 
 void keep_focus_in_sight(QScrollArea& area) {
     QObject::connect(qApp, &QApplication::focusChanged, &area, [&area](QWidget*, QWidget* now) {
@@ -125,7 +108,7 @@ QWidget* cell_legend(std::initializer_list<CellState> states, const std::vector<
     row->setSpacing(0);
     for (const CellState state : states) {
         const auto& [name, meaning] = state_texts.at(static_cast<std::size_t>(state));
-        for (QWidget* part : {static_cast<QWidget*>(framed(picture_of(state))),
+        for (QWidget* part : {static_cast<QWidget*>(framed([state] { return picture_of(state); })),
                               static_cast<QWidget*>(muted_label(QStringLiteral(" ") + QString::fromUtf8(name)))}) {
             part->setToolTip(QString::fromUtf8(meaning));
             row->addWidget(part);

@@ -25,12 +25,6 @@ QFont title_font(QFont font) {
     return font;
 }
 
-void mute(QWidget& widget) {
-    QPalette palette;
-    palette.setColor(QPalette::WindowText, theme::muted_text(QPalette()));
-    widget.setPalette(palette);
-}
-
 QWidget* in_a_line(const std::vector<QWidget*>& widgets, bool stretch_at_end) {
     auto* line = new QWidget;
     auto* layout = new QHBoxLayout(line);
@@ -87,14 +81,14 @@ QWidget* Panel::caption_widget(const Caption& caption, bool unit) {
     if (caption.label() != nullptr) {
         QWidget* widget = window_->make(*caption.label());
         if (unit) {
-            mute(*widget);
+            theme::mute(*widget);
         }
         return widget;
     }
     auto* label = new QLabel(caption.text());
     label->setTextFormat(Qt::PlainText);
     if (unit) {
-        mute(*label);
+        theme::mute(*label);
     }
     return label;
 }

@@ -13,7 +13,9 @@ namespace ecu::desktop {
 using platform::Form;
 using platform::FormChange;
 
-QtHost::QtHost() { QApplication::setQuitOnLastWindowClosed(false); }
+QtHost::QtHost(Remembered* remembered) : remembered_(remembered != nullptr ? remembered : &forgotten_) {
+    QApplication::setQuitOnLastWindowClosed(false);
+}
 
 QtHost::~QtHost() = default;
 

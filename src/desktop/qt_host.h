@@ -2,6 +2,7 @@
 // from the event loop after the window is up; a modal form holds the other windows until it hides.
 #pragma once
 
+#include "desktop/remembered.h"
 #include "platform/form.h"
 
 #include <QObject>
@@ -19,7 +20,8 @@ class QtHost final : public platform::FormHost {
 public:
     using Factory = std::function<std::unique_ptr<FormWindow>()>;
 
-    QtHost();
+    // Where windows keep their sizes and tabs; none: they forget them with the host.
+    explicit QtHost(Remembered* remembered = nullptr);
     ~QtHost() override;
     QtHost(const QtHost&) = delete;
     QtHost& operator=(const QtHost&) = delete;
@@ -29,6 +31,8 @@ public:
     bool has_window(const platform::Form& form) const { return factories_.contains(&form) || windows_.contains(&form); }
     // The window, built now if it was not. Throws std::logic_error for a form that was never added.
     FormWindow& window_of(platform::Form& form);
+
+    Remembered& remembered() { return *remembered_; }
 
     // A window registers itself when it is built and leaves when it goes.
     void attach(platform::Form& form, FormWindow& window);
@@ -43,6 +47,8 @@ public:
 private:
     void queue_activation(platform::Form& form);
 
+    Remembered forgotten_;
+    Remembered* remembered_;
     std::unordered_map<const platform::Form*, Factory> factories_;
     std::unordered_map<const platform::Form*, FormWindow*> windows_;
     std::unordered_map<const platform::Form*, std::unique_ptr<FormWindow>> owned_;

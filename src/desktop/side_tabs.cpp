@@ -112,7 +112,7 @@ SideTabs* SideTabs::make(FormWindow& window, platform::Tabs& control,
             }
         },
         qt(window.form().caption()));
-    QObject::connect(tabs, &QTabWidget::currentChanged, tabs, [&control](int page) { control.set_current(page); });
+    window.follow_tabs(control, *tabs);
     return tabs;
 }
 

@@ -20,9 +20,10 @@ constexpr int least_ms_between_pictures = 33;
 constexpr int after_sample_ms = 4; // by then the next message is under way
 constexpr int no_more_samples_ms = 120;
 constexpr std::size_t most_stamps = 200;
-const QColor paper = theme::to_qt(logging::chart_paper);
-const QColor paper_grid(0x2c, 0x33, 0x3d);
-const QColor paper_ink(0xd8, 0xde, 0xe6);
+constexpr platform::Colour paper_grid{0x2c, 0x33, 0x3d};
+constexpr platform::Colour paper_ink{0xd8, 0xde, 0xe6};
+
+QColor ink() { return theme::readable_on(theme::to_qt(paper_ink), theme::to_qt(logging::chart_paper)); }
 
 // The time of day, with as many decimals of the second as the ticks need to differ.
 class TimeTicker final : public QCPAxisTickerDateTime {
@@ -76,12 +77,10 @@ StripChartWidget::StripChartWidget(StripChart& chart)
     layer("pointer")->setMode(QCPLayer::lmBuffered); // moves without drawing the lines again
     pointer_line_ = new QCPItemStraightLine(this);
     pointer_line_->setLayer("pointer");
-    pointer_line_->setPen(QPen(paper_ink, 1, Qt::DashLine));
     pointer_line_->setVisible(false);
     hint_ = new QCPItemText(this);
     hint_->position->setType(QCPItemPosition::ptAxisRectRatio);
     hint_->position->setCoords(0.5, 0.5);
-    hint_->setColor(paper_ink);
     hint_->setVisible(false);
     reading_box_ = new QLabel(this);
     reading_box_->setAttribute(Qt::WA_TransparentForMouseEvents);
@@ -212,13 +211,13 @@ void StripChartWidget::fill_graphs() {
 void StripChartWidget::place_stamps() {
     while (stamp_texts_.size() < stamps_.size()) {
         auto* text = new QCPItemText(this);
-        text->setColor(paper_ink);
+        text->setColor(ink());
         text->setPositionAlignment(Qt::AlignRight | Qt::AlignBottom);
         text->setPadding(QMargins(3, 1, 3, 1));
         text->setBrush(QColor(0x12, 0x16, 0x1c, 190));
         stamp_texts_.push_back(text);
         auto* line = new QCPItemLine(this);
-        line->setPen(QPen(paper_ink, 1, Qt::DotLine));
+        line->setPen(QPen(ink(), 1, Qt::DotLine));
         stamp_lines_.push_back(line);
     }
     for (std::size_t i = 0; i < stamp_texts_.size(); ++i) {
@@ -239,7 +238,7 @@ void StripChartWidget::place_stamps() {
 void StripChartWidget::style() {
     const QColor text = palette().color(QPalette::WindowText);
     setBackground(QBrush(palette().color(QPalette::Window)));
-    axisRect()->setBackground(QBrush(paper));
+    axisRect()->setBackground(QBrush(theme::to_qt(logging::chart_paper)));
     for (QCPAxis* axis : {xAxis, yAxis, xAxis2, yAxis2}) {
         axis->setBasePen(QPen(theme::panel_edge(palette())));
         axis->setTickPen(QPen(theme::muted_text(palette())));
@@ -248,10 +247,18 @@ void StripChartWidget::style() {
         axis->setLabelColor(theme::muted_text(palette()));
         axis->setTickLabelFont(font());
         axis->setLabelFont(font());
-        axis->grid()->setPen(QPen(paper_grid, 1));
-        axis->grid()->setZeroLinePen(QPen(paper_grid, 1));
+        axis->grid()->setPen(QPen(theme::to_qt(paper_grid), 1));
+        axis->grid()->setZeroLinePen(QPen(theme::to_qt(paper_grid), 1));
     }
     hint_->setFont(font());
+    hint_->setColor(ink());
+    pointer_line_->setPen(QPen(ink(), 1, Qt::DashLine));
+    for (QCPItemText* stamp : stamp_texts_) {
+        stamp->setColor(ink());
+    }
+    for (QCPItemLine* line : stamp_lines_) {
+        line->setPen(QPen(ink(), 1, Qt::DotLine));
+    }
 }
 
 void StripChartWidget::changeEvent(QEvent* event) {

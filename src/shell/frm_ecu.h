@@ -50,6 +50,14 @@ struct FrmEcu {
     platform::MenuItem menu_View_Plotter{menu_view, "menu_View_Plotter", "&Plotter"};
     platform::MenuItem menu_view_diagnostic{menu_view, "menu_view_diagnostic", "D&iagnostics"};
 
+    platform::MenuItem menu_view_theme{menu_view, "menu_view_theme", "&Theme"};
+    // As theme::themes has them.
+    platform::ControlArray<platform::MenuItem, 5> menu_view_themes{
+        menu_view_theme,
+        "menu_view_themes",
+        {"As the &system's", "&Light", "&Dark", "&Night (dim red)", "&High contrast"}};
+    platform::MenuItem menu_view_large_digits{menu_view, "menu_view_large_digits", "&Large digits"};
+
     platform::MenuItem menu_tool{form, "menu_tool", "&Tools"};
     platform::MenuItem menu_tool_flash_utility{menu_tool, "menu_tool_flash_utility", "Flash &Utility"};
     platform::MenuItem menu_tool_reflash{menu_tool, "menu_tool_reflash", "Prepare to Re-&Flash"};
@@ -90,6 +98,9 @@ struct FrmEcu {
         menuUnitsPressure[0].separator_before = true;
         menu_remote_setup.separator_before = true;
         menu_tool_compare.separator_before = true;
+        menu_view_theme.separator_before = true;
+        menu_view_theme.set_tool_tip("Colours of all windows; F9 goes through them, in every window");
+        menu_view_large_digits.set_tool_tip("Larger text and figures, to be read from further away (Shift+F9)");
         menu_tool_switch.shortcut = "F8";
         menu_tool_compare.set_tool_tip("Two calibrations side by side: files, restore points, the controller");
         menu_tool_upload_changes.set_tool_tip("Send only what a setup file changes, after a look at it");

@@ -88,9 +88,9 @@ TEST_F(SampleWindow, ABoxShowsAndSaysWhatItsColourDoesNot) {
     QTest::keyClicks(&edit(0), "1,5");
     EXPECT_EQ(form_.box[0].text(), "1.5");
     EXPECT_EQ(edit(0).palette().brush(QPalette::Base).style(), Qt::SolidPattern);
-    EXPECT_NE(edit(0).palette().color(QPalette::Text), theme::wrong_text);
+    EXPECT_NE(edit(0).palette().color(QPalette::Text), theme::wrong_text());
     QTest::keyClicks(&edit(0), "%");
-    EXPECT_EQ(edit(0).palette().color(QPalette::Text), theme::wrong_text);
+    EXPECT_EQ(edit(0).palette().color(QPalette::Text), theme::wrong_text());
     EXPECT_EQ(edit(0).toolTip(), "Milliseconds\npending, no number");
     form_.box[0].set_back_colour(confirmed); // sent, and never echoed
     EXPECT_TRUE(edit(0).font().underline());

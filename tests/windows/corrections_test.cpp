@@ -112,7 +112,7 @@ TEST_F(CorrectionWindow, IsCompleteFitsItsScreensAndCanBeLookedAt) {
     pictures("_150", {902, 472});
     pictures("_large", {1900, 1040});
     const QPalette light = QApplication::palette();
-    QApplication::setPalette(theme::dark_palette());
+    theme::use(theme::Theme::dark);
     pictures("_dark", {1240, 720});
     QApplication::setPalette(light);
 }

@@ -86,7 +86,7 @@ class DiagnosticsWindow : public testing::TestWithParam<bool> {
 protected:
     DiagnosticsWindow() {
         if (GetParam()) {
-            QApplication::setPalette(theme::dark_palette());
+            theme::use(theme::Theme::dark);
         }
     }
     ~DiagnosticsWindow() override { QApplication::setPalette(QPalette()); }

@@ -201,9 +201,9 @@ TEST_F(GridWindow, CommaTypesAPointAndWhatIsNoNumberIsRed) {
     type(Qt::Key_5);
     EXPECT_EQ(form_.grid.cell_text(1, 1), "1.5");
     const auto colour = [this] { return view_->model()->index(0, 0).data(Qt::ForegroundRole).value<QBrush>().color(); };
-    EXPECT_NE(colour(), theme::wrong_text);
+    EXPECT_NE(colour(), theme::wrong_text());
     QTest::keyClick(QApplication::focusWidget(), 'x');
-    EXPECT_EQ(colour(), theme::wrong_text);
+    EXPECT_EQ(colour(), theme::wrong_text());
     type(Qt::Key_Tab);
     select(2, 2);
     QTest::keyClick(view_, ','); // begins an entry

@@ -25,9 +25,8 @@ int main(int argc, char** argv) {
     qputenv("ECU_QT_FILE_DIALOG", "1");
     QApplication application(argc, argv);
     ecu::desktop::theme::apply(application);
-    if (qEnvironmentVariable("ECU_THEME") == "dark") {
-        QApplication::setPalette(ecu::desktop::theme::dark_palette());
-    }
+    namespace theme = ecu::desktop::theme;
+    theme::use(theme::theme_named(qEnvironmentVariable("ECU_THEME").toStdString()).value_or(theme::Theme::system));
     if (argc == 2 && std::string_view(argv[1]) == "--serve") {
         return serve();
     }

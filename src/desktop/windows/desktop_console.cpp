@@ -5,12 +5,57 @@
 
 namespace ecu::desktop {
 
-DesktopConsole::DesktopConsole()
-    : console_({clock_, waiting_, timers_, dialogs_, program_, serial_ports_, datagram_sockets_}) {
-    program_.before_end = [this] { console_.before_end(); };
+namespace {
+
+constexpr const char* channels_key = "plotter/channels";
+constexpr const char* interval_key = "plotter/interval";
+
+} // namespace
+
+DesktopConsole::DesktopConsole(const QString& settings)
+    : console_({clock_, waiting_, timers_, dialogs_, program_, serial_ports_, datagram_sockets_}),
+      remembered_(settings.isEmpty() ? std::make_unique<Remembered>() : std::make_unique<Remembered>(settings)),
+      appearance_(console_.forms.frm_ecu, *remembered_), host_(remembered_.get()) {
+    program_.before_end = [this] {
+        remember_chart();
+        console_.before_end();
+    };
+    recall_chart();
     console_.flash_check.make_monitor = controller::rehearsal_monitor<flash::Monitor>;
     add_windows();
     console_.forms.registry.set_host(&host_);
+}
+
+DesktopConsole::~DesktopConsole() { remember_chart(); }
+
+// Which channels are drawn, by a mark for each, and the logging interval by its place in the menu.
+void DesktopConsole::recall_chart() {
+    logging::FrmPlotter& plotter = console_.forms.frm_plotter;
+    const QString channels = remembered_->value(channels_key).toString();
+    if (channels.size() == static_cast<qsizetype>(plotter.Check3d1.size())) {
+        for (platform::CheckBox& box : plotter.Check3d1) {
+            box.set_checked(channels.at(box.index()) == '1');
+        }
+    }
+    bool kept = false;
+    const int interval = remembered_->value(interval_key).toInt(&kept);
+    if (kept && interval >= 0 && interval < static_cast<int>(plotter.menu_log_int.size())) {
+        plotter.menu_log_int[static_cast<std::size_t>(interval)].click();
+    }
+}
+
+void DesktopConsole::remember_chart() {
+    const logging::FrmPlotter& plotter = console_.forms.frm_plotter;
+    QString channels;
+    for (const platform::CheckBox& box : plotter.Check3d1) {
+        channels.append(box.checked() ? '1' : '0');
+    }
+    remembered_->set_value(channels_key, channels);
+    for (const platform::MenuItem& item : plotter.menu_log_int) {
+        if (item.checked()) {
+            remembered_->set_value(interval_key, item.index());
+        }
+    }
 }
 
 void DesktopConsole::add_windows() {

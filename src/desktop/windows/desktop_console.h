@@ -8,6 +8,7 @@
 #include "adapters/qt_timers.h"
 #include "adapters/qt_waiting.h"
 #include "console/console.h"
+#include "desktop/appearance.h"
 #include "desktop/qt_dialogs.h"
 #include "desktop/qt_host.h"
 
@@ -16,7 +17,9 @@ namespace ecu::desktop {
 // A QApplication must exist, and outlive this. The console works in the current folder.
 class DesktopConsole {
 public:
-    DesktopConsole();
+    // `settings` is the file of what is remembered; none: nothing is.
+    explicit DesktopConsole(const QString& settings = {});
+    ~DesktopConsole();
     DesktopConsole(const DesktopConsole&) = delete;
     DesktopConsole& operator=(const DesktopConsole&) = delete;
 
@@ -27,6 +30,8 @@ public:
 
 private:
     void add_windows();
+    void recall_chart();
+    void remember_chart();
 
     adapters::QtClock clock_;
     adapters::QtWaiting waiting_;
@@ -36,6 +41,8 @@ private:
     adapters::QtSerialPorts serial_ports_;
     adapters::QtDatagramSockets datagram_sockets_;
     console::Console console_;
+    std::unique_ptr<Remembered> remembered_;
+    Appearance appearance_;
     QtHost host_; // goes before the forms that its windows show
 };
 

@@ -126,9 +126,7 @@ std::unique_ptr<FormWindow> make_frm_autotune_window(autotune::FrmAutotune& f, Q
     window->set_footer(window->buttons({&f.apply_to_maps, &f.reset_autotune_params, &f.exit_button}));
     window->status(f.applied);
     auto* keys = new QLabel(QString::fromUtf8("Ctrl+1, Ctrl+2 grid   F6 to and from it"));
-    QPalette palette;
-    palette.setColor(QPalette::WindowText, theme::muted_text(QPalette()));
-    keys->setPalette(palette);
+    theme::mute(*keys);
     window->statusBar()->addPermanentWidget(keys);
     add_shortcuts(*window, f, *pages, *window->binding().widget_of(f.apply_to_maps));
     pages->currentWidget()->setFocus();

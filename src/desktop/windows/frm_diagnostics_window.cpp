@@ -42,13 +42,15 @@ QWidget* legend(std::initializer_list<std::pair<platform::Colour, const char*>> 
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(theme::gap);
     for (const auto& [colour, text] : entries) {
-        QPixmap sample(26, 12);
-        sample.fill(Qt::black); // the drawing's own ground
-        QPainter painter(&sample);
-        painter.fillRect(3, 5, 20, 2, theme::to_qt(colour));
-        painter.end();
         auto* swatch = new QLabel;
-        swatch->setPixmap(sample);
+        theme::in_each(*swatch, [swatch, shown = colour] {
+            QPixmap sample(26, 12);
+            sample.fill(Qt::black); // the drawing's own ground
+            QPainter painter(&sample);
+            painter.fillRect(3, 5, 20, 2, theme::to_qt(shown));
+            painter.end();
+            swatch->setPixmap(sample);
+        });
         layout->addWidget(swatch);
         layout->addWidget(new QLabel(QString::fromUtf8(text)));
         layout->addSpacing(theme::margin);
@@ -60,9 +62,7 @@ QWidget* legend(std::initializer_list<std::pair<platform::Colour, const char*>> 
 QWidget* note(const char* text) {
     auto* label = new QLabel(QString::fromUtf8(text));
     label->setWordWrap(true);
-    QPalette muted;
-    muted.setColor(QPalette::WindowText, theme::muted_text(QPalette()));
-    label->setPalette(muted);
+    theme::mute(*label);
     label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     return label;
 }

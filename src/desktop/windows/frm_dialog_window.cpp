@@ -57,9 +57,7 @@ std::unique_ptr<FormWindow> make_frm_dialog_window(link::FrmDialog& f, QtHost& h
     question->setFont(larger);
     layout->addWidget(question, 0, 1);
     QLabel* details = lines(*window, f.dialog_details, "Reason");
-    QPalette muted;
-    muted.setColor(QPalette::WindowText, theme::muted_text(QPalette()));
-    details->setPalette(muted);
+    theme::mute(*details);
     layout->addWidget(details, 1, 1);
     layout->setRowStretch(2, 1);
 

@@ -32,9 +32,7 @@ QWidget* chart_with_tools(FormWindow& window, logging::FrmPlotter& f) {
     chart->view_changed = [chart, live] { live->setEnabled(!chart->is_at_default()); };
     QObject::connect(live, &QPushButton::clicked, chart, [chart] { chart->go_live(); });
     auto* keys = new QLabel("Click: stamp the time.  Wheel: zoom (Shift: height).  Drag: back in time.");
-    QPalette muted;
-    muted.setColor(QPalette::WindowText, theme::muted_text(QPalette()));
-    keys->setPalette(muted);
+    theme::mute(*keys);
     keys->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
 
     auto* holder = new QWidget;
@@ -55,10 +53,12 @@ QWidget* legend(FormWindow& window, logging::FrmPlotter& f) {
     for (platform::CheckBox& box : f.Check3d1) {
         QWidget* widget = panel.add(box);
         widget->setBackgroundRole(QPalette::Window); // the paper's colour, not that of buttons
-        QPalette bright_box = widget->palette();     // a dark one, unticked, could not be seen on the paper
-        bright_box.setColor(QPalette::Base, theme::to_qt(platform::bright_white));
-        bright_box.setColor(QPalette::Text, theme::to_qt(logging::chart_paper));
-        widget->setPalette(bright_box);
+        theme::in_each(*widget, [widget] {
+            QPalette bright_box = widget->palette(); // a dark one, unticked, could not be seen on the paper
+            bright_box.setColor(QPalette::Base, theme::to_qt(platform::bright_white));
+            bright_box.setColor(QPalette::Text, theme::to_qt(logging::chart_paper));
+            widget->setPalette(bright_box);
+        });
     }
     panel.fill();
     return panel;

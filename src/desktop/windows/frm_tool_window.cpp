@@ -56,9 +56,7 @@ std::unique_ptr<FormWindow> make_frm_tool_window(configuration::FrmTool& f, QtHo
     window->demo_badge(f.show_demo_mode);
     window->status_line(f.tool_status);
     auto* keys = new QLabel(QString::fromUtf8("Enter: send all that is pending   Ctrl+Tab, Ctrl+PgDn/PgUp: tabs"));
-    QPalette muted;
-    muted.setColor(QPalette::WindowText, theme::muted_text(QPalette()));
-    keys->setPalette(muted);
+    theme::mute(*keys);
     window->statusBar()->addPermanentWidget(keys);
     window->resize(1180, 720);
     return window;
