@@ -36,6 +36,8 @@ public:
     void bind_custom(platform::Control& control, QWidget* widget, Update update, const QString& spoken_name = {});
     // A caption or unit that shows, hides and greys with the control beside it.
     void follow(const platform::Control& control, QWidget* companion);
+    // Whether something beside it says what it is.
+    bool has_caption(const platform::Control& control) const { return bound_.at(&control).own_name.isEmpty(); }
     // Whether the widget is a plain caption, bound to no control.
     bool is_fixed_text(const QObject& widget) const { return !controls_.contains(&widget); }
     // Builds the menu bar from the form's menu items in their order; items that have children become menus.

@@ -102,6 +102,19 @@ void Navigation::open(View view) {
     ports_.waiting.process_events();
 }
 
+void Navigation::go_to(View view) {
+    const View own = state_.current_view;
+    if (own == View::none) {
+        open(view); // which opens none for none
+    } else if (own != view) {
+        state_.drop_view_requests();
+        if (view != View::none) {
+            state_.request_view(request_of(view));
+        }
+        views_.at(index_of(own))->unload();
+    }
+}
+
 void Navigation::wire_menus() {
     for (const View own : request_targets) {
         platform::Form* const form = views_.at(index_of(own));

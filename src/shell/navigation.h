@@ -31,12 +31,14 @@ public:
     // The view exists: its menu item and button open this form. A view never added stays disabled.
     void add_view(link::View view, platform::Form& form);
     bool available(link::View view) const;
-    const platform::Form* form_of(link::View view) const { return views_.at(static_cast<std::size_t>(view)); }
+    platform::Form* form_of(link::View view) const { return views_.at(static_cast<std::size_t>(view)); }
     // What the menu item of the main form does: opens the link, reads C where the view's scales need it, sets
     // current_view, shows the form, hides the main form, and lets the form's activation run. Inside a transaction it
     // leaves a request instead. It does nothing while a view is up, inside another opening, or when the link is not
     // open in the end.
     void open(link::View view);
+    // From wherever the user is, as the menu that leads there: a view that is up is left first. None: the main window.
+    void go_to(link::View view);
     // Makes the menu items of all views lead to the other views: a click sets the target's pending request and unloads
     // its own view. Disables an item, with a tool tip saying so, when its view does not exist (called after all
     // add_view calls). A view's item for itself does nothing. The target waits for view_closed, however long the

@@ -9,6 +9,7 @@
 #include "adapters/qt_waiting.h"
 #include "console/console.h"
 #include "desktop/appearance.h"
+#include "desktop/finder.h"
 #include "desktop/qt_dialogs.h"
 #include "desktop/qt_host.h"
 
@@ -25,6 +26,7 @@ public:
 
     console::Console& console() { return console_; }
     QtHost& host() { return host_; }
+    Finder& finder() { return finder_; }
     adapters::QtProgram& program() { return program_; }
     const platform::Ports& ports() const { return console_.ports; }
 
@@ -44,6 +46,7 @@ private:
     std::unique_ptr<Remembered> remembered_;
     Appearance appearance_;
     QtHost host_; // goes before the forms that its windows show
+    Finder finder_;
 };
 
 } // namespace ecu::desktop
