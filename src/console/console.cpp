@@ -85,6 +85,13 @@ void Console::wire() {
     polling.on_refresh(View::none, [this] { main_console.look_around(); });
     polling.plot_and_log_sample = [this] { plotter.plot_and_log_sample(); };
     navigation.wire_menus();
+    forms.link_strip.follow({ports, state, comm, *comm1,
+                             [this] {
+                                 return plotter.logging_active()
+                                            ? "Log: " + std::to_string(plotter.log_sample_count()) + " rows"
+                                            : std::string();
+                             },
+                             [this] { return static_cast<float>(polling.timer3().interval_ms()) / 1000; }});
     dashboard.held_changed = [this] { forms.held_note.refresh(); };
     transfer.close_files = [this] {
         if (plotter.logging_active()) {

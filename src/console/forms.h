@@ -28,6 +28,7 @@
 #include "views/frm_dashboard.h"
 #include "views/frm_mon.h"
 #include "views/held_note.h"
+#include "views/link_strip.h"
 
 namespace ecu::console {
 
@@ -90,6 +91,8 @@ struct Forms {
     views::HeldNote held_note{frm_dashboard,
                               {&frm_mon.form, &frm_dashboard.form, &frm_tool.form, &frm_3d.form, &frm_2d.form,
                                &frm_sup.form, &frm_plotter.form, &frm_diagnostics.form}};
+    views::LinkStrip link_strip{&frm_mon.form, &frm_dashboard.form, &frm_tool.form,    &frm_3d.form,
+                                &frm_2d.form,  &frm_sup.form,       &frm_plotter.form, &frm_diagnostics.form};
     platform::FormRegistry registry;
 };
 

@@ -186,13 +186,37 @@ QWidget* FormWindow::stack(std::initializer_list<QWidget*> parts) {
 QWidget* FormWindow::buttons(std::initializer_list<platform::Button*> row) {
     auto* holder = new QWidget;
     auto* layout = make_layout(*holder, true);
-    layout->addStretch(1);
+    auto* strip = dynamic_cast<platform::Label*>(form_.find("link_strip"));
+    if (strip != nullptr && binding_.widget_of(*strip) == nullptr) {
+        layout->addWidget(link_strip(), 1);
+    } else {
+        layout->addStretch(1);
+    }
     for (platform::Button* button : row) {
         QWidget* widget = make(*button);
         widget->setMinimumWidth(96);
         layout->addWidget(widget);
     }
     return holder;
+}
+
+// In one line as long as there is room for; red when the figures are old, which are greyed then.
+QWidget* FormWindow::link_strip() {
+    auto& label = form_.get<platform::Label>("link_strip");
+    auto* line = new StatusLine;
+    binding_.bind_custom(
+        label, line,
+        [this, &label, line](Property property) {
+            if (property == Property::text) {
+                line->setText(qt(label.text())); // its tip is the label's own
+            } else if (property == Property::fore_colour) {
+                for (FigureLabel* figure : figures_) {
+                    figure->setEnabled(label.fore_colour() != platform::light_red);
+                }
+            }
+        },
+        "Link");
+    return line;
 }
 
 void FormWindow::set_body(QWidget* body) {

@@ -80,6 +80,7 @@ public:
     void set_body(QWidget* body);
     void set_footer(QWidget* footer);        // below the body, never scrolled away
     void demo_badge(platform::Label& label); // at the right of the menu bar
+    QWidget* link_strip(); // the view's line on the link; beside the first buttons, where it is not placed before
     QWidget* status(platform::Label& label);
     // The same for a text of any length: it takes the room there is, in two lines where one is too short, and its tip
     // has it whole. It never lays the window out again.

@@ -89,7 +89,9 @@ QWidget* log_panel(FormWindow& window, logging::FrmPlotter& f) {
 std::unique_ptr<FormWindow> make_frm_plotter_window(logging::FrmPlotter& f, QtHost& host) {
     auto window = std::make_unique<FormWindow>(f.form, host);
     window->set_body(window->across({chart_with_tools(*window, f), legend(*window, f)}, {1, 0}));
-    window->set_footer(window->across({log_panel(*window, f), window->buttons({&f.exit_button})}, {1, 0}));
+    QWidget* strip = f.form.find("link_strip") != nullptr ? window->link_strip() : new QWidget;
+    window->set_footer(window->down(
+        {window->across({log_panel(*window, f), window->buttons({&f.exit_button})}, {1, 0}), strip}, {1, 0}));
     window->demo_badge(f.show_demo_mode);
     window->resize(1240, 760);
     return window;
