@@ -51,6 +51,8 @@ struct FrmEcu {
     platform::MenuItem menu_view_diagnostic{menu_view, "menu_view_diagnostic", "D&iagnostics"};
 
     platform::MenuItem menu_view_find{menu_view, "menu_view_find", "&Find..."};
+    platform::MenuItem menu_view_guide{menu_view, "menu_view_guide", "G&uide"};
+    platform::MenuItem menu_view_keys{menu_view, "menu_view_keys", "&Keys"};
     platform::MenuItem menu_view_theme{menu_view, "menu_view_theme", "&Theme"};
     // As theme::themes has them.
     platform::ControlArray<platform::MenuItem, 5> menu_view_themes{
@@ -101,6 +103,8 @@ struct FrmEcu {
         menu_tool_compare.separator_before = true;
         menu_view_find.separator_before = true;
         menu_view_find.set_tool_tip("Any box, map, figure or command by words (Ctrl+K, in every window)");
+        menu_view_guide.set_tool_tip("What each window is for, and how to use it (F1, in every window its own page)");
+        menu_view_keys.set_tool_tip("All keys on one page");
         menu_view_theme.set_tool_tip("Colours of all windows; F9 goes through them, in every window");
         menu_view_large_digits.set_tool_tip("Larger text and figures, to be read from further away (Shift+F9)");
         menu_tool_switch.shortcut = "F8";

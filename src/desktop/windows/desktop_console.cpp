@@ -16,7 +16,7 @@ DesktopConsole::DesktopConsole(const QString& settings)
     : console_({clock_, waiting_, timers_, dialogs_, program_, serial_ports_, datagram_sockets_}),
       remembered_(settings.isEmpty() ? std::make_unique<Remembered>() : std::make_unique<Remembered>(settings)),
       appearance_(console_.forms.frm_ecu, *remembered_), host_(remembered_.get()),
-      finder_(host_, console_.navigation, console_.forms.frm_ecu, console_.state) {
+      finder_(host_, console_.navigation, console_.forms.frm_ecu, console_.state), guide_(console_.forms.frm_ecu) {
     program_.before_end = [this] {
         remember_chart();
         console_.before_end();

@@ -10,6 +10,7 @@
 #include "console/console.h"
 #include "desktop/appearance.h"
 #include "desktop/finder.h"
+#include "desktop/guide.h"
 #include "desktop/qt_dialogs.h"
 #include "desktop/qt_host.h"
 
@@ -27,6 +28,7 @@ public:
     console::Console& console() { return console_; }
     QtHost& host() { return host_; }
     Finder& finder() { return finder_; }
+    Guide& guide() { return guide_; }
     adapters::QtProgram& program() { return program_; }
     const platform::Ports& ports() const { return console_.ports; }
 
@@ -47,6 +49,7 @@ private:
     Appearance appearance_;
     QtHost host_; // goes before the forms that its windows show
     Finder finder_;
+    Guide guide_;
 };
 
 } // namespace ecu::desktop

@@ -344,8 +344,9 @@ QWidget* footer(FormWindow& window, FrmSup& f) {
     auto* holder = new QWidget;
     auto* row = new QHBoxLayout(holder);
     row->setContentsMargins(0, 0, 0, 0);
-    row->addWidget(cell_legend({CellState::pending, CellState::confirmed, CellState::unread}), 1);
-    row->addWidget(window.buttons({&f.read_again, &f.update_button, &f.exit_button}));
+    row->addWidget(cell_legend({CellState::pending, CellState::confirmed, CellState::unread}));
+    row->addSpacing(theme::margin);
+    row->addWidget(window.buttons({&f.read_again, &f.update_button, &f.exit_button}), 1);
     return holder;
 }
 
