@@ -129,8 +129,9 @@ void Guide::open(const QString& page) {
 }
 
 // A window that holds all others shows its page in front of itself, or the guide could not be used.
-bool Guide::eventFilter(QObject*, QEvent* event) {
-    if (event->type() != QEvent::KeyPress && event->type() != QEvent::ShortcutOverride) {
+bool Guide::eventFilter(QObject* watched, QEvent* event) {
+    const auto* asked = qobject_cast<const QWidget*>(watched);
+    if (asked == nullptr || (event->type() != QEvent::KeyPress && event->type() != QEvent::ShortcutOverride)) {
         return false;
     }
     const auto& key = static_cast<QKeyEvent&>(*event);
@@ -139,10 +140,7 @@ bool Guide::eventFilter(QObject*, QEvent* event) {
     }
     event->accept();
     if (event->type() == QEvent::KeyPress) {
-        const QWidget* asked = QApplication::activeModalWidget();
-        asked = asked != nullptr ? asked : QApplication::activeWindow();
-        const QString name = asked == nullptr ? contents : asked->objectName();
-        open(name == "guide" ? contents : name);
+        open(asked->window()->objectName()); // of the guide itself: the contents
         window_->setWindowModality(QApplication::activeModalWidget() != nullptr ? Qt::ApplicationModal : Qt::NonModal);
     }
     return true;
