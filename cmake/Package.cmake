@@ -33,12 +33,12 @@ add_custom_target(ecu_packed ALL DEPENDS ${packed_files})
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME ecu-console)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
-set(CPACK_PACKAGE_CONTACT "The maintainers <maintainers@localhost>")
+set(CPACK_PACKAGE_CONTACT "The maintainers <maintainers@ecu-console.invalid>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "monitor and program an engine controller")
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "Live values, maps, configuration, whole calibrations to and from files, logs,
- dyno runs and firmware, over a serial line from a laptop beside the engine.
- .
- A virtual engine is included, so that all of it can be tried with no hardware.")
+dyno runs and firmware, over a serial line from a laptop beside the engine.
+
+A virtual engine is included, so that all of it can be tried with no hardware.")
 set(CPACK_DEBIAN_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS libcap2-bin)

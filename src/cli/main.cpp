@@ -30,6 +30,9 @@ Status run(const Options& options) {
     if (options.verb == Verb::flash_check) {
         return run_flash_check(options);
     }
+    if (options.verb == Verb::log_stats) {
+        return run_log_stats(options);
+    }
     Session session(options);
     try {
         switch (options.verb) {
@@ -53,6 +56,7 @@ Status run(const Options& options) {
         case Verb::restore_point:
         case Verb::journal:
         case Verb::flash_check:
+        case Verb::log_stats:
             break;
         }
     } catch (const LinkFailed& failed) {

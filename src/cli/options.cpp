@@ -20,7 +20,7 @@ constexpr const char* closing =
 constexpr const char* global_group = "Options of every verb";
 
 struct Verbs {
-    std::array<CLI::App*, 13> apps{};
+    std::array<CLI::App*, 14> apps{};
     CLI::App*& operator[](Verb verb) { return apps.at(static_cast<std::size_t>(verb)); }
 };
 
@@ -155,6 +155,27 @@ Verbs add_verbs(CLI::App& app, Options& options) {
     CLI::App* flash_check = verbs[Verb::flash_check] =
         app.add_subcommand("flash-check", "look through a record file before it is flashed; needs no controller");
     add_file(*flash_check, "FILE", options.file, "Motorola S-record file");
+
+    CLI::App* stats = verbs[Verb::log_stats] =
+        app.add_subcommand("log-stats", "a log over the cells of a map, with corrections; needs no controller");
+    add_file(*stats, "LOG", options.file, "log of the plotter or of ecu-cli log");
+    stats->add_option("--map", options.map, "key of the map whose cells are meant")
+        ->check(CLI::IsMember({"MAPM", "IGN3", "TPFM", "TPFP"}))
+        ->capture_default_str();
+    stats->add_option("--channel", options.channel, "column of the log, or mixture")
+        ->capture_default_str()
+        ->type_name("TITLE");
+    stats->add_option("--min-hits", options.least_hits, "rows that a cell needs for a correction")
+        ->check(CLI::Range(1, 1'000'000))
+        ->capture_default_str()
+        ->type_name("N");
+    stats->add_option("--coolant", options.coolant_above, "rows above this temperature only, degrees C")
+        ->capture_default_str()
+        ->type_name("DEG");
+    stats->add_option("--delay", options.exhaust_delay, "seconds from the injection to the sensor")
+        ->check(CLI::Range(0.0, 5.0))
+        ->capture_default_str()
+        ->type_name("S");
     return verbs;
 }
 

@@ -25,6 +25,7 @@ enum class Verb : std::uint8_t {
     send_changes,
     link,
     flash_check,
+    log_stats,
 };
 
 struct Options {
@@ -48,6 +49,13 @@ struct Options {
     bool preview = false;          // show what would be sent, and send nothing
     std::string since;             // rows of this time or later
     std::vector<std::string> only; // keys to be sent: "ACC_RATE", "MAPM", "MAPM[007]"
+
+    // Of log-stats
+    std::string map = "MAPM";
+    std::string channel = "mixture";
+    int least_hits = 20;
+    float coolant_above = 60;
+    float exhaust_delay = 0; // seconds
 
     std::optional<int> port;
     std::string device; // what the port stands for

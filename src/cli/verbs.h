@@ -20,5 +20,6 @@ Status run_journal(const Options& options);
 Status run_restore_point(const Options& options);
 Status run_send_changes(Session& session, const Options& options);
 Status run_flash_check(const Options& options);
+Status run_log_stats(const Options& options);
 
 } // namespace ecu::cli
