@@ -101,13 +101,14 @@ void Editor::open() {
     activated_ = true;
     exit_requested_ = false;
     update_again_ = false;
+    other_controller_ = false;
     tally_ = {};
     note_.clear();
     run_opening(false);
 }
 
 void Editor::read_again() {
-    if (loading_ || updating_ || !activated_ || unread() == 0) {
+    if (loading_ || updating_ || other_controller_ || !activated_ || unread() == 0) {
         return;
     }
     for (const Entry& entry : items_) {
@@ -219,6 +220,10 @@ void Editor::update() {
     if (loading_) {
         return;
     }
+    if (other_controller_) {
+        tell_other_controller();
+        return;
+    }
     updating_ = true;
     tally_ = {};
     note_.clear();
@@ -236,6 +241,7 @@ void Editor::update() {
             walk(opening);
         } while (update_again_);
         updating_ = false;
+        other_controller_ = link_.lost();
         if (!replaced(opening)) {
             end_walk();
             undo_.sent();
@@ -248,7 +254,7 @@ void Editor::update() {
 }
 
 void Editor::run_tool(const std::function<void()>& send) {
-    if (updating_ || loading_ || state_.demo_mode || state_.comm_aborted) {
+    if (updating_ || loading_ || other_controller_ || state_.demo_mode || state_.comm_aborted) {
         return;
     }
     updating_ = true;

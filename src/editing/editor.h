@@ -142,6 +142,7 @@ private:
     void walk(int opening);
     void end_walk();
     void note_fate(Fate fate);
+    void tell_other_controller();
     GridItem* grid_of(const calibration::Table& row) const;
 
     const platform::Ports& ports_;
@@ -157,7 +158,8 @@ private:
     bool loading_ = false;        // the opening read runs
     bool exit_requested_ = false; // stops a running read; an Update runs to its end behind the closed window
     bool updating_ = false;
-    bool update_again_ = false; // asked for during an Update
+    bool other_controller_ = false; // a walk has ended at one: what is shown is not what that one holds
+    bool update_again_ = false;     // asked for during an Update
     bool change_posted_ = false;
     bool reading_again_ = false; // the read that runs is for unread values only
     Tally tally_;                // of the last Update

@@ -109,6 +109,8 @@ void GridItem::send(Walk& walk) {
             // Typed into while it was under way, it is a new entry, which nothing has sent yet.
             not_taken_[static_cast<std::size_t>(i)] = in_vain(fate) && !grid_.entered_behind();
             walk.note_fate(fate);
+            // The walk ended at this cell: like those behind it it keeps its yellow, whatever the shading makes of it.
+            changed_[static_cast<std::size_t>(i)] = changed_[static_cast<std::size_t>(i)] || walk.link.lost();
         },
         walk.go_on);
 }

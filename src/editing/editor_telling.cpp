@@ -13,6 +13,12 @@ void Editor::entered() {
     changed();
 }
 
+// Half of one engine's calibration is not written into another's.
+void Editor::tell_other_controller() {
+    note_ = "Nothing sent: another controller may answer now. Leave this window and open it again to read it";
+    show_status();
+}
+
 void Editor::changed() {
     if (change_posted_) {
         return;
@@ -64,7 +70,8 @@ void Editor::show_status() {
                                          .demo = state_.demo_mode,
                                          .note = note_}));
     if (window_.read_again != nullptr) {
-        window_.read_again->set_enabled(all.unread > 0 && !updating_ && !state_.demo_mode && !state_.comm_aborted);
+        window_.read_again->set_enabled(all.unread > 0 && !updating_ && !other_controller_ && !state_.demo_mode &&
+                                        !state_.comm_aborted);
     }
 }
 

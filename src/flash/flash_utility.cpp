@@ -133,7 +133,8 @@ bool FlashUtility::monitor_answers() {
         {.text = "The reflash opperation requires that ALL other applications be halted, or errors may occur. Press "
                  "Cancel if you need to halt other applications",
          .buttons = platform::Buttons::ok_cancel,
-         .icon = platform::Icon::warning});
+         .icon = platform::Icon::warning,
+         .preset = platform::Answer::cancel});
     if (answer != platform::Answer::ok || !take_over_serial_port()) {
         return false;
     }

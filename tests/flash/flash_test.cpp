@@ -358,6 +358,7 @@ TEST_F(FlashTest, CancelsUnusableFilesAndPortsSendNothingAndAreTold) {
     desktop.answer_box(other_applications, Answer::cancel);
     form.flash_button.press();
     EXPECT_EQ(line_, "");
+    EXPECT_EQ(desktop.boxes().back().preset, Answer::cancel);
     for (const char* name : {"", "*.S"}) {
         desktop.expect_box(other_applications);
         desktop.choose_file(name);
