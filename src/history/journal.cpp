@@ -13,6 +13,8 @@ namespace {
 constexpr int tick_ms = 250;
 constexpr int ticks_to_wait = 3; // for a moment outside a message: a second in all
 constexpr int ticks_to_try_again = 20;
+// Another program that writes at the same moment is done with the next message; a disk that is full is not.
+constexpr int failures_to_give_up = 3;
 constexpr std::size_t most_waiting = 50'000;
 constexpr std::size_t command_at = 2;
 
@@ -100,6 +102,9 @@ void Journal::sending(const link::Request& request) {
         return;
     }
     ++writes_;
+    if (written) {
+        written();
+    }
     const auto& key = subject->key;
     const auto old = held(key);
     Waiting waiting{.row = {.write = {.time = time_stamp(ports_.clock),
@@ -121,7 +126,7 @@ void Journal::sending(const link::Request& request) {
     if (waiting_.size() > most_waiting) {
         waiting_.pop_front();
     }
-    if (!failing_) {
+    if (failures_ < failures_to_give_up) {
         append(false);
     }
     if (!timer_->running()) {
@@ -159,8 +164,8 @@ void Journal::append(bool onto_disk) {
         return;
     }
     failure_ = file_.append(batch_, onto_disk);
-    failing_ = !failure_.empty();
-    if (!failing_) {
+    failures_ = failure_.empty() ? 0 : failures_ + 1;
+    if (failures_ == 0) {
         std::erase_if(waiting_, [](const Waiting& waiting) { return waiting.over; });
     }
 }
@@ -175,7 +180,7 @@ bool Journal::flush() {
 // A moment between two messages is the best one for the disk, but within a second it is done in any case; what arrives
 // meanwhile waits in the port.
 void Journal::tick() {
-    if (++ticks_ < (failing_ ? ticks_to_try_again : comm_.busy() ? ticks_to_wait : 1)) {
+    if (++ticks_ < (failures_ >= failures_to_give_up ? ticks_to_try_again : comm_.busy() ? ticks_to_wait : 1)) {
         return;
     }
     ticks_ = 0;
@@ -183,7 +188,7 @@ void Journal::tick() {
     if (waiting_.empty()) {
         timer_->set_running(false);
     }
-    if (failing_ && !warned_ && warn && !comm_.busy()) {
+    if (failures_ >= failures_to_give_up && !warned_ && warn && !comm_.busy()) {
         warned_ = true;
         warn("The journal of writes cannot be kept in " + std::string(history_name) + ": " + failure_ +
              ".\nThe console goes on without it. Make room or make the folder writable; what is written meanwhile is "

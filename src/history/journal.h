@@ -33,6 +33,7 @@ public:
 
     std::function<std::string()> place;           // where a write comes from, for people; asked for each
     std::function<void(const std::string&)> warn; // once, when the file cannot be written
+    std::function<void()> written;                // a message that sets a value is about to go out
 
     // For a sequence that belongs to no window of its own: what it sends is said to come from here.
     class From {
@@ -82,7 +83,7 @@ private:
     link::Observation observation_;
     std::string from_;
     std::string failure_;
-    bool failing_ = false;
+    int failures_ = 0; // one after another
     bool warned_ = false;
     int ticks_ = 0;
     std::uint64_t writes_ = 0;

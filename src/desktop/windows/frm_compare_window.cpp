@@ -50,6 +50,7 @@ std::unique_ptr<FormWindow> make_frm_compare_window(history::FrmCompare& f, QtHo
     filter.add(f.compare_raw);
 
     Panel list = window->panel();
+    list.add(f.compare_summary, "How many differ");
     list.add(f.compare_list, "Differences", 1);
     auto* pages = new QTabWidget;
     pages->addTab(list, "&Differences");
@@ -58,8 +59,9 @@ std::unique_ptr<FormWindow> make_frm_compare_window(history::FrmCompare& f, QtHo
     pages->setToolTip("All differences, and the map of the chosen one");
 
     window->set_body(window->down({sides, window->across({filter, pages}, {0, 1})}, {0, 1}));
-    window->set_footer(window->buttons({&f.compare_swap, &f.compare_stop, &f.compare_copy, &f.compare_csv,
-                                        &f.compare_page, &f.compare_send, &f.compare_close}));
+    window->set_footer(
+        window->buttons({&f.compare_swap, &f.compare_stop, &f.compare_tick_shown, &f.compare_tick_none, &f.compare_copy,
+                         &f.compare_csv, &f.compare_page, &f.compare_send, &f.compare_close}));
     window->status_line(f.compare_status)->setAccessibleName("Result of the comparison");
     window->focus_first([&f]() -> platform::Control& { return f.side_file[0]; });
     window->close_on_escape();
