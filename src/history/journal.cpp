@@ -48,6 +48,28 @@ std::optional<Subject> subject_of(const link::Request& request) {
     return std::nullopt;
 }
 
+auto same_as(const calibration::FileKey& key) {
+    return [&key](const calibration::FileKey& other) {
+        return other.parameter == key.parameter && other.table == key.table && other.index == key.index;
+    };
+}
+
+// Whether the reply brings the item's value.
+bool tells_of(const link::Request& request, const calibration::FileKey& key) {
+    const std::uint8_t command = request[command_at];
+    if (key.table == nullptr) {
+        const auto subject = subject_of(request);
+        return command == key.parameter->read.command || (subject && same_as(key)(subject->key));
+    }
+    const auto* block = std::ranges::find(calibration::block_reads, command, &calibration::BlockRead::command);
+    const int cells = block != calibration::block_reads.end()                                   ? block->cells
+                      : command == calibration::read_cell || command == calibration::write_cell ? 1
+                                                                                                : 0;
+    const int first = request[command_at + 1] + 256 * request[command_at + 2];
+    const int address = key.table->base + key.index;
+    return address >= first && address < first + cells;
+}
+
 } // namespace
 
 std::string time_stamp(const platform::Clock& clock) {
@@ -70,6 +92,9 @@ Journal::Journal(const platform::Ports& ports, const link::SharedState& state, l
         }
     };
     observation_ = comm_.observe([this](const link::Observed& observed) {
+        if (observed.verdict == link::Verdict::accepted && !doubtful_.empty()) {
+            forget_doubts(observed.request);
+        }
         if (sets_a_value[observed.request[command_at]] &&
             (observed.verdict == link::Verdict::accepted || observed.verdict == link::Verdict::given_up)) {
             ended(observed);
@@ -84,6 +109,9 @@ Journal::~Journal() {
 }
 
 std::optional<std::int32_t> Journal::held(const calibration::FileKey& key) const {
+    if (std::ranges::find_if(doubtful_, same_as(key)) != doubtful_.end()) {
+        return std::nullopt;
+    }
     if (key.table != nullptr) {
         const int address = key.table->base + key.index;
         return image_.cell_known(address) ? std::optional<std::int32_t>(image_.cell(address)) : std::nullopt;
@@ -135,6 +163,11 @@ void Journal::sending(const link::Request& request) {
     }
 }
 
+// What an accepted message has read or set is known again.
+void Journal::forget_doubts(const link::Request& request) {
+    std::erase_if(doubtful_, [&](const calibration::FileKey& key) { return tells_of(request, key); });
+}
+
 // The latest of that request that is still open: one message may be inside another's waits.
 void Journal::ended(const link::Observed& observed) {
     const auto found = std::find_if(waiting_.rbegin(), waiting_.rend(), [&](const Waiting& waiting) {
@@ -150,6 +183,9 @@ void Journal::ended(const link::Observed& observed) {
         answer.text = text_of(found->key, answer.raw);
     }
     found->row.answer = std::move(answer);
+    if (observed.verdict == link::Verdict::given_up) {
+        doubtful_.push_back(found->key);
+    }
 }
 
 // What stands in the file and is over needs nothing more.

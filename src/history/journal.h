@@ -66,6 +66,7 @@ private:
 
     void sending(const link::Request& request);
     void ended(const link::Observed& observed);
+    void forget_doubts(const link::Request& request);
     std::optional<std::int32_t> held(const calibration::FileKey& key) const;
     std::string text_of(const calibration::FileKey& key, std::optional<std::int32_t> raw) const;
     void append(bool onto_disk);
@@ -77,8 +78,9 @@ private:
     const calibration::CalibrationImage& image_;
     const calibration::Scales& scales_;
     HistoryFile& file_;
-    std::deque<Waiting> waiting_; // the oldest first
-    std::vector<Pending*> batch_; // of append
+    std::deque<Waiting> waiting_;                // the oldest first
+    std::vector<Pending*> batch_;                // of append
+    std::vector<calibration::FileKey> doubtful_; // written without an answer, and not read since
     std::unique_ptr<platform::Timer> timer_;
     link::Observation observation_;
     std::string from_;

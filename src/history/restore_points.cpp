@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <set>
 
 namespace ecu::history {
 
@@ -90,9 +91,10 @@ std::optional<calibration::FileKey> key_of(const JournalRow& row) {
 
 calibration::Snapshot before_all(const std::vector<JournalRow>& rows) {
     calibration::Snapshot values;
+    std::set<std::pair<std::string, int>> seen;
     for (const JournalRow& row : rows) {
         const auto key = key_of(row);
-        if (key && row.write.old_raw && !values.find(*key)) {
+        if (key && seen.emplace(row.write.item, row.write.element).second && row.write.old_raw) {
             values.put(*key, {.raw = *row.write.old_raw});
         }
     }
