@@ -24,12 +24,13 @@ std::string file_name(const std::string& path) {
     return {name.begin(), name.end()};
 }
 
-// Red above zero and blue below it, the stronger the farther; white is no difference.
-platform::Colour around_zero(double part) {
+// Red above zero and blue below it, the stronger the farther; none where nothing differs.
+std::optional<platform::Colour> around_zero(double part) {
     const auto faded = static_cast<std::uint8_t>(255 - std::lround(175 * std::min(1.0, std::abs(part))));
-    return part == 0  ? platform::bright_white
-           : part > 0 ? platform::Colour{255, faded, faded}
-                      : platform::Colour{faded, faded, 255};
+    if (part == 0) {
+        return std::nullopt;
+    }
+    return part > 0 ? platform::Colour{255, faded, faded} : platform::Colour{faded, faded, 255};
 }
 
 } // namespace
@@ -291,8 +292,11 @@ void CompareWindow::show_map() {
     const Difference* one = chosen();
     const calibration::Table* table = one != nullptr ? one->key.table : nullptr;
     const bool map = table != nullptr && table->shape != calibration::TableShape::nine_boxes;
-    form.map_name.set_text(map ? item_of({.table = table}) + ": A, B, and B less A"
-                               : "Choose a line of a map to see it here");
+    for (platform::Label& name : form.map_name) {
+        name.set_text(map ? item_of({.table = table}) + (unit_of({.table = table}).empty() ? "" : ", ") +
+                                unit_of({.table = table})
+                          : "Choose a line of a map among the differences to see it here");
+    }
     const int size = !map ? 0 : table->shape == calibration::TableShape::grid_16 ? 16 : 9;
     for (platform::Grid* grid : {&form.map_a, &form.map_b, &form.map_difference}) {
         grid->begin_batch();
@@ -315,27 +319,30 @@ void CompareWindow::show_map() {
         const int column = calibration::map_col(*table, i);
         const auto a = sides_[side_a]->values.find(key);
         const auto b = sides_[side_b]->values.find(key);
-        form.map_a.set_cell_text(row, column, a ? value_text(key, a->raw, scales(side_a)) : "");
-        form.map_b.set_cell_text(row, column, b ? value_text(key, b->raw, scales(side_b)) : "");
+        form.map_a.confirm_cell(row, column, a ? value_text(key, a->raw, scales(side_a)) : "");
+        form.map_b.confirm_cell(row, column, b ? value_text(key, b->raw, scales(side_b)) : "");
         const bool differs = a && b && a->raw != b->raw;
         if (a && b) {
             change[static_cast<std::size_t>(i)] = calibration::shown_value(table->shown, b->raw, scales(side_b)) -
                                                   calibration::shown_value(table->shown, a->raw, scales(side_a));
             largest = std::max(largest, std::abs(*change[static_cast<std::size_t>(i)]));
         }
-        form.map_difference.set_cell_text(
+        form.map_difference.confirm_cell(
             row, column, differs ? difference(key, a->raw, b->raw, scales(side_a), scales(side_b)).change : "");
     }
     for (int i = 0; map && i < table->cells(); ++i) {
         const int row = calibration::map_row(*table, i);
         const int column = calibration::map_col(*table, i);
         const double part = largest > 0 ? change[static_cast<std::size_t>(i)].value_or(0) / largest : 0;
-        form.map_difference.set_cell_back(row, column, around_zero(part));
-        for (platform::Grid* grid : {&form.map_a, &form.map_b}) {
-            grid->set_cell_back(row, column, platform::bright_white);
+        for (platform::Grid* grid : {&form.map_a, &form.map_b, &form.map_difference}) {
+            grid->set_cell_back(row, column, around_zero(part));
         }
     }
     for (platform::Grid* grid : {&form.map_a, &form.map_b, &form.map_difference}) {
+        if (map) {
+            grid->set_active_cell(calibration::map_row(*table, one->key.index),
+                                  calibration::map_col(*table, one->key.index));
+        }
         grid->end_batch();
     }
 }

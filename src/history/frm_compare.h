@@ -1,5 +1,5 @@
 // Two calibrations side by side: where each comes from, the list of differences by group, and maps as two grids with a
-// third of their difference.
+// third of their difference, shaded around zero.
 #pragma once
 
 #include "platform/form.h"
@@ -38,7 +38,7 @@ struct FrmCompare {
     platform::Button compare_tick_none{form, "compare_tick_none", "Tick &none"};
 
     // Of the chosen line's map; empty for what is no map.
-    platform::Label map_name{form, "map_name"};
+    platform::ControlArray<platform::Label, 2> map_name{form, "map_name"}; // one a page
     platform::Grid map_a{form, "map_a", 16, 16};
     platform::Grid map_b{form, "map_b", 16, 16};
     platform::Grid map_difference{form, "map_difference", 16, 16};
@@ -78,6 +78,7 @@ struct FrmCompare {
         compare_copy.set_tool_tip("Put the listed lines on the clipboard");
         compare_csv.set_tool_tip("Write the listed lines for a spreadsheet");
         compare_page.set_tool_tip("Write the listed lines as a page that a browser shows and prints");
+        compare_close.set_tool_tip("Close this window");
         compare_send.set_tool_tip("Show the exact writes that bring B's values of the ticked lines into the "
                                   "controller, and send them");
         for (platform::Grid* grid : {&map_a, &map_b, &map_difference}) {

@@ -9,7 +9,7 @@ namespace ecu::history {
 struct FrmRestorePoints {
     platform::Form form{"frm_restore_points", "Restore points"};
     platform::List points_list{
-        form, "points_list", {"Name", "Date", "Note", "Firmware", "Controller", "Differs from the next", "A/B"}};
+        form, "points_list", {"Name", "Date", "Note", "Firmware", "Controller", "To the next", "A/B"}};
     platform::TextBox point_note{form, "point_note"};
     platform::Button point_make{form, "point_make", "&Make restore point"};
     platform::Button point_stop{form, "point_stop", "S&top"};
@@ -43,7 +43,8 @@ struct FrmRestorePoints {
         file_as_b.set_tool_tip("A setup file as calibration B");
         points_two.set_tool_tip("F8 in the main window makes the controller hold the other one");
         points_close.set_tool_tip("Close this window");
-        points_list.set_tool_tip("Enter restores the chosen one, after a preview");
+        points_list.set_tool_tip("Enter restores the chosen one, after a preview. To the next: how much it differs "
+                                 "from the one made after it");
         points_by_themselves.set_tool_tip(
             "Reads the whole controller first each time, which takes about half a minute; off at first");
     }

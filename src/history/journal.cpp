@@ -73,13 +73,17 @@ bool tells_of(const link::Request& request, const calibration::FileKey& key) {
 } // namespace
 
 std::string time_stamp(const platform::Clock& clock) {
-    const std::string date = clock.date_text(); // mm-dd-yyyy
-    const int hundredths = static_cast<int>(clock.seconds_since_midnight() * 100);
+    return time_stamp(clock.date_text(), clock.seconds_since_midnight());
+}
+
+// `date` is mm-dd-yyyy.
+std::string time_stamp(std::string_view date, float seconds_since_midnight) {
+    const int hundredths = static_cast<int>(seconds_since_midnight * 100);
     const int seconds = hundredths / 100;
     std::array<char, 40> time{};
     std::snprintf(time.data(), time.size(), " %02d:%02d:%02d.%02d", seconds / 3600, seconds / 60 % 60, seconds % 60,
                   hundredths % 100);
-    return date.substr(6) + "-" + date.substr(0, 5) + time.data();
+    return std::string(date.substr(6)) + "-" + std::string(date.substr(0, 5)) + time.data();
 }
 
 Journal::Journal(const platform::Ports& ports, const link::SharedState& state, link::EcuComm& comm,
@@ -124,6 +128,16 @@ std::string Journal::text_of(const calibration::FileKey& key, std::optional<std:
     return raw ? calibration::shown_text(key, *raw, scales_) : std::string();
 }
 
+// The system takes its time over a date, and a message waits: it is asked once a minute.
+std::string Journal::stamp() {
+    const float now = ports_.clock.seconds_since_midnight();
+    if (const int minute = static_cast<int>(now / 60); minute != minute_of_date_) {
+        date_ = ports_.clock.date_text();
+        minute_of_date_ = minute;
+    }
+    return time_stamp(date_, now);
+}
+
 void Journal::sending(const link::Request& request) {
     const auto subject = subject_of(request);
     if (!subject) {
@@ -135,7 +149,7 @@ void Journal::sending(const link::Request& request) {
     }
     const auto& key = subject->key;
     const auto old = held(key);
-    Waiting waiting{.row = {.write = {.time = time_stamp(ports_.clock),
+    Waiting waiting{.row = {.write = {.time = stamp(),
                                       .place = !from_.empty() ? from_
                                                : place        ? place()
                                                               : std::string(),

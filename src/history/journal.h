@@ -21,6 +21,7 @@ namespace ecu::history {
 
 // "2026-11-23 08:44:56.12": sorts as it stands.
 std::string time_stamp(const platform::Clock& clock);
+std::string time_stamp(std::string_view date, float seconds_since_midnight);
 
 class Journal {
 public:
@@ -64,6 +65,7 @@ private:
         bool over = false; // the message has ended
     };
 
+    std::string stamp();
     void sending(const link::Request& request);
     void ended(const link::Observed& observed);
     void forget_doubts(const link::Request& request);
@@ -84,6 +86,8 @@ private:
     std::unique_ptr<platform::Timer> timer_;
     link::Observation observation_;
     std::string from_;
+    std::string date_;
+    int minute_of_date_ = -1;
     std::string failure_;
     int failures_ = 0; // one after another
     bool warned_ = false;

@@ -142,7 +142,15 @@ bool PointsWindow::keep_copy(const ControllerCopy& copy, std::string_view note) 
     return why.empty();
 }
 
-void PointsWindow::make() { keep_one(use_.form.point_note.text()); }
+// The note of the chosen one, which stands there to be changed, is none for another.
+void PointsWindow::make() {
+    const std::string note = use_.form.point_note.text();
+    const bool of_chosen =
+        chosen() &&
+        note ==
+            use_.form.points_list.rows()[static_cast<std::size_t>(use_.form.points_list.current())].cells[note_column];
+    keep_one(of_chosen ? "" : note);
+}
 
 bool PointsWindow::before(std::string_view what) {
     return use_.file.setting(by_itself) != "1" || keep_one("Before " + std::string(what)) || goes_on_without();

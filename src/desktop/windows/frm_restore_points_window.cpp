@@ -10,7 +10,8 @@ std::unique_ptr<FormWindow> make_frm_restore_points_window(history::FrmRestorePo
     auto window = std::make_unique<FormWindow>(f.form, host);
     Panel points = window->panel("Restore points");
     points.add(f.points_list, "Restore points", 1);
-    points.row("Note", f.point_note);
+    points.note("Note of the next one, or of the chosen one");
+    points.add(f.point_note, "Note");
     const std::array<platform::Control*, 3> making{&f.point_make, &f.point_stop, &f.point_set_note};
     points.side_by_side(making);
     points.add(f.points_by_themselves);
