@@ -40,10 +40,18 @@ TEST_F(HistoryTest, TellsOfEachWriteWhatWasHeldSentAndTaken) {
     write(rate, 12);
     wired.speak();
     write(rate, 13);
+    write(cell, 9);
+    wired.silence();
+    desktop.on_modal("frm_Dialog", [this](Form&) { console->forms.frm_dialog.dialog_button[0].press(); });
+    write(cell, 10);
+    wired.speak();
+    console->comm.poll(calibration::block_read_message(calibration::read_32, table("MAPM").base + 32), 37); // others
+    write(cell, 10);
+    write(cell, 11);
     desktop.run_for(1.1);
 
     const auto all = rows();
-    ASSERT_EQ(all.size(), 6U);
+    ASSERT_EQ(all.size(), 10U);
     EXPECT_FALSE(all[0].write.old_raw);
     EXPECT_EQ(all[0].write.sent_raw, 77);
     EXPECT_EQ(all[1].write.item, "MAPM");
@@ -63,6 +71,10 @@ TEST_F(HistoryTest, TellsOfEachWriteWhatWasHeldSentAndTaken) {
     EXPECT_FALSE(all[4].answer->taken);
     EXPECT_FALSE(all[4].answer->raw);
     EXPECT_TRUE(all[5].answer->taken);
+    EXPECT_FALSE(all[5].write.old_raw); // the older value, or the one that nobody confirmed
+    EXPECT_EQ(all[7].write.old_raw, 9);
+    EXPECT_FALSE(all[8].write.old_raw);
+    EXPECT_EQ(all[9].write.old_raw, 10);
 }
 
 TEST_F(HistoryTest, KnowsOfAWriteThatAKillLeftUnderWay) {
