@@ -45,7 +45,7 @@ struct FrmCompare {
 
     platform::Button compare_copy{form, "compare_copy", "Copy as te&xt"};
     platform::Button compare_csv{form, "compare_csv", "Export CS&V..."};
-    platform::Button compare_page{form, "compare_page", "Printa&ble page..."};
+    platform::Button compare_page{form, "compare_page", "Printable pa&ge..."};
     platform::Button compare_send{form, "compare_send", "&Send ticked of B..."};
     platform::Button compare_close{form, "compare_close", "C&lose"};
     platform::Label compare_status{form, "compare_status"};
