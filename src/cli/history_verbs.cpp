@@ -288,7 +288,6 @@ Status run_compare(const Options& options) {
     }
     const calibration::Comparison comparison = calibration::compare(a.values, b.values);
     std::vector<Difference> shown = history::differences(comparison, a.values, b.values, {});
-    const std::size_t all = shown.size();
     const history::DifferenceFilter filter = filter_of(options);
     std::erase_if(shown, [&](const Difference& one) { return !filter.passes(one); });
     if (options.json) {
@@ -297,9 +296,6 @@ Status run_compare(const Options& options) {
         std::cout << history::as_csv(shown, comparison, {a.name, b.name});
     } else {
         std::cout << history::as_text(shown, comparison, {a.name, b.name}, options.raw);
-        if (shown.size() < all) {
-            std::cout << all - shown.size() << " more are not shown by the filter\n";
-        }
     }
     return comparison.same ? Status::done : Status::differs;
 }

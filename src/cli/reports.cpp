@@ -19,6 +19,12 @@ std::string padded(std::string text, std::size_t width) {
     return text;
 }
 
+// What the windows call it: "Sensitivity, ms/V". A table's cells carry their table's name.
+std::string label_of(const FileKey& key) {
+    const Screen& screen = key.table != nullptr ? key.table->screen : key.parameter->screen;
+    return std::string(screen.label) + (screen.unit.empty() ? "" : ", " + std::string(screen.unit));
+}
+
 // "66 (.516)"
 std::string value_text(const FileKey& key, std::int32_t raw, const Snapshot& values) {
     const std::string shown = shown_text(key, raw, values.scales());
@@ -37,6 +43,9 @@ QJsonObject value_object(const FileKey& key, std::int32_t raw, const Snapshot& v
 
 QJsonObject key_object(const FileKey& key) {
     QJsonObject object{{"key", json_text(key.table != nullptr ? key.table->key : key.parameter->key)}};
+    if (const std::string label = label_of(key); !label.empty()) {
+        object["label"] = json_text(label);
+    }
     if (key.table != nullptr || key.parameter->is_vector()) {
         object["index"] = key.index;
     }
@@ -54,7 +63,8 @@ std::string as_text(const Comparison& comparison, const Snapshot& a, const Snaps
         const std::string place = place_text(value.key);
         text += "changed  " + padded(key_text(value.key), 10) + " " + padded(place, place.empty() ? 0 : 17) +
                 (place.empty() ? "" : " ") + value_text(value.key, value.a, a) + " -> " +
-                value_text(value.key, value.b, b) + "\n";
+                value_text(value.key, value.b, b) + (label_of(value.key).empty() ? "" : "   " + label_of(value.key)) +
+                "\n";
     }
     for (const MissingValue& value : comparison.missing) {
         text += "missing  " + padded(key_text(value.key), 10) + " in " +

@@ -23,9 +23,10 @@ std::string without_last_stop(std::string text) {
     return text;
 }
 
-// The link itself looks up no names. One that nobody knows stays as it is, and no server answers there.
+// The link itself looks up no names, and what is written like an address is none. One that nobody knows stays as it is,
+// and no server answers there.
 std::string dotted_address(const std::string& host) {
-    if (platform::ipv4_of(host)) {
+    if (platform::ipv4_of(host) || host.find_first_not_of("0123456789.") == std::string::npos) {
         return host;
     }
     for (const QHostAddress& address : QHostInfo::fromName(QString::fromStdString(host)).addresses()) {

@@ -32,7 +32,8 @@ Console::Console(const platform::Ports& machine)
       block_modifier(ports, state, forms.registry, forms.frm_cellblock_modifier, block_selection),
       basic_mapping(ports, state, comm, scales, live, forms.frm_3d, forms.frm_tool.TPS_mapped, navigation,
                     block_selection, surface_window, map_cell_colours),
-      gpo_mapping(ports, state, comm, scales, live, image, forms.frm_sup, navigation, block_selection),
+      gpo_mapping(ports, state, comm, scales, live, image, reply_decoders.controls(), forms.frm_sup, navigation,
+                  block_selection),
       additional_mapping(ports, state, comm, scales, live, forms.frm_2d,
                          maps::Legend(forms.frm_3d.bk_color.begin(), forms.frm_3d.bk_color.end()), navigation,
                          block_selection, graphing, map_cell_colours),
@@ -51,7 +52,7 @@ Console::Console(const platform::Ports& machine)
       changes_window({ports, state, send_changes, scales, forms.frm_changes}),
       compare_window({ports, history_file, scales, changes_window, forms.frm_compare}),
       points_window({ports, history_file, changes_window, forms.frm_restore_points}),
-      journal_window({ports, history_file, journal, image, scales, changes_window, forms.frm_journal}),
+      journal_window({ports, history_file, journal, changes_window, forms.frm_journal}),
       two_calibrations({ports, history_file, journal, send_changes, changes_window, forms.frm_ecu.form,
                         forms.frm_ecu.transfer_result}) {
     wire();
@@ -125,11 +126,23 @@ void Console::wire_history() {
     main_console.on_restore_points = [this] { points_window.open(); };
     main_console.on_journal = [this] { journal_window.open(); };
     main_console.on_switch = [this] { two_calibrations.switch_over(); };
-    main_console.before_reflash = [this] { return points_window.before("a re-flash"); };
+    main_console.before_reflash = [this] {
+        two_calibrations.lose_sight();
+        return points_window.before("a re-flash");
+    };
+    changes_window.before_sending = [this](const history::ControllerCopy& copy, const std::string& title) {
+        return points_window.keep_before(copy, title);
+    };
+    basic_mapping.before_reset = [this](const calibration::Table& table) {
+        const auto copy = send_changes.as_read(table);
+        return !copy || points_window.keep_before(*copy, "reset of " + history::item_of({.table = &table}) +
+                                                             " (this map alone, as it was read)");
+    };
     points_window.compare_with_controller = [this](const std::string& name) {
         compare_window.open_with_controller(name);
     };
     points_window.use_as = [this](bool b, const std::string& name) { two_calibrations.choose(b, name); };
+    points_window.both = [this] { return two_calibrations.both(); };
     points_window.letter_of = [this](const std::string& name) { return two_calibrations.letter_of(name); };
     journal.place = [this] { return where_the_tuner_is(); };
     journal.warn = [this](const std::string& text) {

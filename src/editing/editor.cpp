@@ -241,8 +241,8 @@ void Editor::update() {
             walk(opening);
         } while (update_again_);
         updating_ = false;
-        other_controller_ = link_.lost();
         if (!replaced(opening)) {
+            other_controller_ = link_.lost();
             end_walk();
             undo_.sent();
         }

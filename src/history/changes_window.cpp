@@ -6,7 +6,6 @@ namespace ecu::history {
 
 namespace {
 
-constexpr std::size_t state_column = 9;
 constexpr int lines_between_looks = 20; // of the progress
 
 std::string state_text(const ChangeLine& line) {
@@ -36,6 +35,24 @@ std::string file_name(const std::string& path) {
 
 } // namespace
 
+class ChangesWindow::Busy {
+public:
+    explicit Busy(ChangesWindow& window) : window_(window) { set(true); }
+    ~Busy() { set(false); }
+    Busy(const Busy&) = delete;
+    Busy& operator=(const Busy&) = delete;
+
+private:
+    void set(bool busy) {
+        window_.busy_ = busy;
+        window_.show_state();
+        for (const auto& changed : window_.busy_changed) {
+            changed();
+        }
+    }
+    ChangesWindow& window_;
+};
+
 ChangesWindow::ChangesWindow(const Use& use) : use_(use) {
     FrmChanges& form = use_.form;
     form.changes_send.clicked = [this] { send(); };
@@ -63,23 +80,23 @@ std::optional<ControllerCopy> ChangesWindow::read(platform::Label& status, const
         status.set_text(why);
         return std::nullopt;
     }
-    busy_ = true;
-    show_state();
     status.set_text("Reading the controller...");
-    ReadResult result = use_.sender.read([&](int done, int all) {
-        if (done % lines_between_looks == 0) {
-            status.set_text("Reading the controller, " + std::to_string(done) + " of " + std::to_string(all) +
-                            " lines");
-        }
-        return !stop;
-    });
-    busy_ = false;
+    ReadResult result;
+    {
+        const Busy busy(*this);
+        result = use_.sender.read([&](int done, int all) {
+            if (done % lines_between_looks == 0) {
+                status.set_text("Reading the controller, " + std::to_string(done) + " of " + std::to_string(all) +
+                                " lines");
+            }
+            return !stop;
+        });
+    }
     if (!result.copy) {
         status.set_text(result.trouble.empty() ? "Stopped: the controller was not read to the end" : result.trouble);
     } else {
         status.set_text("The controller was read at " + result.copy->time.substr(11, 8));
     }
-    show_state();
     return std::move(result.copy);
 }
 
@@ -106,9 +123,9 @@ void ChangesWindow::choose_file_and_show() {
     show_differences_to(side, "Upload changes of " + side.name);
 }
 
-void ChangesWindow::show_differences_to(const Side& side, const std::string& title,
-                                        std::function<void(const SendResult&, const std::vector<ChangeLine>&)> ended) {
-    if (busy_) {
+void ChangesWindow::show_differences_to(const Side& side, const std::string& title, Ended ended) {
+    if (const std::string why = refusal(); !why.empty()) {
+        use_.ports.dialogs.say(why + ".");
         return;
     }
     offer_ = {.title = title,
@@ -117,13 +134,14 @@ void ChangesWindow::show_differences_to(const Side& side, const std::string& tit
               .now_scales = {},
               .wanted_scales = {},
               .lines = {},
+              .writes = 0,
               .when_empty = {}};
     stop_ = false;
     show_lines();
     use_.form.form.set_caption(title);
     use_.form.form.show();
     use_.form.form.raise();
-    const auto copy = read(use_.form.changes_status, stop_);
+    auto copy = read(use_.form.changes_status, stop_);
     if (!copy) {
         return;
     }
@@ -131,41 +149,53 @@ void ChangesWindow::show_differences_to(const Side& side, const std::string& tit
     if (const std::size_t lines = side.values.unknown.size() + side.values.unreadable.size(); lines > 0) {
         odd = calibration::counted(lines, "line") + " of " + side.name + " that no row knows or no message carries";
     }
+    const link::ControllerIdentity identity = copy->identity;
+    const calibration::Scales scales = copy->values.scales();
+    const std::uint64_t writes = copy->writes;
+    std::vector<ChangeLine> lines = changes_to(side.values, copy->values);
     show({.title = title,
           .from = title,
-          .identity = copy->identity,
-          .now_scales = copy->values.scales(),
+          .identity = identity,
+          .now_scales = scales,
           .wanted_scales = side.values.scales(),
-          .lines = changes_to(side.values, copy->values),
+          .lines = std::move(lines),
+          .writes = writes,
           .when_empty = "The controller holds every value of " + side.name + (odd.empty() ? "" : "; not sent: " + odd),
-          .ended = std::move(ended)});
+          .ended = std::move(ended),
+          .copy = std::move(copy)});
     if (!odd.empty()) {
         use_.form.changes_source.set_text(use_.form.changes_source.text() + ". Not among them: " + odd);
     }
 }
 
-void ChangesWindow::show_put_back(const std::vector<JournalRow>& rows, const calibration::CalibrationImage& image,
-                                  const std::string& title) {
+void ChangesWindow::show_items(Items items) {
     std::string why = refusal();
     if (why.empty()) {
         std::vector<calibration::FileKey> keys;
-        for (const ChangeLine& line : put_back(rows, image)) {
-            keys.push_back(line.key);
+        for (const calibration::FileKey& key : calibration::Snapshot::all_keys()) {
+            if (items.wanted.find(key)) {
+                keys.push_back(key);
+            }
         }
-        busy_ = true;
-        ReadResult read = use_.sender.read_items(keys);
-        busy_ = false;
+        ReadResult read;
+        {
+            const Busy busy(*this);
+            read = use_.sender.read_items(keys);
+        }
         why = read.trouble;
-        if (read.copy) {
-            std::vector<ChangeLine> lines = put_back(rows, image);
-            std::erase_if(lines, [](const ChangeLine& line) { return line.from == line.to; });
-            show({.title = title,
-                  .from = title,
+        if (read.copy && items.serial && read.copy->identity.serial != items.serial) {
+            why = "These values are of the controller of serial number " + std::to_string(*items.serial) +
+                  ", which is not the one that answers";
+        } else if (read.copy) {
+            show({.title = items.title,
+                  .from = items.title,
                   .identity = read.copy->identity,
                   .now_scales = read.copy->values.scales(),
-                  .wanted_scales = use_.units,
-                  .lines = std::move(lines),
-                  .when_empty = "The controller holds the older values already"});
+                  .wanted_scales = read.copy->values.scales(),
+                  .lines = changes_to(items.wanted, read.copy->values),
+                  .writes = read.copy->writes,
+                  .when_empty = "The controller holds these values already",
+                  .ended = std::move(items.ended)});
             return;
         }
     }
@@ -248,25 +278,58 @@ void ChangesWindow::send() {
     for (std::size_t i = 0; i < offer_.lines.size(); ++i) {
         offer_.lines[i].ticked = use_.form.changes_list.rows().at(i).ticked;
     }
-    if (before_sending && !before_sending()) {
+    if (offer_.writes != use_.sender.writes()) {
+        use_.form.changes_status.set_text(
+            "Something else was written since these values were read, so nothing was sent. Look through them anew");
+        return;
+    }
+    if (!kept_before()) {
         use_.form.changes_status.set_text("Nothing was sent: the restore point could not be made");
         return;
     }
-    busy_ = true;
     stop_ = false;
-    show_state();
-    const SendResult result = use_.sender.send(offer_.lines, offer_.identity, offer_.from, [this](int done, int all) {
-        use_.form.changes_status.set_text("Sending, " + std::to_string(done) + " of " + std::to_string(all));
-        return !stop_;
-    });
-    busy_ = false;
-    for (std::size_t i = 0; i < offer_.lines.size(); ++i) {
-        use_.form.changes_list.set_cell(i, state_column, state_text(offer_.lines[i]));
+    SendResult result;
+    {
+        const Busy busy(*this);
+        result = use_.sender.send(offer_.lines, offer_.identity, offer_.from, [this](int done, int all) {
+            use_.form.changes_status.set_text("Sending, " + std::to_string(done) + " of " + std::to_string(all));
+            return !stop_;
+        });
     }
+    offer_.writes = use_.sender.writes();
+    show_result(result);
+}
+
+SendResult ChangesWindow::send_at_once(std::vector<ChangeLine>& lines, const link::ControllerIdentity& to,
+                                       const std::string& from) {
+    const Busy busy(*this);
+    return use_.sender.send(lines, to, from);
+}
+
+// Once for an offer: what it goes on with behind a lost link is the same upload.
+bool ChangesWindow::kept_before() {
+    if (!offer_.copy || !before_sending) {
+        return true;
+    }
+    const bool kept = before_sending(*offer_.copy, offer_.title);
+    if (kept) {
+        offer_.copy.reset();
+    }
+    return kept;
+}
+
+// A window that was closed meanwhile shows nothing, so what was left in the middle is said.
+void ChangesWindow::show_result(const SendResult& result) {
+    show_lines();
     use_.form.changes_status.set_text(result_text(result));
-    show_state();
+    if (!use_.form.form.visible() && !result.complete()) {
+        use_.ports.dialogs.message_box(
+            {.text = offer_.title + ": " + result_text(result) + ".", .icon = platform::Icon::warning});
+    }
     if (offer_.ended) {
-        offer_.ended(result, offer_.lines);
+        const Ended ended = offer_.ended; // it may bring the next offer
+        const std::vector<ChangeLine> lines = offer_.lines;
+        ended(result, lines);
     }
 }
 

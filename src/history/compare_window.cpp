@@ -13,6 +13,7 @@ namespace ecu::history {
 namespace {
 
 constexpr std::size_t first_raw_column = 8;
+constexpr const char* odd_group = "Odd lines"; // of unknown keys, and unreadable ones
 constexpr int map_column_width = 46;
 constexpr int map_row_height = 20;
 
@@ -23,18 +24,20 @@ std::string file_name(const std::string& path) {
     return {name.begin(), name.end()};
 }
 
-// Red above zero and blue below it, the stronger the farther; white is no difference.
-platform::Colour around_zero(double part) {
+// Red above zero and blue below it, the stronger the farther; none where nothing differs.
+std::optional<platform::Colour> around_zero(double part) {
     const auto faded = static_cast<std::uint8_t>(255 - std::lround(175 * std::min(1.0, std::abs(part))));
-    return part == 0  ? platform::bright_white
-           : part > 0 ? platform::Colour{255, faded, faded}
-                      : platform::Colour{faded, faded, 255};
+    if (part == 0) {
+        return std::nullopt;
+    }
+    return part > 0 ? platform::Colour{255, faded, faded} : platform::Colour{faded, faded, 255};
 }
 
 } // namespace
 
 CompareWindow::CompareWindow(const Use& use) : use_(use) {
     wire();
+    use_.changes.busy_changed.push_back([this] { show_buttons(); });
     show_buttons();
 }
 
@@ -54,15 +57,20 @@ void CompareWindow::wire() {
     form.compare_list.chosen = [this] { show_map(); };
     form.compare_list.ticks_changed = [this] {
         const auto& rows = use_.form.compare_list.rows();
-        for (std::size_t i = 0; i < rows.size(); ++i) {
+        for (std::size_t i = 0; i < shown_.size(); ++i) {
             rows[i].ticked ? (void)ticked_.insert(shown_[i]) : (void)ticked_.erase(shown_[i]);
         }
         show_buttons();
     };
+    form.compare_tick_shown.clicked = [this] { tick_shown(); };
+    form.compare_tick_none.clicked = [this] {
+        ticked_.clear();
+        show_list();
+    };
     form.compare_copy.clicked = [this] {
         if (use_.form.to_clipboard) {
             use_.form.to_clipboard(as_text(listed(), comparison_, names(), use_.form.compare_raw.checked()));
-            say(std::to_string(shown_.size()) + " lines are on the clipboard");
+            say("On the clipboard: " + calibration::counted(shown_.size(), "line"));
         }
     };
     form.compare_csv.clicked = [this] {
@@ -81,9 +89,6 @@ void CompareWindow::wire() {
 }
 
 void CompareWindow::open() {
-    if (!sides_[side_a] || !sides_[side_b]) {
-        say("Choose what stands on each side");
-    }
     show_buttons();
     use_.form.form.show();
     use_.form.form.raise();
@@ -122,11 +127,17 @@ void CompareWindow::take_point(std::size_t side, const std::string& number) {
 }
 
 void CompareWindow::take_controller(std::size_t side) {
+    if (const std::string why = use_.changes.refusal(); !why.empty()) {
+        say(why);
+        return;
+    }
     stop_ = false;
-    use_.form.compare_stop.set_enabled(true);
-    if (auto copy = use_.changes.read(use_.form.compare_status, stop_)) {
+    reading_ = true;
+    const auto copy = use_.changes.read(use_.form.compare_status, stop_);
+    reading_ = false;
+    if (copy) {
         take(side, side_of_copy(*copy));
-        copies_[side] = std::move(copy);
+        say("The controller was read at " + copy->time.substr(11, 8));
     }
     show_buttons();
 }
@@ -137,14 +148,12 @@ void CompareWindow::take(std::size_t side, Side taken) {
         return;
     }
     use_.form.side_name[side].set_text(taken.name + ", " + calibration::counted(taken.values.size(), "value"));
-    copies_[side].reset();
     sides_[side] = std::move(taken);
     compare();
 }
 
 void CompareWindow::swap() {
     std::swap(sides_[side_a], sides_[side_b]);
-    std::swap(copies_[side_a], copies_[side_b]);
     const std::string a = use_.form.side_name[0].text();
     use_.form.side_name[0].set_text(use_.form.side_name[1].text());
     use_.form.side_name[1].set_text(a);
@@ -158,8 +167,9 @@ void CompareWindow::compare() {
     if (sides_[side_a] && sides_[side_b]) {
         comparison_ = calibration::compare(sides_[side_a]->values, sides_[side_b]->values);
         all_ = differences(comparison_, sides_[side_a]->values, sides_[side_b]->values, use_.units);
-        say(summary(comparison_, names().a, names().b));
+        say("");
     }
+    odd_ = odd_lines(comparison_, names());
     show_groups();
     show_list();
 }
@@ -181,10 +191,14 @@ void CompareWindow::show_groups() {
             groups_.push_back(one.group);
         }
     }
+    if (!odd_.empty()) {
+        groups_.emplace_back(odd_group);
+        counts[odd_group] = odd_.size();
+    }
     std::vector<platform::List::Row> rows;
     for (const std::string& group : groups_) {
-        rows.push_back(
-            {.cells = {group.empty() ? "All" : group, std::to_string(group.empty() ? all_.size() : counts[group])}});
+        rows.push_back({.cells = {group.empty() ? "All" : group,
+                                  std::to_string(group.empty() ? all_.size() + odd_.size() : counts[group])}});
     }
     use_.form.compare_groups.set_rows(std::move(rows));
 }
@@ -224,6 +238,13 @@ void CompareWindow::show_list() {
                  .tickable = one.b_raw.has_value()});
         }
     }
+    for (std::size_t i = 0; shows_odd_lines() && i < odd_.size(); ++i) {
+        const bool in_a = odd_[i].side == names().a;
+        rows.push_back({.cells = {odd_[i].text, "", in_a ? "not compared" : "", in_a ? "" : "not compared", "", "", "",
+                                  odd_group, "", ""},
+                        .ticked = false,
+                        .tickable = false});
+    }
     use_.form.compare_list.set_heading(first_raw_column, raw ? "Raw A" : "");
     use_.form.compare_list.set_heading(first_raw_column + 1, raw ? "Raw B" : "");
     use_.form.compare_list.set_rows(std::move(rows));
@@ -231,15 +252,51 @@ void CompareWindow::show_list() {
     show_buttons();
 }
 
+// They have no group nor rate of their own.
+bool CompareWindow::shows_odd_lines() const {
+    const DifferenceFilter wanted = filter();
+    return wanted.text.empty() && (wanted.group.empty() || wanted.group == odd_group);
+}
+
+const Difference* CompareWindow::chosen() const {
+    const int current = use_.form.compare_list.current();
+    return current >= 0 && current < static_cast<int>(shown_.size()) ? &all_[shown_[static_cast<std::size_t>(current)]]
+                                                                     : nullptr;
+}
+
+void CompareWindow::tick_shown() {
+    for (const std::size_t i : shown_) {
+        if (all_[i].b_raw) {
+            ticked_.insert(i);
+        }
+    }
+    show_list();
+}
+
+void CompareWindow::show_summary() {
+    std::string text = "Choose what stands on each side";
+    if (sides_[side_a] && sides_[side_b]) {
+        text = summary(comparison_, names().a, names().b);
+        if (shown_.size() < all_.size()) {
+            text += "; " + std::to_string(shown_.size()) + " listed";
+        }
+        if (!ticked_.empty()) {
+            text += "; " + std::to_string(ticked_.size()) + " ticked";
+        }
+    }
+    use_.form.compare_summary.set_text(text);
+}
+
 void CompareWindow::show_map() {
     FrmCompare& form = use_.form;
-    const int current = form.compare_list.current();
-    const calibration::Table* table = current >= 0 && current < static_cast<int>(shown_.size())
-                                          ? all_[shown_[static_cast<std::size_t>(current)]].key.table
-                                          : nullptr;
+    const Difference* one = chosen();
+    const calibration::Table* table = one != nullptr ? one->key.table : nullptr;
     const bool map = table != nullptr && table->shape != calibration::TableShape::nine_boxes;
-    form.map_name.set_text(map ? item_of({.table = table}) + ": A, B, and B less A"
-                               : "Choose a line of a map to see it here");
+    for (platform::Label& name : form.map_name) {
+        name.set_text(map ? item_of({.table = table}) + (unit_of({.table = table}).empty() ? "" : ", ") +
+                                unit_of({.table = table})
+                          : "Choose a line of a map among the differences to see it here");
+    }
     const int size = !map ? 0 : table->shape == calibration::TableShape::grid_16 ? 16 : 9;
     for (platform::Grid* grid : {&form.map_a, &form.map_b, &form.map_difference}) {
         grid->begin_batch();
@@ -262,27 +319,30 @@ void CompareWindow::show_map() {
         const int column = calibration::map_col(*table, i);
         const auto a = sides_[side_a]->values.find(key);
         const auto b = sides_[side_b]->values.find(key);
-        form.map_a.set_cell_text(row, column, a ? value_text(key, a->raw, scales(side_a)) : "");
-        form.map_b.set_cell_text(row, column, b ? value_text(key, b->raw, scales(side_b)) : "");
+        form.map_a.confirm_cell(row, column, a ? value_text(key, a->raw, scales(side_a)) : "");
+        form.map_b.confirm_cell(row, column, b ? value_text(key, b->raw, scales(side_b)) : "");
         const bool differs = a && b && a->raw != b->raw;
         if (a && b) {
             change[static_cast<std::size_t>(i)] = calibration::shown_value(table->shown, b->raw, scales(side_b)) -
                                                   calibration::shown_value(table->shown, a->raw, scales(side_a));
             largest = std::max(largest, std::abs(*change[static_cast<std::size_t>(i)]));
         }
-        form.map_difference.set_cell_text(
+        form.map_difference.confirm_cell(
             row, column, differs ? difference(key, a->raw, b->raw, scales(side_a), scales(side_b)).change : "");
     }
     for (int i = 0; map && i < table->cells(); ++i) {
         const int row = calibration::map_row(*table, i);
         const int column = calibration::map_col(*table, i);
         const double part = largest > 0 ? change[static_cast<std::size_t>(i)].value_or(0) / largest : 0;
-        form.map_difference.set_cell_back(row, column, around_zero(part));
-        for (platform::Grid* grid : {&form.map_a, &form.map_b}) {
-            grid->set_cell_back(row, column, platform::bright_white);
+        for (platform::Grid* grid : {&form.map_a, &form.map_b, &form.map_difference}) {
+            grid->set_cell_back(row, column, around_zero(part));
         }
     }
     for (platform::Grid* grid : {&form.map_a, &form.map_b, &form.map_difference}) {
+        if (map) {
+            grid->set_active_cell(calibration::map_row(*table, one->key.index),
+                                  calibration::map_col(*table, one->key.index));
+        }
         grid->end_batch();
     }
 }
@@ -296,7 +356,9 @@ void CompareWindow::show_buttons() {
         form.side_point[side].set_enabled(free);
         form.side_controller[side].set_enabled(free);
     }
-    form.compare_stop.set_enabled(!free);
+    form.compare_stop.set_enabled(reading_);
+    form.compare_tick_shown.set_enabled(both && !shown_.empty());
+    form.compare_tick_none.set_enabled(!ticked_.empty());
     form.compare_swap.set_enabled(free && both);
     form.compare_copy.set_enabled(both);
     form.compare_csv.set_enabled(both);
@@ -304,6 +366,7 @@ void CompareWindow::show_buttons() {
     form.compare_send.set_enabled(free && both && !ticked_.empty());
     form.compare_send.set_text(ticked_.empty() ? "&Send ticked of B..."
                                                : "&Send " + std::to_string(ticked_.size()) + " of B...");
+    show_summary();
 }
 
 void CompareWindow::save(const std::string& title, const std::string& extension, const std::string& filter,
@@ -312,29 +375,39 @@ void CompareWindow::save(const std::string& title, const std::string& extension,
         {.title = title, .default_extension = extension, .filter = filter, .initial_name = "differences." + extension});
     if (!path.empty()) {
         const std::string why = platform::replace_file(use_.ports.folder / path_of(path), text);
-        say(why.empty() ? std::to_string(shown_.size()) + " lines are in " + file_name(path)
+        say(why.empty() ? file_name(path) + " holds " + calibration::counted(shown_.size(), "line")
                         : path + " could not be written: " + why + ". Choose another folder or name");
     }
 }
 
-// Against what the controller holds: the side that was just read from it, or a reading now.
+// Against what the controller holds now: the ticked items are read for it.
 void CompareWindow::send() {
-    Side wanted{.name = sides_[side_b]->name, .values = {}, .identity = {}, .failure = {}};
+    calibration::Snapshot wanted;
     for (const std::size_t i : ticked_) {
-        wanted.values.put(all_[i].key, {.raw = *all_[i].b_raw});
+        wanted.put(all_[i].key, {.raw = *all_[i].b_raw});
     }
-    const std::string title = "Send " + calibration::counted(ticked_.size(), "value") + " of " + wanted.name;
-    if (!copies_[side_a]) {
-        use_.changes.show_differences_to(wanted, title);
-        return;
+    use_.changes.show_items(
+        {.title = "Send " + calibration::counted(ticked_.size(), "value") + " of " + names().b,
+         .wanted = wanted,
+         .ended = [this](const SendResult&, const std::vector<ChangeLine>& lines) { note_sent(lines); }});
+}
+
+// A side that is the controller holds now what its echoes brought.
+void CompareWindow::note_sent(const std::vector<ChangeLine>& lines) {
+    bool any = false;
+    for (auto& side : sides_) {
+        if (side && side->identity && side->identity->serial == use_.changes.offered_to().serial) {
+            for (const ChangeLine& line : lines) {
+                if (line.stored) {
+                    side->values.put(line.key, {.raw = *line.stored});
+                    any = true;
+                }
+            }
+        }
     }
-    use_.changes.show({.title = title,
-                       .from = title,
-                       .identity = copies_[side_a]->identity,
-                       .now_scales = copies_[side_a]->values.scales(),
-                       .wanted_scales = sides_[side_b]->values.scales(),
-                       .lines = changes_to(wanted.values, copies_[side_a]->values),
-                       .when_empty = {}});
+    if (any) {
+        compare();
+    }
 }
 
 } // namespace ecu::history

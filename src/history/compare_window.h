@@ -39,6 +39,11 @@ private:
     void show_list();
     void show_map();
     void show_buttons();
+    void show_summary();
+    void tick_shown();
+    bool shows_odd_lines() const;
+    const Difference* chosen() const;
+    void note_sent(const std::vector<ChangeLine>& lines);
     DifferenceFilter filter() const;
     std::vector<Difference> listed() const;
     ReportNames names() const;
@@ -49,13 +54,14 @@ private:
 
     Use use_;
     std::array<std::optional<Side>, 2> sides_;
-    std::array<std::optional<ControllerCopy>, 2> copies_; // where the side is the controller
     calibration::Comparison comparison_;
     std::vector<Difference> all_;
-    std::vector<std::size_t> shown_; // of all_
-    std::set<std::size_t> ticked_;   // of all_, whatever is shown
+    std::vector<std::size_t> shown_; // of all_; behind these stand the odd lines
+    std::vector<OddLine> odd_;
+    std::set<std::size_t> ticked_; // of all_, whatever is shown
     std::vector<std::string> groups_;
     bool stop_ = false;
+    bool reading_ = false;
 };
 
 } // namespace ecu::history

@@ -55,6 +55,14 @@ struct DifferenceFilter {
 // missing.
 std::string summary(const calibration::Comparison& comparison, const std::string& name_a, const std::string& name_b);
 
+// What no row knows or no upload would send, of either side; never left out.
+struct OddLine {
+    std::string side;
+    std::string text; // "line 20: unknown key ABCD"
+};
+struct ReportNames;
+std::vector<OddLine> odd_lines(const calibration::Comparison& comparison, const ReportNames& names);
+
 // A report for the clipboard, for a spreadsheet, and as a page that a browser prints.
 struct ReportNames {
     std::string a;

@@ -17,25 +17,12 @@ std::string raw_text(const std::optional<std::int32_t>& raw) { return raw ? std:
 
 std::string with_place(const Difference& one) { return one.item + (one.place.empty() ? "" : ", " + one.place); }
 
-struct OddLine {
-    std::string side;
-    std::string text;
-};
-// What no row knows or no upload would send; never left out.
-std::vector<OddLine> odd_lines(const Comparison& comparison, const ReportNames& names) {
-    std::vector<OddLine> lines;
-    for (const UnknownValue& value : comparison.unknown) {
-        lines.push_back({value.in == Side::a ? names.a : names.b,
-                         "line " + std::to_string(value.key.line) + ": unknown key " + value.key.text});
-    }
-    for (const UnreadableValue& value : comparison.unreadable) {
-        lines.push_back({value.in == Side::a ? names.a : names.b,
-                         "line " + std::to_string(value.line.line) + ": " + value.line.key + ": " + value.line.text});
-    }
-    return lines;
+// A report of a part says so.
+std::string hidden_text(const std::vector<Difference>& list, const Comparison& comparison) {
+    const std::size_t all = comparison.changed.size() + comparison.missing.size();
+    return list.size() < all ? counted(all - list.size(), "line") + " more not shown by the filter" : "";
 }
 
-// What a spreadsheet would take for a formula stays text.
 std::string csv_field(const std::string& text) {
     std::string out = "\"";
     for (const char c : text) {
@@ -53,6 +40,19 @@ std::string escaped(const std::string& text) {
 }
 
 } // namespace
+
+std::vector<OddLine> odd_lines(const Comparison& comparison, const ReportNames& names) {
+    std::vector<OddLine> lines;
+    for (const UnknownValue& value : comparison.unknown) {
+        lines.push_back({value.in == Side::a ? names.a : names.b,
+                         "line " + std::to_string(value.key.line) + ": unknown key " + value.key.text});
+    }
+    for (const UnreadableValue& value : comparison.unreadable) {
+        lines.push_back({value.in == Side::a ? names.a : names.b,
+                         "line " + std::to_string(value.line.line) + ": " + value.line.key + ": " + value.line.text});
+    }
+    return lines;
+}
 
 std::string as_text(const std::vector<Difference>& list, const Comparison& comparison, const ReportNames& names,
                     bool raw) {
@@ -79,11 +79,15 @@ std::string as_text(const std::vector<Difference>& list, const Comparison& compa
     for (const OddLine& line : odd_lines(comparison, names)) {
         text += line.side + ", " + line.text + "\n";
     }
-    return text + (text.empty() ? "" : "\n") + summary(comparison, names.a, names.b) + "\n";
+    const std::string hidden = hidden_text(list, comparison);
+    return text + (text.empty() ? "" : "\n") + summary(comparison, names.a, names.b) + "\n" +
+           (hidden.empty() ? "" : hidden + "\n");
 }
 
 std::string as_csv(const std::vector<Difference>& list, const Comparison& comparison, const ReportNames& names) {
-    std::string text = "Group,Item,Key,Place,Unit," + csv_field(names.a) + "," + csv_field(names.b) +
+    // Behind a letter no spreadsheet takes a name for a formula.
+    const ReportNames sides{"A: " + names.a, "B: " + names.b};
+    std::string text = "Group,Item,Key,Place,Unit," + csv_field(sides.a) + "," + csv_field(sides.b) +
                        ",Difference,Per cent,Raw A,Raw B\r\n";
     for (const Difference& one : list) {
         std::string rate = rate_text(one.rate);
@@ -92,7 +96,7 @@ std::string as_csv(const std::vector<Difference>& list, const Comparison& compar
                 csv_field(one.place) + "," + csv_field(one.unit) + "," + one.a + "," + one.b + "," + one.change + "," +
                 rate + "," + raw_text(one.a_raw) + "," + raw_text(one.b_raw) + "\r\n";
     }
-    for (const OddLine& line : odd_lines(comparison, names)) {
+    for (const OddLine& line : odd_lines(comparison, sides)) {
         text += csv_field(line.side) + "," + csv_field(line.text) + ",,,,,,,,,\r\n";
     }
     return text;
@@ -123,6 +127,9 @@ std::string as_page(const std::vector<Difference>& list, const Comparison& compa
     page += group.empty() ? "" : "</table>\n";
     for (const OddLine& line : odd_lines(comparison, names)) {
         page += "<p>" + escaped(line.side + ", " + line.text) + "</p>\n";
+    }
+    if (const std::string hidden = hidden_text(list, comparison); !hidden.empty()) {
+        page += "<p>" + hidden + "</p>\n";
     }
     return page + "</body></html>\n";
 }

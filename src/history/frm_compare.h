@@ -1,5 +1,5 @@
 // Two calibrations side by side: where each comes from, the list of differences by group, and maps as two grids with a
-// third of their difference.
+// third of their difference, shaded around zero.
 #pragma once
 
 #include "platform/form.h"
@@ -33,8 +33,12 @@ struct FrmCompare {
         {"Item", "Place", "A", "B", "Unit", "Difference", "Per cent", "Group", "Raw A", "Raw B"},
         true};
 
+    platform::Label compare_summary{form, "compare_summary"};
+    platform::Button compare_tick_shown{form, "compare_tick_shown", "Tick &all shown"};
+    platform::Button compare_tick_none{form, "compare_tick_none", "Tick &none"};
+
     // Of the chosen line's map; empty for what is no map.
-    platform::Label map_name{form, "map_name"};
+    platform::ControlArray<platform::Label, 2> map_name{form, "map_name"}; // one a page
     platform::Grid map_a{form, "map_a", 16, 16};
     platform::Grid map_b{form, "map_b", 16, 16};
     platform::Grid map_difference{form, "map_difference", 16, 16};
@@ -69,9 +73,12 @@ struct FrmCompare {
         compare_raw.set_tool_tip("Show the numbers as they travel on the wire too");
         compare_groups.set_tool_tip("The group whose lines are listed");
         compare_list.set_tool_tip("Space ticks a line; the chosen line's map stands beside it");
+        compare_tick_shown.set_tool_tip("Tick every listed line that B has a value for");
+        compare_tick_none.set_tool_tip("Untick every line, listed or not");
         compare_copy.set_tool_tip("Put the listed lines on the clipboard");
         compare_csv.set_tool_tip("Write the listed lines for a spreadsheet");
         compare_page.set_tool_tip("Write the listed lines as a page that a browser shows and prints");
+        compare_close.set_tool_tip("Close this window");
         compare_send.set_tool_tip("Show the exact writes that bring B's values of the ticked lines into the "
                                   "controller, and send them");
         for (platform::Grid* grid : {&map_a, &map_b, &map_difference}) {

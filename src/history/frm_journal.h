@@ -19,6 +19,7 @@ struct FrmJournal {
     platform::Label journal_status{form, "journal_status"};
 
     FrmJournal() {
+        journal_close.set_tool_tip("Close this window");
         journal_filter.set_tool_tip("Only rows with this text in item, place, value, time or window");
         journal_refresh.set_tool_tip("Read the journal again");
         journal_list.set_tool_tip("What the console and the command line wrote from this folder; Space ticks a row");

@@ -176,7 +176,9 @@ std::string HistoryFile::open(bool create) {
 // A commit is in the system's hands, and so past any kill; what syncs it onto the disk is append's.
 std::string HistoryFile::prepare_schema() {
     sqlite3_busy_timeout(file_.get(), reader_patience);
-    std::string why = run("PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL; PRAGMA wal_autocheckpoint = 0; "
+    // A write is a row or two, and whole pages go into the log.
+    std::string why = run("PRAGMA page_size = 1024; PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL; PRAGMA "
+                          "wal_autocheckpoint = 0; "
                           "PRAGMA foreign_keys = OFF; BEGIN IMMEDIATE");
     if (!why.empty()) {
         return why;

@@ -13,6 +13,8 @@ namespace {
 constexpr int tick_ms = 250;
 constexpr int ticks_to_wait = 3; // for a moment outside a message: a second in all
 constexpr int ticks_to_try_again = 20;
+// Another program that writes at the same moment is done with the next message; a disk that is full is not.
+constexpr int failures_to_give_up = 3;
 constexpr std::size_t most_waiting = 50'000;
 constexpr std::size_t command_at = 2;
 
@@ -46,16 +48,42 @@ std::optional<Subject> subject_of(const link::Request& request) {
     return std::nullopt;
 }
 
+auto same_as(const calibration::FileKey& key) {
+    return [&key](const calibration::FileKey& other) {
+        return other.parameter == key.parameter && other.table == key.table && other.index == key.index;
+    };
+}
+
+// Whether the reply brings the item's value.
+bool tells_of(const link::Request& request, const calibration::FileKey& key) {
+    const std::uint8_t command = request[command_at];
+    if (key.table == nullptr) {
+        const auto subject = subject_of(request);
+        return command == key.parameter->read.command || (subject && same_as(key)(subject->key));
+    }
+    const auto* block = std::ranges::find(calibration::block_reads, command, &calibration::BlockRead::command);
+    const int cells = block != calibration::block_reads.end()                                   ? block->cells
+                      : command == calibration::read_cell || command == calibration::write_cell ? 1
+                                                                                                : 0;
+    const int first = request[command_at + 1] + 256 * request[command_at + 2];
+    const int address = key.table->base + key.index;
+    return address >= first && address < first + cells;
+}
+
 } // namespace
 
 std::string time_stamp(const platform::Clock& clock) {
-    const std::string date = clock.date_text(); // mm-dd-yyyy
-    const int hundredths = static_cast<int>(clock.seconds_since_midnight() * 100);
+    return time_stamp(clock.date_text(), clock.seconds_since_midnight());
+}
+
+// `date` is mm-dd-yyyy.
+std::string time_stamp(std::string_view date, float seconds_since_midnight) {
+    const int hundredths = static_cast<int>(seconds_since_midnight * 100);
     const int seconds = hundredths / 100;
     std::array<char, 40> time{};
     std::snprintf(time.data(), time.size(), " %02d:%02d:%02d.%02d", seconds / 3600, seconds / 60 % 60, seconds % 60,
                   hundredths % 100);
-    return date.substr(6) + "-" + date.substr(0, 5) + time.data();
+    return std::string(date.substr(6)) + "-" + std::string(date.substr(0, 5)) + time.data();
 }
 
 Journal::Journal(const platform::Ports& ports, const link::SharedState& state, link::EcuComm& comm,
@@ -68,6 +96,9 @@ Journal::Journal(const platform::Ports& ports, const link::SharedState& state, l
         }
     };
     observation_ = comm_.observe([this](const link::Observed& observed) {
+        if (observed.verdict == link::Verdict::accepted && !doubtful_.empty()) {
+            forget_doubts(observed.request);
+        }
         if (sets_a_value[observed.request[command_at]] &&
             (observed.verdict == link::Verdict::accepted || observed.verdict == link::Verdict::given_up)) {
             ended(observed);
@@ -82,6 +113,9 @@ Journal::~Journal() {
 }
 
 std::optional<std::int32_t> Journal::held(const calibration::FileKey& key) const {
+    if (std::ranges::find_if(doubtful_, same_as(key)) != doubtful_.end()) {
+        return std::nullopt;
+    }
     if (key.table != nullptr) {
         const int address = key.table->base + key.index;
         return image_.cell_known(address) ? std::optional<std::int32_t>(image_.cell(address)) : std::nullopt;
@@ -94,15 +128,28 @@ std::string Journal::text_of(const calibration::FileKey& key, std::optional<std:
     return raw ? calibration::shown_text(key, *raw, scales_) : std::string();
 }
 
+// The system takes its time over a date, and a message waits: it is asked once a minute.
+std::string Journal::stamp() {
+    const float now = ports_.clock.seconds_since_midnight();
+    if (const int minute = static_cast<int>(now / 60); minute != minute_of_date_) {
+        date_ = ports_.clock.date_text();
+        minute_of_date_ = minute;
+    }
+    return time_stamp(date_, now);
+}
+
 void Journal::sending(const link::Request& request) {
     const auto subject = subject_of(request);
     if (!subject) {
         return;
     }
     ++writes_;
+    if (written) {
+        written();
+    }
     const auto& key = subject->key;
     const auto old = held(key);
-    Waiting waiting{.row = {.write = {.time = time_stamp(ports_.clock),
+    Waiting waiting{.row = {.write = {.time = stamp(),
                                       .place = !from_.empty() ? from_
                                                : place        ? place()
                                                               : std::string(),
@@ -121,13 +168,18 @@ void Journal::sending(const link::Request& request) {
     if (waiting_.size() > most_waiting) {
         waiting_.pop_front();
     }
-    if (!failing_) {
+    if (failures_ < failures_to_give_up) {
         append(false);
     }
     if (!timer_->running()) {
         ticks_ = 0;
         timer_->set_running(true);
     }
+}
+
+// What an accepted message has read or set is known again.
+void Journal::forget_doubts(const link::Request& request) {
+    std::erase_if(doubtful_, [&](const calibration::FileKey& key) { return tells_of(request, key); });
 }
 
 // The latest of that request that is still open: one message may be inside another's waits.
@@ -145,6 +197,9 @@ void Journal::ended(const link::Observed& observed) {
         answer.text = text_of(found->key, answer.raw);
     }
     found->row.answer = std::move(answer);
+    if (observed.verdict == link::Verdict::given_up) {
+        doubtful_.push_back(found->key);
+    }
 }
 
 // What stands in the file and is over needs nothing more.
@@ -159,8 +214,8 @@ void Journal::append(bool onto_disk) {
         return;
     }
     failure_ = file_.append(batch_, onto_disk);
-    failing_ = !failure_.empty();
-    if (!failing_) {
+    failures_ = failure_.empty() ? 0 : failures_ + 1;
+    if (failures_ == 0) {
         std::erase_if(waiting_, [](const Waiting& waiting) { return waiting.over; });
     }
 }
@@ -175,7 +230,7 @@ bool Journal::flush() {
 // A moment between two messages is the best one for the disk, but within a second it is done in any case; what arrives
 // meanwhile waits in the port.
 void Journal::tick() {
-    if (++ticks_ < (failing_ ? ticks_to_try_again : comm_.busy() ? ticks_to_wait : 1)) {
+    if (++ticks_ < (failures_ >= failures_to_give_up ? ticks_to_try_again : comm_.busy() ? ticks_to_wait : 1)) {
         return;
     }
     ticks_ = 0;
@@ -183,7 +238,7 @@ void Journal::tick() {
     if (waiting_.empty()) {
         timer_->set_running(false);
     }
-    if (failing_ && !warned_ && warn && !comm_.busy()) {
+    if (failures_ >= failures_to_give_up && !warned_ && warn && !comm_.busy()) {
         warned_ = true;
         warn("The journal of writes cannot be kept in " + std::string(history_name) + ": " + failure_ +
              ".\nThe console goes on without it. Make room or make the folder writable; what is written meanwhile is "

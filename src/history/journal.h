@@ -21,6 +21,7 @@ namespace ecu::history {
 
 // "2026-11-23 08:44:56.12": sorts as it stands.
 std::string time_stamp(const platform::Clock& clock);
+std::string time_stamp(std::string_view date, float seconds_since_midnight);
 
 class Journal {
 public:
@@ -33,6 +34,7 @@ public:
 
     std::function<std::string()> place;           // where a write comes from, for people; asked for each
     std::function<void(const std::string&)> warn; // once, when the file cannot be written
+    std::function<void()> written;                // a message that sets a value is about to go out
 
     // For a sequence that belongs to no window of its own: what it sends is said to come from here.
     class From {
@@ -63,8 +65,10 @@ private:
         bool over = false; // the message has ended
     };
 
+    std::string stamp();
     void sending(const link::Request& request);
     void ended(const link::Observed& observed);
+    void forget_doubts(const link::Request& request);
     std::optional<std::int32_t> held(const calibration::FileKey& key) const;
     std::string text_of(const calibration::FileKey& key, std::optional<std::int32_t> raw) const;
     void append(bool onto_disk);
@@ -76,13 +80,16 @@ private:
     const calibration::CalibrationImage& image_;
     const calibration::Scales& scales_;
     HistoryFile& file_;
-    std::deque<Waiting> waiting_; // the oldest first
-    std::vector<Pending*> batch_; // of append
+    std::deque<Waiting> waiting_;                // the oldest first
+    std::vector<Pending*> batch_;                // of append
+    std::vector<calibration::FileKey> doubtful_; // written without an answer, and not read since
     std::unique_ptr<platform::Timer> timer_;
     link::Observation observation_;
     std::string from_;
+    std::string date_;
+    int minute_of_date_ = -1;
     std::string failure_;
-    bool failing_ = false;
+    int failures_ = 0; // one after another
     bool warned_ = false;
     int ticks_ = 0;
     std::uint64_t writes_ = 0;

@@ -41,7 +41,15 @@ JournalWindow::JournalWindow(const Use& use) : use_(use) {
     FrmJournal& form = use_.form;
     form.journal_refresh.clicked = [this] { refresh(); };
     form.journal_filter.changed = [this] { show_rows(); };
-    form.journal_list.ticks_changed = [this] { show_state(); };
+    form.journal_list.ticks_changed = [this] {
+        const auto& rows = use_.form.journal_list.rows();
+        for (std::size_t i = 0; i < shown_.size(); ++i) {
+            const std::int64_t id = rows_[shown_[i]].id;
+            rows[i].ticked ? (void)ticked_.insert(id) : (void)ticked_.erase(id);
+        }
+        show_state();
+    };
+    use_.changes.busy_changed.push_back([this] { show_state(); });
     form.journal_tick_shown.clicked = [this] { tick_all(true); };
     form.journal_tick_none.clicked = [this] { tick_all(false); };
     form.journal_put_back.clicked = [this] { put_back_ticked(); };
@@ -75,6 +83,7 @@ void JournalWindow::show_rows() {
             all += " " + cell;
         }
         if (wanted.empty() || lower(all).find(wanted) != std::string::npos) {
+            row.ticked = ticked_.contains(rows_[i].id);
             rows.push_back(std::move(row));
             shown_.push_back(i);
         }
@@ -85,7 +94,7 @@ void JournalWindow::show_rows() {
 
 void JournalWindow::show_state() {
     const auto& rows = use_.form.journal_list.rows();
-    const auto ticked = static_cast<std::size_t>(std::ranges::count_if(rows, &platform::List::Row::ticked));
+    const std::size_t ticked = ticked_.size();
     use_.form.journal_put_back.set_enabled(ticked > 0 && !use_.changes.busy());
     std::string text = calibration::counted(rows_.size(), "write");
     if (rows.size() < rows_.size()) {
@@ -101,32 +110,36 @@ void JournalWindow::show_state() {
 }
 
 void JournalWindow::tick_all(bool ticked) {
-    std::vector<platform::List::Row> rows = use_.form.journal_list.rows();
-    for (platform::List::Row& row : rows) {
-        row.ticked = ticked && row.tickable;
+    if (!ticked) {
+        ticked_.clear();
     }
-    use_.form.journal_list.set_rows(std::move(rows));
-    show_state();
+    const auto& rows = use_.form.journal_list.rows();
+    for (std::size_t i = 0; ticked && i < shown_.size(); ++i) {
+        if (rows[i].tickable) {
+            ticked_.insert(rows_[shown_[i]].id);
+        }
+    }
+    show_rows();
 }
 
-// Of several controllers' rows only those of one are put back together: the newest ticked one says which.
 void JournalWindow::put_back_ticked() {
     std::vector<JournalRow> wanted; // the oldest first
     std::optional<std::uint32_t> serial;
-    for (std::size_t i = 0; i < shown_.size(); ++i) {
-        if (use_.form.journal_list.rows()[i].ticked) {
-            const JournalRow& row = rows_[shown_[i]];
-            if (wanted.empty()) {
-                serial = row.write.serial;
-            } else if (row.write.serial && serial && row.write.serial != serial) {
-                use_.form.journal_status.set_text("The ticked rows are of several controllers: tick those of one");
-                return;
-            }
-            serial = serial ? serial : row.write.serial;
-            wanted.insert(wanted.begin(), row);
+    for (const JournalRow& row : rows_) {
+        if (!ticked_.contains(row.id)) {
+            continue;
         }
+        if (serial && row.write.serial && row.write.serial != serial) {
+            use_.form.journal_status.set_text("The ticked rows are of several controllers: tick those of one");
+            return;
+        }
+        serial = serial ? serial : row.write.serial;
+        wanted.push_back(row);
     }
-    use_.changes.show_put_back(wanted, use_.image, "Put back " + calibration::counted(wanted.size(), "write"));
+    use_.changes.show_items({.title = "Put back " + calibration::counted(wanted.size(), "write"),
+                             .wanted = before_all(wanted),
+                             .serial = serial,
+                             .ended = [this](const SendResult&, const std::vector<ChangeLine>&) { refresh(); }});
 }
 
 } // namespace ecu::history

@@ -4,6 +4,8 @@
 #include "history/changes_window.h"
 #include "history/frm_journal.h"
 
+#include <set>
+
 namespace ecu::history {
 
 class JournalWindow {
@@ -12,8 +14,6 @@ public:
         const platform::Ports& ports;
         HistoryFile& file;
         Journal& journal;
-        const calibration::CalibrationImage& image;
-        const calibration::Scales& scales;
         ChangesWindow& changes;
         FrmJournal& form;
     };
@@ -31,6 +31,7 @@ private:
     Use use_;
     std::vector<JournalRow> rows_;   // the oldest first
     std::vector<std::size_t> shown_; // of rows_, the newest first
+    std::set<std::int64_t> ticked_;  // by their ids, whatever is shown
 };
 
 } // namespace ecu::history

@@ -9,6 +9,11 @@ namespace {
 constexpr std::string_view by_itself = "restore_point_before_upload";
 constexpr std::size_t note_column = 2;
 
+// "2026-11-23_0844.set" of "2026-11-23 08:44:56.12"
+std::string dated_name(const std::string& time) {
+    return time.substr(0, 10) + "_" + time.substr(11, 2) + time.substr(14, 2) + ".set";
+}
+
 } // namespace
 
 PointsWindow::PointsWindow(const Use& use) : use_(use) {
@@ -36,8 +41,15 @@ PointsWindow::PointsWindow(const Use& use) : use_(use) {
             refresh();
         }
     };
+    form.file_as_a.clicked = [this] { take_file(false); };
+    form.file_as_b.clicked = [this] { take_file(true); };
+    use_.changes.busy_changed.push_back([this] { show_buttons(); });
     form.points_list.chosen = [this] { choose(); };
-    form.points_list.activated = [this](int) { restore(); };
+    form.points_list.activated = [this](int) {
+        if (use_.form.point_restore.enabled()) {
+            restore();
+        }
+    };
     form.points_close.clicked = [this] { use_.form.form.close_requested(); };
     form.form.on_close = [this] {
         stop_ = true;
@@ -80,6 +92,7 @@ void PointsWindow::refresh() {
     } else if (ids_.empty() && use_.form.points_status.text().empty()) {
         say("There is none yet. Make restore point reads the controller and keeps what it holds");
     }
+    use_.form.points_two.set_text(both ? both() : "");
     show_buttons();
 }
 
@@ -93,7 +106,7 @@ void PointsWindow::show_buttons() {
     FrmRestorePoints& form = use_.form;
     const bool free = !use_.changes.busy();
     form.point_make.set_enabled(free);
-    form.point_stop.set_enabled(!free);
+    form.point_stop.set_enabled(reading_);
     for (platform::Button* button : {&form.point_set_note, &form.point_compare, &form.point_restore, &form.point_save,
                                      &form.point_remove, &form.point_as_a, &form.point_as_b}) {
         button->set_enabled(free && chosen().has_value());
@@ -109,34 +122,68 @@ void PointsWindow::choose() {
 }
 
 bool PointsWindow::keep_one(std::string_view note) {
-    stop_ = false;
-    use_.form.point_stop.set_enabled(true);
-    use_.form.point_make.set_enabled(false);
-    const auto copy = use_.changes.read(use_.form.points_status, stop_);
-    if (copy) {
-        std::int64_t id = 0;
-        if (const std::string why = keep(use_.file, *copy, note, id); !why.empty()) {
-            say("The restore point could not be kept: " + why + ". Make room or make the folder writable");
-            refresh();
-            return false;
-        }
-        say("Restore point " + point_name(id) + " holds " + calibration::counted(copy->values.size(), "value"));
+    if (reading_) {
+        return false;
     }
-    refresh();
-    return copy.has_value();
+    stop_ = false;
+    reading_ = true;
+    const auto copy = use_.changes.read(use_.form.points_status, stop_);
+    reading_ = false;
+    show_buttons();
+    return copy && keep_copy(*copy, note);
 }
 
-void PointsWindow::make() { keep_one(use_.form.point_note.text()); }
+bool PointsWindow::keep_copy(const ControllerCopy& copy, std::string_view note) {
+    std::int64_t id = 0;
+    const std::string why = keep(use_.file, copy, note, id);
+    say(why.empty() ? "Restore point " + point_name(id) + " holds " + calibration::counted(copy.values.size(), "value")
+                    : "The restore point could not be kept: " + why + ". Make room or make the folder writable");
+    refresh();
+    return why.empty();
+}
+
+// The note of the chosen one, which stands there to be changed, is none for another.
+void PointsWindow::make() {
+    const std::string note = use_.form.point_note.text();
+    const bool of_chosen =
+        chosen() &&
+        note ==
+            use_.form.points_list.rows()[static_cast<std::size_t>(use_.form.points_list.current())].cells[note_column];
+    keep_one(of_chosen ? "" : note);
+}
 
 bool PointsWindow::before(std::string_view what) {
-    if (use_.file.setting(by_itself) != "1" || keep_one("Before " + std::string(what))) {
-        return true;
-    }
+    return use_.file.setting(by_itself) != "1" || keep_one("Before " + std::string(what)) || goes_on_without();
+}
+
+bool PointsWindow::keep_before(const ControllerCopy& copy, std::string_view what) {
+    return use_.file.setting(by_itself) != "1" || keep_copy(copy, "Before " + std::string(what)) || goes_on_without();
+}
+
+bool PointsWindow::goes_on_without() const {
     return use_.ports.dialogs.message_box(
                {.text = "No restore point was made: " + use_.form.points_status.text() + ".\nGo on without it?",
                 .buttons = platform::Buttons::yes_no,
                 .icon = platform::Icon::warning,
                 .preset = platform::Answer::no}) == platform::Answer::yes;
+}
+
+void PointsWindow::take_file(bool b) {
+    const std::string path = use_.ports.dialogs.open_file({.title = b ? "Calibration B" : "Calibration A",
+                                                           .default_extension = "set",
+                                                           .filter = "Setup Files (*.set)|",
+                                                           .initial_name = "*.SET"});
+    if (calibration::Transfer::names_no_file(path)) {
+        return;
+    }
+    const Side side =
+        side_of_file(use_.ports.folder / std::filesystem::path(std::u8string(path.begin(), path.end())), path);
+    if (!side.failure.empty()) {
+        say(path + " cannot be used: " + side.failure + ". Choose another file");
+        return;
+    }
+    use_as(b, path);
+    refresh();
 }
 
 void PointsWindow::restore() {
@@ -160,7 +207,7 @@ void PointsWindow::save() {
     const std::string path = use_.ports.dialogs.save_file({.title = "Save restore point",
                                                            .default_extension = "set",
                                                            .filter = "Setup Files (*.set)|",
-                                                           .initial_name = "*.SET"});
+                                                           .initial_name = dated_name(point->time)});
     if (!calibration::Transfer::names_no_file(path)) {
         const std::string why = platform::replace_file(
             use_.ports.folder / std::filesystem::path(std::u8string(path.begin(), path.end())), point->setup);

@@ -89,21 +89,16 @@ std::optional<calibration::FileKey> key_of(const JournalRow& row) {
     return calibration::FileKey{.parameter = parameter, .table = table, .index = row.write.element};
 }
 
-std::vector<ChangeLine> put_back(const std::vector<JournalRow>& rows, const calibration::CalibrationImage& image) {
-    std::vector<ChangeLine> lines;
+calibration::Snapshot before_all(const std::vector<JournalRow>& rows) {
+    calibration::Snapshot values;
     std::set<std::pair<std::string, int>> seen;
     for (const JournalRow& row : rows) {
         const auto key = key_of(row);
-        if (!key || !row.write.old_raw || !seen.emplace(row.write.item, row.write.element).second) {
-            continue;
+        if (key && seen.emplace(row.write.item, row.write.element).second && row.write.old_raw) {
+            values.put(*key, {.raw = *row.write.old_raw});
         }
-        const bool known = key->table != nullptr ? image.cell_known(key->table->base + key->index)
-                                                 : image.known(*key->parameter, key->index);
-        const std::int32_t now =
-            key->table != nullptr ? image.cell(key->table->base + key->index) : image.raw(*key->parameter, key->index);
-        lines.push_back({.key = *key, .from = known ? std::optional(now) : std::nullopt, .to = *row.write.old_raw});
     }
-    return lines;
+    return values;
 }
 
 } // namespace ecu::history

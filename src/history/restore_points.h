@@ -40,9 +40,8 @@ struct ListedPoint {
 };
 std::vector<ListedPoint> list_points(HistoryFile& file, std::string& failure); // the newest first
 
-// Each item of these rows as it was before the first of them, of what is known to have been something. The console
-// sends them like any other changes.
-std::vector<ChangeLine> put_back(const std::vector<JournalRow>& rows, const calibration::CalibrationImage& image);
+// Each item of these rows, the oldest first, as it was before the first of them; not where that was not known.
+calibration::Snapshot before_all(const std::vector<JournalRow>& rows);
 // The row and element that a journal's row names; nothing for one of another version of the table.
 std::optional<calibration::FileKey> key_of(const JournalRow& row);
 

@@ -10,6 +10,8 @@ namespace ecu::history {
 namespace {
 
 constexpr int lines_of_a_download = 2126;
+// By these the numbers of others become values: the sensor, the engine speed, the meaning of the boost maps.
+constexpr std::array<std::string_view, 3> scale_keys{"MAP_TYPE", "FS_RPM", "BOFG"};
 
 void ask(link::EcuComm& comm, const messages::Command& command) { comm.poll({command.code}, command.reply); }
 
@@ -53,7 +55,11 @@ std::vector<ChangeLine> changes_to(const calibration::Snapshot& wanted, const ca
 
 ReadResult SendChanges::read(const Going& going) {
     ReadResult out;
-    ControllerCopy copy{.values = {}, .identity = {}, .setup = {}, .time = time_stamp(use_.ports.clock)};
+    ControllerCopy copy{.values = {},
+                        .identity = {},
+                        .setup = {},
+                        .time = time_stamp(use_.ports.clock),
+                        .writes = use_.journal.writes()};
     bool cancelled = false;
     const calibration::TransferResult result =
         use_.transfer.download_lines("controller", [&, lines = 0](std::string_view line) mutable {
@@ -92,7 +98,11 @@ void SendChanges::learn_serial() {
     }
 }
 
-ReadResult SendChanges::read_items(const std::vector<calibration::FileKey>& keys) {
+ReadResult SendChanges::read_items(const std::vector<calibration::FileKey>& items) {
+    std::vector<calibration::FileKey> keys = items;
+    for (const std::string_view key : scale_keys) {
+        keys.push_back({.parameter = calibration::find_parameter(key)});
+    }
     std::vector<calibration::WriteRequest> reads;
     for (const calibration::FileKey& key : keys) {
         calibration::WriteRequest read = calibration::read_request_of(key);
@@ -112,12 +122,32 @@ ReadResult SendChanges::read_items(const std::vector<calibration::FileKey>& keys
         return out;
     }
     learn_serial();
-    out.copy = ControllerCopy{
-        .values = {}, .identity = use_.state.identity, .setup = {}, .time = time_stamp(use_.ports.clock)};
+    out.copy = ControllerCopy{.values = {},
+                              .identity = use_.state.identity,
+                              .setup = {},
+                              .time = time_stamp(use_.ports.clock),
+                              .writes = use_.journal.writes()};
     for (const calibration::FileKey& key : keys) {
         out.copy->values.put(key, {.raw = held(key).value_or(0)});
     }
     return out;
+}
+
+std::optional<ControllerCopy> SendChanges::as_read(const calibration::Table& table) const {
+    ControllerCopy copy{.values = {},
+                        .identity = use_.state.identity,
+                        .setup = {},
+                        .time = time_stamp(use_.ports.clock),
+                        .writes = use_.journal.writes()};
+    for (int i = 0; i < table.cells(); ++i) {
+        if (!use_.image.cell_known(table.base + i)) {
+            return std::nullopt;
+        }
+        const std::int32_t raw = use_.image.cell(table.base + i);
+        copy.values.put({.table = &table, .index = i}, {.raw = raw});
+        copy.setup += calibration::file_line(table, i, raw);
+    }
+    return copy;
 }
 
 // A sentence if it is another controller, or cannot be shown to be the same.

@@ -39,6 +39,7 @@ struct ControllerCopy {
     link::ControllerIdentity identity;
     std::string setup; // the same as the text of a setup file
     std::string time;
+    std::uint64_t writes = 0; // of the journal, as the reading began
 };
 
 struct ReadResult {
@@ -76,8 +77,12 @@ public:
     // Lines so far of all; returns false to end the reading.
     using Going = std::function<bool(int done, int all)>;
     ReadResult read(const Going& going = {});
-    // These items alone; its `setup` stays empty.
+    // These items alone, and what gives their numbers a scale; its `setup` stays empty.
     ReadResult read_items(const std::vector<calibration::FileKey>& keys);
+    // Values written so far, by whatever window; what was read before the last of them may be out of date.
+    std::uint64_t writes() const { return use_.journal.writes(); }
+    // What was read of this table before, without a message; nothing where some of it was not.
+    std::optional<ControllerCopy> as_read(const calibration::Table& table) const;
 
     // Sends the ticked lines that wait, in their order. `wanted_of` is who was read; `from` says where the values come
     // from, for the journal and the progress.

@@ -15,13 +15,34 @@ bool all_sent(const std::vector<ChangeLine>& lines) {
 
 } // namespace
 
+TwoCalibrations::TwoCalibrations(const Use& use) : use_(use) {
+    use_.journal.written = [this] {
+        if (!switching_ && held_ && held_->sure) {
+            held_->sure = false;
+            show_title();
+        }
+    };
+}
+
 std::string TwoCalibrations::name_of(bool b) { return use_.file.setting(settings.at(b ? 1 : 0)); }
+
+// A path without its folders.
+std::string TwoCalibrations::short_name(bool b) {
+    const std::string name = name_of(b);
+    return name.substr(name.find_last_of("/\\") + 1);
+}
+
+std::string TwoCalibrations::both() {
+    const std::string a = short_name(false);
+    const std::string b = short_name(true);
+    return "A: " + (a.empty() ? "not chosen" : a) + "    B: " + (b.empty() ? "not chosen" : b);
+}
 
 void TwoCalibrations::choose(bool b, const std::string& name) {
     if (const std::string why = use_.file.set_setting(settings.at(b ? 1 : 0), name); !why.empty()) {
         use_.ports.dialogs.say("The choice could not be kept: " + why + ".");
     }
-    lost_sight();
+    lose_sight();
 }
 
 std::string TwoCalibrations::letter_of(const std::string& name) {
@@ -31,17 +52,19 @@ std::string TwoCalibrations::letter_of(const std::string& name) {
 }
 
 std::optional<Side> TwoCalibrations::side_of(bool b) {
-    const auto id = point_of_name(name_of(b));
-    if (!id) {
-        use_.ports.dialogs.say(
-            "Two calibrations are needed to switch between. Choose them in Tools, Restore point: Use "
-            "as A, Use as B.");
+    const std::string name = name_of(b);
+    if (name.empty()) {
+        use_.ports.dialogs.say("Two calibrations are needed to switch between. Choose them in Tools, Restore point: "
+                               "Use as A, Use as B, or a file.");
         return std::nullopt;
     }
-    Side side = side_of_point(use_.file, *id);
+    const auto id = point_of_name(name);
+    Side side = id ? side_of_point(use_.file, *id)
+                   : side_of_file(use_.ports.folder / std::filesystem::path(std::u8string(name.begin(), name.end())),
+                                  short_name(b));
     if (!side.failure.empty()) {
         use_.ports.dialogs.say("Calibration " + std::string(letters.at(b ? 1 : 0)) + ", " + side.name +
-                               ", cannot be used: " + side.failure + ".");
+                               ", cannot be used: " + side.failure + ". Choose another in Tools, Restore point.");
         return std::nullopt;
     }
     return side;
@@ -52,49 +75,54 @@ void TwoCalibrations::switch_over() {
         use_.ports.dialogs.say(why + ".");
         return;
     }
-    if (holds_b_ && use_.journal.writes() != writes_at_switch_) {
-        lost_sight(); // something else was written since: neither is held for sure
-    }
-    const bool to_b = holds_b_ ? !*holds_b_ : false;
+    // A title of the link's own: the port was opened anew, and another hand may have been at the controller.
+    const bool sure = held_ && held_->sure && use_.main_form.caption().ends_with(title_);
+    const bool to_b = wanted_ ? *wanted_ : held_ && !held_->b;
     const auto wanted = side_of(to_b);
-    const auto other = wanted ? side_of(!to_b) : std::nullopt;
-    if (!wanted || !other) {
+    if (!wanted || !side_of(!to_b)) {
         return;
     }
     const std::string title = "Switch to " + std::string(letters.at(to_b ? 1 : 0)) + ", " + wanted->name;
-    if (!holds_b_) {
-        use_.changes.show_differences_to(*wanted, title,
-                                         [this, to_b](const SendResult& result, const std::vector<ChangeLine>& lines) {
-                                             if (result.complete() && all_sent(lines)) {
-                                                 now_holds(to_b, use_.changes.offered_to());
-                                             }
-                                         });
+    if (!sure) {
+        preview(to_b, *wanted, title);
         return;
     }
-    std::vector<ChangeLine> lines = changes_to(wanted->values, other->values);
-    const link::ControllerIdentity identity = identity_;
-    lost_sight(); // until every value is verified
-    const SendResult result = use_.sender.send(lines, identity, title);
+    std::vector<ChangeLine> lines = changes_to(wanted->values, held_->values);
+    const link::ControllerIdentity identity = held_->identity;
+    lose_sight(); // until every value is verified
+    wanted_ = to_b;
+    switching_ = true;
+    const SendResult result = use_.changes.send_at_once(lines, identity, title);
+    switching_ = false;
     if (result.complete() && all_sent(lines)) {
-        now_holds(to_b, identity);
-    } else {
-        use_.ports.dialogs.message_box({.text = title + ": " + result_text(result) +
-                                                ".\nThe controller holds a part of each now. Switch again: it is read "
-                                                "first, and what is missing shown.",
-                                        .icon = platform::Icon::warning});
+        now_holds(to_b, *wanted, identity);
+        return;
     }
+    use_.ports.dialogs.message_box({.text = title + ": " + result_text(result) +
+                                            ".\nThe controller may hold a part of each now. Switch again: it is read "
+                                            "first, and what is missing shown.",
+                                    .icon = platform::Icon::warning});
 }
 
-void TwoCalibrations::now_holds(bool b, const link::ControllerIdentity& identity) {
-    holds_b_ = b;
-    identity_ = identity;
-    writes_at_switch_ = use_.journal.writes();
+void TwoCalibrations::preview(bool to_b, const Side& wanted, const std::string& title) {
+    use_.changes.show_differences_to(
+        wanted, title, [this, to_b, wanted](const SendResult& result, const std::vector<ChangeLine>& lines) {
+            if (result.complete() && all_sent(lines)) {
+                now_holds(to_b, wanted, use_.changes.offered_to());
+            }
+        });
+}
+
+void TwoCalibrations::now_holds(bool b, const Side& side, const link::ControllerIdentity& identity) {
+    wanted_.reset();
+    held_ = Held{.b = b, .name = side.name, .values = side.values, .identity = identity};
     show_title();
-    use_.result.set_text("The controller holds " + std::string(letters.at(b ? 1 : 0)) + ", " + name_of(b));
+    use_.result.set_text("The controller holds " + std::string(letters.at(b ? 1 : 0)) + ", " + side.name);
 }
 
-void TwoCalibrations::lost_sight() {
-    holds_b_.reset();
+void TwoCalibrations::lose_sight() {
+    held_.reset();
+    wanted_.reset();
     show_title();
 }
 
@@ -104,7 +132,9 @@ void TwoCalibrations::show_title() {
     if (!title_.empty() && caption.ends_with(title_)) {
         caption.resize(caption.size() - title_.size());
     }
-    title_ = holds_b_ ? " - holds " + std::string(letters.at(*holds_b_ ? 1 : 0)) + ", " + name_of(*holds_b_) : "";
+    title_ = held_ ? " - holds " + std::string(letters.at(held_->b ? 1 : 0)) + ", " + held_->name +
+                         (held_->sure ? "" : ", changed since")
+                   : "";
     use_.main_form.set_caption(caption + title_);
 }
 

@@ -334,7 +334,8 @@ std::string EcuComm::failure_details(const Try& last) const {
     if (remote()) {
         return "Server " + state_.remote_server_ip + ": " + tries + what_arrived(last.last_count, last.last_verdict) +
                (state_.remote_answering ? ".\nCheck the controller's power and its cable at the server."
-                                        : ".\nCheck the network, and that the server still runs there.") +
+                                        : ".\nCheck the network, and that the server still runs there. It may serve "
+                                          "another console now: its window tells whom.") +
                demo;
     }
     const std::string device = comm1_.device_of(state_.comm_port_number);

@@ -13,6 +13,7 @@ namespace {
 constexpr std::size_t most_waiting = 16;
 constexpr std::size_t clients_remembered = 16;
 constexpr float oldest_written = 1.0F; // seconds: whoever asked before that has given up, or asked again
+constexpr float standstill = 2.0F;     // without a tick of the timer that comes each second
 constexpr float reply_timeout = 0.1F;
 constexpr std::size_t shortest_passed = 3;
 constexpr int seconds_until_inactive = 5;
@@ -78,6 +79,7 @@ void RemoteServer::start() {
     }
     ++session_;
     open_ = true;
+    alive_at_ = use_.ports.now();
     use_.form.sock_byte_count = use_.form.comm_byte_count = 0;
     use_.form.refused_count.fill(0);
     use_.form.idle_seconds = 0;
@@ -118,7 +120,23 @@ void RemoteServer::count(std::int32_t& counter, std::size_t more) {
     counter += static_cast<std::int32_t>(std::min(more, room));
 }
 
+// What the system has kept while this program stood still, suspended or held by something else, has been given up by
+// whoever sent it.
+void RemoteServer::drop_what_a_standstill_kept() {
+    if (use_.ports.elapsed_since(alive_at_) > standstill) {
+        while (const auto datagram = use_.incomming_sock.take_datagram()) {
+            refuse(Refusal::too_late);
+        }
+        use_.incomming_sock.discard_input();
+        for (; !waiting_.empty(); waiting_.pop_front()) {
+            refuse(Refusal::too_late);
+        }
+    }
+    alive_at_ = use_.ports.now();
+}
+
 void RemoteServer::take_arrived() {
+    drop_what_a_standstill_kept();
     while (const auto datagram = use_.incomming_sock.take_datagram()) {
         process_server_incomming_packet(*datagram);
     }
@@ -250,6 +268,7 @@ void RemoteServer::pass_on(const Asked& asked) {
 }
 
 void RemoteServer::second_passed() {
+    drop_what_a_standstill_kept();
     use_.form.idle_seconds = static_cast<std::int16_t>(std::min(use_.form.idle_seconds + 1, 32767));
     if (use_.form.idle_seconds > seconds_until_inactive) {
         served_.reset(); // the next to ask may be another one

@@ -41,6 +41,7 @@ private:
 
     void activate();
     void stop();
+    void drop_what_a_standstill_kept();
     void take_arrived();
     std::optional<Refusal> refusal_of(const platform::Datagram& packet) const;
     void refuse(Refusal why) { count(use_.form.refused_count[static_cast<std::size_t>(why)], 1); }
@@ -69,6 +70,7 @@ private:
     std::unique_ptr<platform::Timer> again_; // looks again while the console's own message holds the line
     int session_ = 0; // counts starts and ends, so that an old exchange is not answered in a new one
     bool open_ = false;
+    float alive_at_ = 0; // when an event of this server was last handled
     bool serving_ = false;
     bool called_ = false; // serve_waiting is on its way
 };

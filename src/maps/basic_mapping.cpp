@@ -195,7 +195,7 @@ void BasicMapping::shade_all() {
 }
 
 void BasicMapping::reset_map(std::size_t map, std::string_view question) {
-    if (ask_caution(ports_.dialogs, question)) {
+    if (ask_caution(ports_.dialogs, question) && (!before_reset || before_reset(*map_rows[map].table))) {
         write_all(*form_.grids[map], map_rows[map].default_text);
     }
 }

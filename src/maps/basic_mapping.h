@@ -32,6 +32,8 @@ public:
     void shade_tps_mix(float low, float high) { shade(3, low, high); }
     void update_changed_entries() { editor_.update(); }
     Editor& editor() { return editor_; }
+    // Before a map is overwritten with its default, which the user has confirmed; false leaves it. May be empty.
+    std::function<bool(const calibration::Table&)> before_reset;
     void show_selected_map_graph();
     // The read-out and the markers, on each pass of the scheduler with this view in front.
     void refresh_live();

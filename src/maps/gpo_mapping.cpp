@@ -50,9 +50,9 @@ constexpr std::string_view demo_other = "0";
 
 GpoMapping::GpoMapping(const platform::Ports& ports, link::SharedState& state, link::EcuComm& comm,
                        const calibration::Scales& scales, const messages::EcuLiveData& live,
-                       const calibration::CalibrationImage& image, FrmSup& frm_sup, shell::Navigation& navigation,
-                       BlockSelection& selection)
-    : ports_(ports), state_(state), scales_(scales), live_(live), image_(image), form_(frm_sup),
+                       const calibration::CalibrationImage& image, messages::ParameterControls& controls,
+                       FrmSup& frm_sup, shell::Navigation& navigation, BlockSelection& selection)
+    : ports_(ports), state_(state), scales_(scales), live_(live), image_(image), controls_(controls), form_(frm_sup),
       editor_(ports, state, comm, scales, navigation,
               {.form = frm_sup.form,
                .title = "General Purpose Output Driver Mapping",
@@ -141,8 +141,16 @@ void GpoMapping::wire_tables(std::size_t n, BlockSelection& selection) {
 }
 
 // In the order in which Update walks them.
+bool GpoMapping::span_known() const { return state_.demo_mode || image_.known(parameter("FS_RPM")); }
+
 void GpoMapping::add_items() {
     const auto page = [](std::size_t n) { return pages[n]; };
+    // Nothing to be entered: what the pressures of this window hang on.
+    editor_.add(CustomItem{.pending = [] { return 0; },
+                           .send = [](Walk&) {},
+                           .unread = [this] { return span_known() ? 0 : 1; },
+                           .row = &parameter("FS_RPM")},
+                {.group = page(0)});
     for (std::size_t i = 0; i < channels; ++i) {
         const int element = static_cast<int>(i);
         editor_.add(parameter("GPOV"), element, form_.cool_rly_temp[i], {.group = page(i), .demo = demo_temperature});
@@ -179,12 +187,7 @@ void GpoMapping::add_items() {
 
 CustomItem GpoMapping::mode_item(std::size_t n) {
     return {.pending = [this, n] { return mode_pending(n) ? 1 : 0; },
-            .send =
-                [this, n](Walk& walk) {
-                    walk.note_fate(
-                        walk.link.write(calibration::write_message(modes, static_cast<int>(n), chosen_mode_byte(n)),
-                                        modes.write.reply));
-                },
+            .send = [this, n](Walk& walk) { send_switches(walk, modes, n, chosen_mode_byte(n)); },
             .open =
                 [this, n](bool demo) {
                     if (!demo) { // an earlier reading would look as if it were this controller's
@@ -201,14 +204,22 @@ CustomItem GpoMapping::mode_item(std::size_t n) {
             .row = &modes};
 }
 
+// What is clicked while the message is under way is a new choice, which its echo must not take back.
+void GpoMapping::send_switches(Walk& walk, const calibration::Parameter& row, std::size_t n, std::int32_t raw) {
+    const int channel = static_cast<int>(n);
+    controls_.begin_sending(row, channel, raw);
+    const editing::Fate fate = walk.link.write(calibration::write_message(row, channel, raw), row.write.reply);
+    controls_.end_sending();
+    walk.note_fate(fate);
+}
+
 CustomItem GpoMapping::flags_item(std::size_t n) {
     return {.pending = [this, n] { return flags_pending(n) ? 1 : 0; },
             .send =
                 [this, n](Walk& walk) {
                     const std::int32_t raw = (form_.boost_ctrl_invert[n].checked() ? invert_flag : 0) +
                                              (form_.use_as_pwm[n].checked() ? as_pwm_flag : 0);
-                    walk.note_fate(walk.link.write(calibration::write_message(flags, static_cast<int>(n), raw),
-                                                   flags.write.reply));
+                    send_switches(walk, flags, n, raw);
                 },
             .open =
                 [this, n](bool demo) {
@@ -239,7 +250,7 @@ void GpoMapping::lock_what_is_unread() {
         form_.dont_interpolate[n].set_enabled(allowed_ && mode_read_[n]);
         form_.boost_ctrl_invert[n].set_enabled(allowed_ && flags_read_[n]);
         form_.use_as_pwm[n].set_enabled(allowed_ && flags_read_[n]);
-        form_.boost_gpo[n].set_locked(!allowed_ || !flags_read_[0]);
+        form_.boost_gpo[n].set_locked(!allowed_ || !flags_read_[0] || !span_known());
     }
 }
 
@@ -288,7 +299,13 @@ bool GpoMapping::read_everything() {
         return false;
     }
     relabel_gpo_axes();
-    if (!read_maps(output_maps) || !editor_.ask(read_request(217))) {
+    if (!read_maps(output_maps)) {
+        return false;
+    }
+    if (!span_known()) { // pressures of another sensor's span would be the wrong ones
+        return true;
+    }
+    if (!editor_.ask(read_request(217))) {
         return false;
     }
     // Without the flag no one knows what the bytes mean; they wait for the second read that brings it.
@@ -340,8 +357,11 @@ void GpoMapping::label_boost(std::size_t n) {
 void GpoMapping::follow_reply(const calibration::Parameter& row, int i) {
     if (&row == &modes) {
         const auto n = static_cast<std::size_t>(i);
-        gpo_mode_byte_[n] = image_.raw(row, i);
         mode_read_[n] = true;
+        if (mode_pending(n)) { // chosen behind the message whose echo this is
+            return;
+        }
+        gpo_mode_byte_[n] = image_.raw(row, i);
         if ((gpo_mode_byte_[n] & calibration::output_mode_mask) > two_wire_idle) {
             clear_choice(n); // an older choice would look as if it were the controller's
         }

@@ -8,6 +8,7 @@
 #include "editing/editor.h"
 #include "maps/frm_sup.h"
 #include "maps/gpo_modes.h"
+#include "messages/parameter_controls.h"
 
 namespace ecu::maps {
 
@@ -19,8 +20,8 @@ public:
 
     GpoMapping(const platform::Ports& ports, link::SharedState& state, link::EcuComm& comm,
                const calibration::Scales& scales, const messages::EcuLiveData& live,
-               const calibration::CalibrationImage& image, FrmSup& frm_sup, shell::Navigation& navigation,
-               BlockSelection& selection);
+               const calibration::CalibrationImage& image, messages::ParameterControls& controls, FrmSup& frm_sup,
+               shell::Navigation& navigation, BlockSelection& selection);
 
     // All axis captions and titles, the hidden map and the single column, by mode and flag of each channel.
     void relabel_gpo_axes();
@@ -39,6 +40,8 @@ private:
     void add_items();
     CustomItem mode_item(std::size_t n);
     CustomItem flags_item(std::size_t n);
+    bool span_known() const; // of the pressure sensor; one message tells it and the full-scale speed
+    void send_switches(Walk& walk, const calibration::Parameter& row, std::size_t n, std::int32_t raw);
     void clear_choice(std::size_t n);
     void lock_what_is_unread();
     std::string cell_place(std::size_t n, bool boost, int row, int column) const;
@@ -65,6 +68,7 @@ private:
     const calibration::Scales& scales_;
     const messages::EcuLiveData& live_;
     const calibration::CalibrationImage& image_;
+    messages::ParameterControls& controls_;
     FrmSup& form_;
     std::array<int, channels> gpo_mode_byte_{};
     // Whether a reply has told the modes and flags since the opening. They look alike before and after.

@@ -150,6 +150,7 @@ void Dashboard::activate() {
 
 void Dashboard::open() {
     tally_ = {};
+    other_controller_ = false;
     form_.form.set_caption("Dashboard" + state_.link_title_suffix);
     ask_controller();
     ports_.wait_seconds(0.1F);
@@ -242,7 +243,8 @@ void Dashboard::show_mixture(float lambda) {
 // A key that is held asks for one at each repeat. The next follows with the next events, so that the needles move in
 // between.
 void Dashboard::update() {
-    if (opening_) {
+    if (opening_ || other_controller_) {
+        show_status();
         return;
     }
     if (updating_) {
@@ -280,10 +282,11 @@ void Dashboard::send_trims() {
             trim.send(walk);
         }
     }
+    other_controller_ = !opening_ && link_.lost();
 }
 
 void Dashboard::read_again() {
-    if (opening_ || updating_) {
+    if (opening_ || updating_ || other_controller_) {
         return;
     }
     {
@@ -331,7 +334,10 @@ void Dashboard::show_status() {
                                                      .tally = updating_ ? editing::Tally{} : tally_,
                                                      .aborted = state_.comm_aborted,
                                                      .demo = state_.demo_mode,
-                                                     .note = {}}));
+                                                     .note = other_controller_ ? "Nothing more is sent: another "
+                                                                                 "controller may answer now. Leave "
+                                                                                 "this window and open it again"
+                                                                               : ""}));
     form_.read_again.set_enabled(counts.unread > 0 && !state_.demo_mode && !state_.comm_aborted);
 }
 
@@ -374,6 +380,15 @@ void Dashboard::view_gpo(std::size_t channel) {
     }
 }
 
-void Dashboard::leave() { navigation_.view_closed(form_.form); }
+// An Update under way sends nothing more of a view that was aborted: the next view may open the link again below it.
+void Dashboard::leave() {
+    link_.hush();
+    if (state_.comm_aborted) {
+        for (const editing::BoxItem& trim : trims_) {
+            trim.box().mark_unread();
+        }
+    }
+    navigation_.view_closed(form_.form);
+}
 
 } // namespace ecu::views

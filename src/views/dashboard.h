@@ -68,8 +68,9 @@ private:
     std::size_t lit_lamp_ = 0;
     bool opening_ = false; // the trims are being read: none may be sent
     bool change_posted_ = false;
-    bool updating_ = false;     // one Update at a time;
-    bool update_again_ = false; // asked for meanwhile, another follows it
+    bool other_controller_ = false; // an Update has ended at one: the trims shown are not that one's
+    bool updating_ = false;         // one Update at a time;
+    bool update_again_ = false;     // asked for meanwhile, another follows it
 };
 
 } // namespace ecu::views

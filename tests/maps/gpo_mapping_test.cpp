@@ -350,7 +350,7 @@ TEST_F(GpoMapping, SwitchesThatNoReplyHasToldAreNotSentWithTheirUnknownHalf) {
     EXPECT_NE(form.gpo_mode[2][0].fore_colour(), pending);
     EXPECT_NE(form.boost_ctrl_invert[1].fore_colour(), pending);
     EXPECT_TRUE(update().empty());
-    EXPECT_THAT(form.map_status.text(), HasSubstr("8 values not read"));
+    EXPECT_THAT(form.map_status.text(), HasSubstr("9 values not read"));
     exchange({170, 0, 0, 0}, 7);
     exchange({217, 0, 0, 0}, 43);
     form.dont_interpolate[0].click();
@@ -396,6 +396,56 @@ TEST_F(GpoMapping, WithoutTheFlagsBoostCellsWaitForTheSecondReadWhichKeepsWhatIs
     EXPECT_FALSE(form.boost_gpo[3].locked());
     EXPECT_TRUE(form.use_as_pwm[2].checked() && form.use_as_pwm[2].enabled());
     EXPECT_EQ(form.map_status.text(), "1 value pending: GPO 1 1");
+}
+
+TEST_F(GpoMapping, WithoutTheSpanPressuresWaitForTheSecondRead) {
+    bool lost = true;
+    wired.controller.on_request = [&](const link::Request& request) {
+        sent.emplace_back(request.begin() + 2, request.begin() + 6);
+        if (lost && request[2] == 'C') {
+            wired.controller.faults().strike_next(controller::Fault::lost);
+        }
+    };
+    const auto ignore = [this](platform::Form&) { console.forms.frm_dialog.dialog_button[0].press(); };
+    for (int dialog = 0; dialog < 2; ++dialog) {
+        desktop.on_modal("frm_Dialog", ignore);
+    }
+    console.navigation.open(link::View::gpo_mapping);
+    desktop.run_for(60);
+    EXPECT_TRUE(form.boost_gpo[0].locked() && form.boost_gpo[0].cell_unread(1, 1));
+    EXPECT_TRUE(form.boost_enable_press[0].unread());
+    EXPECT_FALSE(form.GPO_tbl[0].cell_unread(1, 1));
+    lost = false;
+    form.read_again.press();
+    desktop.run_for(30);
+    EXPECT_FALSE(form.boost_gpo[0].locked() || form.boost_gpo[0].cell_unread(1, 1));
+    EXPECT_EQ(cell(form.boost_gpo[1], 40), "141.0");
+    EXPECT_FALSE(form.boost_enable_press[0].unread());
+}
+
+TEST_F(GpoMapping, AClickBehindItsOwnMessageOutlivesTheEcho) {
+    open();
+    form.gpo_mode[0][3].click();
+    form.use_as_pwm[1].click();
+    const auto once = [&](std::uint8_t code, std::function<void()> click) {
+        wired.controller.on_request = [this, code, click = std::move(click)](const link::Request& request) mutable {
+            sent.emplace_back(request.begin() + 2, request.begin() + 6);
+            if (request[2] == code && click) {
+                std::exchange(click, nullptr)();
+            }
+        };
+    };
+    once(171, [this] { form.gpo_mode[0][5].click(); });
+    EXPECT_THAT(update(), testing::Contains(Bytes{171, 0, 3, 0}));
+    EXPECT_TRUE(form.gpo_mode[0][5].checked());
+    EXPECT_EQ(form.gpo_mode[0][0].fore_colour(), pending);
+    EXPECT_EQ(console.gpo_mapping.gpo_mode_byte(0), 5);
+    form.boost_ctrl_invert[1].click();
+    once(224, [this] { form.boost_ctrl_invert[1].click(); });
+    EXPECT_THAT(update(), testing::Contains(Bytes{171, 0, 5, 0}));
+    EXPECT_EQ(form.gpo_mode[0][0].fore_colour(), platform::black);
+    EXPECT_EQ(form.boost_ctrl_invert[1].fore_colour(), pending);
+    EXPECT_THAT(update(), testing::Contains(testing::ElementsAre(224, 1, testing::_, testing::_)));
 }
 
 TEST_F(GpoMapping, WithoutTheModesAPageAssertsNone) {

@@ -93,7 +93,7 @@ protected:
     std::string suffix() const { return GetParam() ? "_dark" : ""; }
     QtHost host_;
 };
-INSTANTIATE_TEST_SUITE_P(Light_and_dark, DiagnosticsWindow, testing::Bool());
+INSTANTIATE_TEST_SUITE_P(LightAndDark, DiagnosticsWindow, testing::Bool());
 
 TEST_P(DiagnosticsWindow, ShowsEveryTabWholeAtEachSizeOfScreen) {
     FrmDiagnostics form;

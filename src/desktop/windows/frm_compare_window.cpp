@@ -24,17 +24,25 @@ Panel side_panel(FormWindow& window, history::FrmCompare& f, std::size_t side) {
     return panel;
 }
 
-QWidget* map_page(FormWindow& window, history::FrmCompare& f) {
-    const auto grid = [&](platform::Grid& control, const char* title) {
-        Panel panel = window.panel(title);
-        panel.add(control, title, 1);
-        window.binding().widget_of(control)->setMinimumSize(160, 120);
-        return panel;
-    };
-    const Panel a = grid(f.map_a, "A");
-    const Panel b = grid(f.map_b, "B");
-    const Panel difference = grid(f.map_difference, "B less A");
-    return window.down({window.make(f.map_name, "Map"), window.across({a, b, difference})}, {0, 1});
+QWidget* map_panel(FormWindow& window, platform::Grid& grid, const char* title) {
+    Panel panel = window.panel(title);
+    panel.add(grid, title, 1);
+    window.binding().widget_of(grid)->setMinimumSize(200, 120);
+    return panel;
+}
+
+QWidget* differences_page(FormWindow& window, history::FrmCompare& f) {
+    Panel filter = window.panel("Show");
+    filter.add(f.compare_groups, "Groups", 1);
+    filter.row("Text", f.compare_text);
+    filter.row("At least", f.compare_rate, "%");
+    filter.add(f.compare_raw);
+    Panel list = window.panel("Differences");
+    list.add(f.compare_list, "Differences", 1);
+    const std::array<platform::Control*, 5> acts{&f.compare_tick_shown, &f.compare_tick_none, &f.compare_copy,
+                                                 &f.compare_csv, &f.compare_page};
+    list.side_by_side(acts);
+    return window.across({filter, list}, {0, 1});
 }
 
 } // namespace
@@ -43,23 +51,20 @@ std::unique_ptr<FormWindow> make_frm_compare_window(history::FrmCompare& f, QtHo
     auto window = std::make_unique<FormWindow>(f.form, host);
     QWidget* sides = window->across({side_panel(*window, f, 0), side_panel(*window, f, 1)});
 
-    Panel filter = window->panel("Show");
-    filter.add(f.compare_groups, "Groups", 1);
-    filter.row("Text", f.compare_text);
-    filter.row("At least", f.compare_rate, "%");
-    filter.add(f.compare_raw);
-
-    Panel list = window->panel();
-    list.add(f.compare_list, "Differences", 1);
     auto* pages = new QTabWidget;
-    pages->addTab(list, "&Differences");
-    pages->addTab(map_page(*window, f), "&Map");
-    pages->setAccessibleName("Differences and map");
+    pages->addTab(differences_page(*window, f), "&Differences");
+    pages->addTab(
+        window->down({window->make(f.map_name[0], "Map"), map_panel(*window, f.map_difference, "B less A")}, {0, 1}),
+        "&Map, B less A");
+    pages->addTab(window->down({window->make(f.map_name[1], "Map"),
+                                window->across({map_panel(*window, f.map_a, "A"), map_panel(*window, f.map_b, "B")})},
+                               {0, 1}),
+                  "Map, A and &B");
+    pages->setAccessibleName("Differences and maps");
     pages->setToolTip("All differences, and the map of the chosen one");
 
-    window->set_body(window->down({sides, window->across({filter, pages}, {0, 1})}, {0, 1}));
-    window->set_footer(window->buttons({&f.compare_swap, &f.compare_stop, &f.compare_copy, &f.compare_csv,
-                                        &f.compare_page, &f.compare_send, &f.compare_close}));
+    window->set_body(window->down({sides, window->make(f.compare_summary, "How many differ"), pages}, {0, 0, 1}));
+    window->set_footer(window->buttons({&f.compare_swap, &f.compare_stop, &f.compare_send, &f.compare_close}));
     window->status_line(f.compare_status)->setAccessibleName("Result of the comparison");
     window->focus_first([&f]() -> platform::Control& { return f.side_file[0]; });
     window->close_on_escape();

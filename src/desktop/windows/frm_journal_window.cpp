@@ -9,7 +9,8 @@ namespace ecu::desktop {
 std::unique_ptr<FormWindow> make_frm_journal_window(history::FrmJournal& f, QtHost& host) {
     auto window = std::make_unique<FormWindow>(f.form, host);
     Panel panel = window->panel("Writes");
-    panel.row("Filter", f.journal_filter);
+    panel.note("Only rows with this text");
+    panel.add(f.journal_filter, "Filter");
     panel.add(f.journal_list, "Journal of writes", 1);
     window->set_body(panel);
     window->set_footer(window->buttons(

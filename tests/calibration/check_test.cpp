@@ -1,11 +1,9 @@
-#include "cli/reports.h"
+#include "calibration/file_check.h"
 
 #include <gmock/gmock.h>
 
-namespace ecu::cli {
+namespace ecu::calibration {
 namespace {
-
-using namespace calibration;
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -62,4 +60,4 @@ TEST(Check, NotesWhatAnUploadLosesWithoutCallingItAFault) {
 }
 
 } // namespace
-} // namespace ecu::cli
+} // namespace ecu::calibration
