@@ -11,6 +11,7 @@
 #include <QTextBrowser>
 #include <QTextDocument>
 #include <QToolBar>
+#include <QWindow>
 
 // In a library the linker takes only what is asked for by name.
 static void take_pages_in() { Q_INIT_RESOURCE(guide); }
@@ -120,6 +121,13 @@ bool Guide::has_page(const QString& name) { return QFile::exists(folder + name +
 void Guide::open(const QString& page) {
     if (!window_) {
         window_ = std::make_unique<GuideWindow>();
+        window_->winId(); // so that it can be told whose front it stands in
+    }
+    const QWidget* holding = QApplication::activeModalWidget();
+    QWindow* behind = holding != nullptr ? holding->windowHandle() : nullptr;
+    if (window_->windowHandle()->transientParent() != behind) {
+        window_->hide(); // whether it is held is found out as it shows
+        window_->windowHandle()->setTransientParent(behind);
     }
     window_->show_page(page);
     window_->show();
@@ -128,7 +136,7 @@ void Guide::open(const QString& page) {
     window_->browser().setFocus();
 }
 
-// A window that holds all others shows its page in front of itself, or the guide could not be used.
+// An open menu takes all clicks: it is closed first, and the page is that of the window below it.
 bool Guide::eventFilter(QObject* watched, QEvent* event) {
     const auto* asked = qobject_cast<const QWidget*>(watched);
     if (asked == nullptr || (event->type() != QEvent::KeyPress && event->type() != QEvent::ShortcutOverride)) {
@@ -140,8 +148,12 @@ bool Guide::eventFilter(QObject* watched, QEvent* event) {
     }
     event->accept();
     if (event->type() == QEvent::KeyPress) {
-        open(asked->window()->objectName()); // of the guide itself: the contents
-        window_->setWindowModality(QApplication::activeModalWidget() != nullptr ? Qt::ApplicationModal : Qt::NonModal);
+        const QWidget* window = asked->window();
+        while (QWidget* menu = QApplication::activePopupWidget()) {
+            menu->close();
+            window = QApplication::activeWindow();
+        }
+        open(window != nullptr ? window->objectName() : contents); // of the guide itself: the contents
     }
     return true;
 }

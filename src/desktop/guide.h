@@ -35,6 +35,7 @@ class Guide final : public QObject {
 public:
     explicit Guide(shell::FrmEcu& main);
     ~Guide() override;
+    // In front of a window that holds all others, if there is one: otherwise the guide could not be used.
     void open(const QString& page);
     GuideWindow* window() { return window_.get(); } // none before the first opening
     static bool has_page(const QString& name);

@@ -140,7 +140,10 @@ int main(int argc, char** argv) {
         return first.status;
     }
     ecu::desktop::DesktopConsole desktop(settings);
-    desktop.program().at_end = [](int status) { log::note_end(status, "the console's own exit"); };
+    desktop.program().at_end = [&engine](int status) {
+        engine.stop();
+        log::note_end(status, "the console's own exit");
+    };
     const ecu::adapters::EndSignals end_signals([&desktop] {
         log::note("a signal asks for the end");
         desktop.ports().program.end(0);

@@ -12,6 +12,11 @@
 #include <QPushButton>
 #include <QStandardPaths>
 
+#ifdef Q_OS_LINUX
+#include <csignal>
+#include <sys/prctl.h>
+#endif
+
 namespace ecu::desktop {
 
 namespace {
@@ -117,7 +122,9 @@ int Welcome::port() const { return ports_->currentData().toInt(); }
 
 bool Welcome::ask_again() const { return keep_->isChecked(); }
 
-VirtualEngine::~VirtualEngine() {
+VirtualEngine::~VirtualEngine() { stop(); }
+
+void VirtualEngine::stop() {
     if (process_.state() != QProcess::NotRunning) {
         process_.terminate();
         if (!process_.waitForFinished(1000)) {
@@ -129,6 +136,9 @@ VirtualEngine::~VirtualEngine() {
 
 std::optional<QString> VirtualEngine::start(const QString& program, const QString& state) {
     process_.setProcessChannelMode(QProcess::SeparateChannels);
+#ifdef Q_OS_LINUX
+    process_.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGTERM); }); // a killed console can stop nothing
+#endif
     process_.start(program, {"--pace", "38400", "--engine", "cycle", "--state", state});
     if (!process_.waitForStarted(start_ms)) {
         fault_ = QString("%1 could not be started: %2.").arg(program, process_.errorString());

@@ -43,7 +43,7 @@ private:
     QCheckBox* keep_;
 };
 
-// The virtual controller with its engine, for as long as this lives.
+// The virtual controller with its engine, for as long as this lives and no longer than the program, however that ends.
 class VirtualEngine {
 public:
     VirtualEngine() = default;
@@ -55,6 +55,8 @@ public:
     // which it keeps its calibration.
     std::optional<QString> start(const QString& program, const QString& state);
     const QString& fault() const { return fault_; }
+    // Ends it and waits until it has. For an exit that destroys nothing.
+    void stop();
 
 private:
     QProcess process_;

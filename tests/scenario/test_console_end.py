@@ -36,3 +36,33 @@ class ConsoleEnd(Scenario):
             process.send_signal(number)
             self.assertEqual(process.wait(timeout=PATIENCE), 0, number)
 
+
+
+class FirstStart(Scenario):
+    """From the desktop's menu, with the virtual engine as the remembered choice."""
+
+    def children(self, pid):
+        return [int(child) for child in pathlib.Path(f"/proc/{pid}/task/{pid}/children").read_text().split()]
+
+    def runs(self, pid):
+        try:
+            return pathlib.Path(f"/proc/{pid}/stat").read_text().rpartition(")")[2].split()[0] != "Z"
+        except FileNotFoundError:
+            return False
+
+    def test_the_virtual_engine_ends_with_the_console_however_that_ends(self):
+        settings = self.folder / ".config/ecu-console/console.ini"
+        settings.parent.mkdir(parents=True)
+        settings.write_text("[welcome]\nchoice=1\n")
+        environment = {name: value for name, value in os.environ.items() if not name.startswith(("ECU_PORT", "XDG_"))}
+        environment |= {"HOME": str(self.folder), "QT_QPA_PLATFORM": "offscreen"}
+        for number in (signal.SIGTERM, signal.SIGKILL):
+            process = subprocess.Popen([BIN / "ecu-console", "--welcome"], env=environment, stderr=subprocess.DEVNULL)
+            self.addCleanup(process.wait)
+            self.addCleanup(process.kill)
+            self.wait_for(lambda: ConsoleEnd.catches(process.pid, signal.SIGTERM), "the console")
+            engine, = self.children(process.pid)
+            process.send_signal(number)
+            process.wait(timeout=PATIENCE)
+            self.wait_for(lambda: not self.runs(engine), f"the end of the engine after {number.name}")
+        self.assertTrue((self.folder / "Documents/ECU System Console/port.cfg").exists())

@@ -3,9 +3,13 @@
 #include "windows/window_bench.h"
 
 #include <QAction>
+#include <QDialog>
 #include <QFile>
+#include <QMenu>
 #include <QRegularExpression>
 #include <QTextBrowser>
+#include <QToolBar>
+#include <QWindow>
 
 namespace ecu::desktop {
 namespace {
@@ -83,6 +87,44 @@ TEST(Guide, OpensAtTheWindowsPageAndIsReadByKeyboard) {
     desktop.console().forms.frm_ecu.menu_view_keys.click();
     EXPECT_EQ(guide->page(), "keys");
     guide->close();
+    map.put_away();
+}
+
+// A click by way of the window system, which a window that is held does not get.
+void click_contents(GuideWindow& guide) {
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&guide));
+    auto& bar = *guide.findChild<QToolBar*>();
+    QWidget* contents = bar.widgetForAction(bar.actions().at(2));
+    guide.show_page("keys");
+    QTest::mouseClick(guide.windowHandle(), Qt::LeftButton, {}, contents->mapTo(&guide, contents->rect().center()));
+    EXPECT_EQ(guide.page(), "index");
+}
+
+TEST(Guide, IsReadInFrontOfAWindowThatHoldsTheOthersAndHoldsNoneItself) {
+    DesktopConsole desktop;
+    FormWindow& map = desktop.host().window_of(desktop.console().forms.frm_3d.form);
+    map.open();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&map));
+    desktop.guide().open("frm_3d");
+    GuideWindow& guide = *desktop.guide().window();
+    {
+        QDialog holding;
+        holding.setModal(true);
+        holding.show();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&holding));
+        QTest::keyClick(&holding, Qt::Key_F1);
+        click_contents(guide);
+    }
+    map.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&map));
+    QMenu menu;
+    menu.addAction("item");
+    menu.popup({0, 0});
+    QTest::keyClick(&menu, Qt::Key_F1);
+    EXPECT_FALSE(menu.isVisible());
+    EXPECT_EQ(guide.page(), "frm_3d");
+    click_contents(guide);
+    guide.close();
     map.put_away();
 }
 
