@@ -57,7 +57,7 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     }
     QColor text = index.data(Qt::ForegroundRole).isValid() ? index.data(Qt::ForegroundRole).value<QBrush>().color()
                                                            : theme::text_on(fill);
-    text.setAlpha(enabled ? 255 : 110);
+    text.setAlpha(enabled ? 255 : 160);
     painter->setPen(text);
     const int inset = std::max(3, option.rect.width() / 7);
     const bool emptied = grid.cell_to_be_sent(row, column) && grid.cell_text(row, column).empty();

@@ -164,7 +164,7 @@ QPalette palette_of(Theme theme) {
                         .text = QColor(0x1B, 0x1D, 0x20),
                         .field = Qt::white,
                         .button = QColor(0xE4, 0xE6, 0xE9),
-                        .disabled = QColor(0x8A, 0x8D, 0x92),
+                        .disabled = QColor(0x5C, 0x5F, 0x64),
                         .tip = QColor(0xFF, 0xFB, 0xE0),
                         .highlight = QColor(0x1F, 0x63, 0xA8),
                         .highlighted = Qt::white});
@@ -173,7 +173,7 @@ QPalette palette_of(Theme theme) {
                         .text = QColor(0xe3, 0xe5, 0xe8),
                         .field = QColor(0x45, 0x48, 0x4e),
                         .button = QColor(0x3a, 0x3d, 0x42),
-                        .disabled = QColor(0x8d, 0x90, 0x96),
+                        .disabled = QColor(0xB4, 0xB7, 0xBC),
                         .tip = QColor(0x1e, 0x1f, 0x22),
                         .highlight = QColor(0x35, 0x70, 0xAB),
                         .highlighted = Qt::white});
@@ -182,7 +182,7 @@ QPalette palette_of(Theme theme) {
                         .text = night_text,
                         .field = QColor(0x26, 0x06, 0x04),
                         .button = QColor(0x1C, 0x05, 0x04),
-                        .disabled = QColor(0x80, 0x30, 0x22),
+                        .disabled = QColor(0xC8, 0x68, 0x58),
                         .tip = Qt::black,
                         .highlight = QColor(0x7A, 0x12, 0x08),
                         .highlighted = QColor(0xFF, 0xA0, 0x88)});
@@ -290,7 +290,8 @@ QPalette edit_palette(const QPalette& from, std::optional<platform::Colour> back
         palette.setColor(QPalette::Base, to_qt(*back));
         // A selection in the box must stand out from the state colour in every theme.
         palette.setColor(QPalette::Text, text_on(to_qt(*back)));
-        palette.setColor(QPalette::Disabled, QPalette::Text, blend(text_on(to_qt(*back)), to_qt(*back), 0.55F));
+        palette.setColor(QPalette::Disabled, QPalette::Text,
+                         readable_on(blend(text_on(to_qt(*back)), to_qt(*back), 0.45F), to_qt(*back)));
     }
     if (fore) {
         const QColor shown =

@@ -34,6 +34,12 @@ TEST_P(Themes, KeepEveryTextReadable) {
     EXPECT_GE(on(QPalette::Text, QPalette::AlternateBase), 4.5);
     EXPECT_GE(on(QPalette::ButtonText, QPalette::Button), 4.5);
     if (GetParam() != Theme::system) { // which is as the desktop gives it
+        for (const auto& [text, ground] : {std::pair{QPalette::WindowText, QPalette::Window},
+                                           {QPalette::Text, QPalette::Base},
+                                           {QPalette::ButtonText, QPalette::Button}}) { // read while a window waits
+            EXPECT_GE(contrast(palette.color(QPalette::Disabled, text), palette.color(QPalette::Disabled, ground)),
+                      4.5);
+        }
         EXPECT_GE(on(QPalette::HighlightedText, QPalette::Highlight), 4.5);
         EXPECT_GE(on(QPalette::ToolTipText, QPalette::ToolTipBase), 4.5);
     }
@@ -43,6 +49,10 @@ TEST_P(Themes, KeepEveryTextReadable) {
         EXPECT_GE(contrast(theme::readable_on(theme::to_qt(platform::light_red), ground), ground), 4.5);
     }
     EXPECT_GE(contrast(theme::accent(palette), panel), 4.5);
+    for (const platform::Colour state : {platform::pending, platform::confirmed}) {
+        const QPalette box = theme::edit_palette(palette, state, {});
+        EXPECT_GE(contrast(box.color(QPalette::Disabled, QPalette::Text), box.color(QPalette::Base)), 4.5);
+    }
     EXPECT_GE(contrast(theme::wrong_text(), theme::to_qt(platform::pending)), 4.5);
     for (int level = 0; level < 256; level += 15) { // the states, and the shades of the maps between them
         const auto byte = static_cast<std::uint8_t>(level);
