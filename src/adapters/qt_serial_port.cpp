@@ -128,7 +128,6 @@ public:
     std::uint32_t openings() const override { return openings_; }
 
     void write(std::span<const std::uint8_t> bytes) override {
-        reopen_lost();
         if (is_open()) {
             port_.write(reinterpret_cast<const char*>(bytes.data()), static_cast<qint64>(bytes.size()));
             port_.flush(); // to the driver now rather than with the next events

@@ -116,4 +116,12 @@ std::string tool_tip(const Parameter& row) { return tip_of(row.screen, entry_ran
 
 std::string tool_tip(const Table& row) { return tip_of(row.screen, entry_range(row)); }
 
+std::string element_label(const Parameter& row, int i) {
+    return std::string(row.screen.label) + (row.is_vector() ? " " + std::to_string(i + 1) : "");
+}
+
+std::string element_label(const Table& row, int i) {
+    return std::string(row.screen.label) + " " + std::to_string(i + 1);
+}
+
 } // namespace ecu::calibration

@@ -13,6 +13,10 @@ namespace ecu::calibration {
 std::string entry_range(const Parameter& row);
 std::string entry_range(const Table& row);
 
+// What element `i` is called where several stand together: "Base Angle 5", "Filter Rate".
+std::string element_label(const Parameter& row, int i);
+std::string element_label(const Table& row, int i);
+
 // The row's own tip as it stands; else what the item is, and its range on a line of its own.
 std::string tool_tip(const Parameter& row);
 std::string tool_tip(const Table& row);

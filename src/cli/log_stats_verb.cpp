@@ -1,10 +1,10 @@
 #include "analysis/map_statistics.h"
 #include "cli/json.h"
 #include "cli/verbs.h"
+#include "platform/display_mask.h"
 
 #include <QJsonArray>
 
-#include <cstdio>
 #include <iostream>
 
 namespace ecu::cli {
@@ -12,6 +12,8 @@ namespace ecu::cli {
 namespace {
 
 using analysis::map_side;
+
+constexpr std::size_t cell_width = 8;
 
 QJsonObject as_json(const analysis::LogTable& log, const analysis::MapStatistics& statistics, const Options& options) {
     QJsonArray faults;
@@ -64,13 +66,13 @@ void print(const analysis::LogTable& log, const analysis::MapStatistics& statist
     for (std::size_t load = map_side; load-- > 0;) {
         for (std::size_t speed = 0; speed < map_side; ++speed) {
             const analysis::CellStatistics& cell = statistics.cells[speed * map_side + load];
-            char text[16] = "      .";
+            std::string text = ".";
             if (cell.hits >= options.least_hits) {
-                std::snprintf(text, sizeof text, " %6.3f",
-                              cell.correction ? static_cast<double>(*cell.correction) : cell.mean);
+                text = platform::masked(cell.correction ? static_cast<double>(*cell.correction) : cell.mean, "0.000");
             } else if (cell.hits > 0) {
-                std::snprintf(text, sizeof text, " %6s", ("(" + std::to_string(cell.hits) + ")").c_str());
+                text = "(" + std::to_string(cell.hits) + ")";
             }
+            text.insert(0, text.size() < cell_width ? cell_width - text.size() : 1, ' ');
             std::cout << text;
         }
         std::cout << '\n';

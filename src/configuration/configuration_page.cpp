@@ -1,5 +1,6 @@
 #include "configuration/configuration_page.h"
 
+#include "calibration/description.h"
 #include "configuration/demo_texts.h"
 #include "editing/editing_rules.h"
 
@@ -103,7 +104,9 @@ void ConfigurationPage::add_items() {
             for (int i = 0; i < item.table->cells(); ++i) {
                 platform::TextBox& box = form_.boxes(*item.table, i);
                 tabs_[&box] = page_of(item.table->screen.tab);
-                editor_.add(*item.table, i, box, {.group = caption_of(item.table->screen.tab)});
+                editor_.add(*item.table, i, box,
+                            {.group = caption_of(item.table->screen.tab),
+                             .place = [row = item.table, i](int, int) { return calibration::element_label(*row, i); }});
             }
         } else if (!item.parameter->shows_text()) {
             add_switches(*item.parameter);
@@ -118,7 +121,9 @@ void ConfigurationPage::add_items() {
                 tabs_[&box] = page_of(item.parameter->screen.tab);
                 editor_.add(
                     *item.parameter, i, box,
-                    {.group = caption_of(item.parameter->screen.tab), .demo = demo_text(item.parameter->key, i)},
+                    {.group = caption_of(item.parameter->screen.tab),
+                     .demo = demo_text(item.parameter->key, i),
+                     .place = [row = item.parameter, i](int, int) { return calibration::element_label(*row, i); }},
                     item.parameter == &parameter("FS_RPM") ? editing::AfterEcho(read_scales) : nullptr);
             }
         }

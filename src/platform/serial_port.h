@@ -19,7 +19,8 @@ public:
     virtual void close() = 0;
     virtual bool is_open() const = 0;
     virtual void write(std::span<const std::uint8_t> bytes) = 0; // queued; a closed or broken port takes none
-    // Tries once to open a port whose device went away while it was open; a write does so by itself.
+    // Tries once to open a port whose device went away while it was open. A write never does: who answers behind it may
+    // be another one, and that is to be found out first.
     virtual void reopen_lost() {}
     // How often the port was opened. What answers after it has grown may be another device.
     virtual std::uint32_t openings() const { return 0; }

@@ -208,7 +208,7 @@ TEST_F(ConfigurationPage, ARefusalOrAnAnswerSkipsOnlyItsOwnControl) {
     EXPECT_THAT(update(),
                 ElementsAre(Bytes{'?', 64, 0, 0}, Bytes{'v', 3, 0, 0}, Bytes{156, 3, 0x3F, 0x0B}, Bytes{54, 20, 0, 0}));
     EXPECT_EQ(desktop.boxes()[0].buttons, platform::Buttons::yes_no_cancel);
-    EXPECT_EQ(desktop.boxes()[3].details, "Phase Setup, number 5");
+    EXPECT_EQ(desktop.boxes()[3].details, "Phase Setup, Base Angle 5");
     EXPECT_EQ(page.tool_tab.current(), 4) << "the value that the box speaks of is in front";
     EXPECT_TRUE(page.box("HOT_#P").is_pending() && page.box("PHBT", 2).is_pending() &&
                 page.box("PHBT", 4).is_pending());

@@ -87,7 +87,6 @@ public:
     void close() override { line_.close(this); }
     bool is_open() const override { return line_.is_open(this); }
     void write(std::span<const std::uint8_t> bytes) override {
-        line_.reopen_lost();
         if (is_open()) {
             line_.write(bytes);
         }

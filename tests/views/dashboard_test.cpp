@@ -209,6 +209,36 @@ TEST(Trims, ARefusedOneKeepsItsTextAndTheOthersStillGoOut) {
     EXPECT_THAT(bench.update(bench.form.ecu_pgm[1], "-26.22"), IsEmpty());
 }
 
+TEST(Trims, NothingMoreGoesToAnotherControllerUntilTheDashboardIsOpenedAgain) {
+    DashboardBench bench;
+    bench.sizes.insert({{'R', 5}, {'-', 6}});
+    bench.open(bench.form.form);
+    bench.form.ecu_pgm[0].confirm("1");
+    bench.form.ecu_pgm[1].confirm("1");
+    bench.form.base_offset_deg.confirm("1");
+    bench.form.ecu_pgm[0].set_text("2");
+    bench.form.ecu_pgm[1].set_text("2");
+    bench.sent();
+    bench.controller.responder = [&](const test::Request& request) -> test::Bytes {
+        if (request[2] == 'm') { // its reply is lost with the port
+            bench.desktop.line().unplug();
+            bench.desktop.line().plug_in();
+            return {};
+        }
+        return test::reply_frame({request[2]}, bench.sizes.at(request[2]));
+    };
+    bench.desktop.expect_box("The update has stopped: the port was lost");
+    bench.form.update_button.press();
+    EXPECT_EQ(bench.sent().front(), (Bytes{'m', 0xE2, 0x04, 0}));
+    EXPECT_TRUE(bench.form.ecu_pgm[1].is_pending());
+    bench.form.update_button.press();
+    EXPECT_THAT(bench.sent(), IsEmpty());
+    EXPECT_THAT(bench.form.trim_status.text(), testing::HasSubstr("another controller may answer"));
+    bench.dashboard.activate();
+    bench.desktop.run_for(1);
+    EXPECT_THAT(bench.form.trim_status.text(), testing::Not(testing::HasSubstr("another controller")));
+}
+
 TEST(Trims, EnterAndTheShiftedArrowKeysUpdate) {
     DashboardBench bench;
     const auto press = [&](platform::TextBox& box, int code, bool shift) {
