@@ -385,9 +385,9 @@ void FormWindow::closeEvent(QCloseEvent* event) {
 // The boxes' colours are made of the theme's, and so are the figures' sizes of its font.
 void FormWindow::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
-    if (event->type() == QEvent::ApplicationPaletteChange) {
+    if (event->type() == QEvent::PaletteChange) {
         binding_.recolour();
-    } else if (event->type() == QEvent::ApplicationFontChange && body_ != nullptr) {
+    } else if (event->type() == QEvent::FontChange && body_ != nullptr) {
         fit_figures();
     }
 }

@@ -109,14 +109,17 @@ public:
 
 protected:
     bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::ApplicationPaletteChange) {
+        if (event->type() == QEvent::PaletteChange && !colouring_) { // its own too, when the theme has changed
+            colouring_ = true;
             colour_();
+            colouring_ = false;
         }
         return false;
     }
 
 private:
     std::function<void()> colour_;
+    bool colouring_ = false; // which changes the palette in turn
 };
 
 constexpr const char* digits_property = "large_digits"; // of the application, which all windows share

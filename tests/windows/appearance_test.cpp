@@ -3,6 +3,7 @@
 #include "windows/window_bench.h"
 
 #include <QFile>
+#include <QLabel>
 #include <QLineEdit>
 #include <QTabWidget>
 #include <QTemporaryDir>
@@ -100,9 +101,19 @@ TEST_F(Appearances, ChangeAtOnceFromTheMenuAndByKey) {
     auto& box = *static_cast<QLineEdit*>(
         window.binding().widget_of(desktop.console().forms.frm_tool.form.get<platform::TextBox>("accel_flt_rate")));
     const QColor by_day = box.palette().color(QPalette::Base);
+    QLabel caption("rpm", &window);
+    theme::mute(caption);
+    platform::Label& duty = desktop.console().forms.frm_mon.inj_duty[0];
+    duty.set_fore_colour(platform::Colour{0, 0, 0xFF});
+    QWidget& figure = *desktop.host().window_of(desktop.console().forms.frm_mon.form).binding().widget_of(duty);
     main.menu_view_themes[3].click();
     EXPECT_EQ(QApplication::palette().color(QPalette::Window), theme::palette_of(Theme::night).color(QPalette::Window));
     EXPECT_TRUE(QTest::qWaitFor([&] { return box.palette().color(QPalette::Base) != by_day; }));
+    EXPECT_EQ(caption.palette().color(QPalette::WindowText), theme::muted_text(QApplication::palette()));
+    EXPECT_TRUE(QTest::qWaitFor([&] { // a colour of its own, as this theme shows it
+        return contrast(figure.palette().color(QPalette::WindowText), theme::panel_fill(QApplication::palette())) >=
+               4.5;
+    }));
     EXPECT_TRUE(main.menu_view_themes[3].checked());
     EXPECT_FALSE(main.menu_view_themes[0].checked());
     FormWindow& question = desktop.host().window_of(dialog.form);
